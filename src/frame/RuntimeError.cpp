@@ -41,6 +41,8 @@ QString RuntimeError::standardDescription(int number)
         return QStringLiteral("Set not permitted");
     case ErrorNumber::ElementNotFound:
         return QStringLiteral("Element not found");
+    case ErrorNumber::KeyNotUnique:
+        return QStringLiteral("Key is not unique in collection");
     default:
         return QStringLiteral("Application-defined or object-defined error");
     }

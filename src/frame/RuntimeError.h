@@ -23,6 +23,7 @@ constexpr int InvalidFileFormat = 321; ///< "Invalid file format"
 constexpr int InvalidPropertyValue = 380; ///< "Invalid property value"
 constexpr int SetNotPermitted = 387; ///< "Set not permitted": a write refused at design time
 constexpr int ElementNotFound = 35601; ///< "Element not found": unknown key or index of a collection
+constexpr int KeyNotUnique = 35602; ///< "Key is not unique in collection"
 } // namespace ErrorNumber
 
 /**

@@ -1,0 +1,98 @@
+#include "ImageList.h"
+
+#include "RuntimeError.h"
+
+namespace Kelocontrols {
+
+ImageList::ImageList(const QSize &imageSize, QObject *parent)
+    : QObject(parent)
+    , m_imageSize(imageSize)
+{
+}
+
+int ImageList::add(const QPixmap &picture, const QString &key, const QVariant &tag)
+{
+    if (!key.isEmpty() && contains(key)) {
+        throw RuntimeError(ErrorNumber::KeyNotUnique);
+    }
+    QPixmap fitted = picture;
+    if (!picture.isNull() && picture.size() != m_imageSize) {
+        fitted = picture.scaled(m_imageSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    m_items.append({key, fitted, tag});
+    return count();
+}
+
+void ImageList::remove(int index)
+{
+    itemAt(index);
+    m_items.removeAt(index - 1);
+}
+
+void ImageList::remove(const QString &key)
+{
+    remove(requireKey(key));
+}
+
+void ImageList::clear()
+{
+    m_items.clear();
+}
+
+int ImageList::indexOf(const QString &key) const
+{
+    if (key.isEmpty()) {
+        return 0;
+    }
+    for (int i = 0; i < m_items.size(); ++i) {
+        if (m_items.at(i).key.compare(key, Qt::CaseInsensitive) == 0) {
+            return i + 1;
+        }
+    }
+    return 0;
+}
+
+QPixmap ImageList::picture(int index) const
+{
+    return itemAt(index).picture;
+}
+
+QPixmap ImageList::picture(const QString &key) const
+{
+    return picture(requireKey(key));
+}
+
+QString ImageList::key(int index) const
+{
+    return itemAt(index).key;
+}
+
+QVariant ImageList::tag(int index) const
+{
+    return itemAt(index).tag;
+}
+
+void ImageList::setTag(int index, const QVariant &tag)
+{
+    itemAt(index);
+    m_items[index - 1].tag = tag;
+}
+
+const ImageList::Item &ImageList::itemAt(int index) const
+{
+    if (index < 1 || index > m_items.size()) {
+        throw RuntimeError(ErrorNumber::ElementNotFound);
+    }
+    return m_items.at(index - 1);
+}
+
+int ImageList::requireKey(const QString &key) const
+{
+    const int index = indexOf(key);
+    if (index == 0) {
+        throw RuntimeError(ErrorNumber::ElementNotFound);
+    }
+    return index;
+}
+
+} // namespace Kelocontrols

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPixmap>
+#include <QSize>
+#include <QVariant>
+
+namespace Kelocontrols {
+
+/**
+ * A keyed collection of pictures of one size, like the image lists the
+ * controls keep for their icons and grade pictures.
+ *
+ * Indexes count from 1. Keys are compared without regard to case and are
+ * unique; an empty key is allowed any number of times. Asking for an index
+ * or key that is not there raises RuntimeError(ElementNotFound); adding a
+ * key that is already there raises RuntimeError(KeyNotUnique).
+ */
+class ImageList : public QObject
+{
+    Q_OBJECT
+public:
+    explicit ImageList(const QSize &imageSize, QObject *parent = nullptr);
+
+    QSize imageSize() const { return m_imageSize; }
+    int count() const { return int(m_items.size()); }
+
+    /// Adds a picture (scaled to the list's size when it differs) and returns its index.
+    int add(const QPixmap &picture, const QString &key = QString(), const QVariant &tag = QVariant());
+    void remove(int index);
+    void remove(const QString &key);
+    void clear();
+
+    /// The index of `key`, or 0 when there is no such key.
+    int indexOf(const QString &key) const;
+    bool contains(const QString &key) const { return indexOf(key) > 0; }
+
+    QPixmap picture(int index) const;
+    QPixmap picture(const QString &key) const;
+    QString key(int index) const;
+    QVariant tag(int index) const;
+    void setTag(int index, const QVariant &tag);
+
+private:
+    struct Item
+    {
+        QString key;
+        QPixmap picture;
+        QVariant tag;
+    };
+    const Item &itemAt(int index) const;
+    int requireKey(const QString &key) const;
+
+    QSize m_imageSize;
+    QList<Item> m_items;
+};
+
+} // namespace Kelocontrols

@@ -1,0 +1,234 @@
+#include "CommonFile.h"
+#include "FileSystem.h"
+#include "RuntimeError.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace Kelocontrols;
+
+namespace {
+
+DriveInfo drive(int type, bool ready, const QString &letter = QString(), const QString &volume = QString(),
+    const QString &share = QString())
+{
+    DriveInfo info;
+    info.driveType = type;
+    info.isReady = ready;
+    info.driveLetter = letter;
+    info.volumeName = volume;
+    info.shareName = share;
+    return info;
+}
+
+int errorNumberOf(const std::function<void()> &call)
+{
+    try {
+        call();
+    } catch (const RuntimeError &error) {
+        return error.number();
+    }
+    return 0;
+}
+
+} // namespace
+
+class tst_CommonFile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void driveTypeName_data();
+    void driveTypeName();
+    void driveDisplayName_data();
+    void driveDisplayName();
+    void driveDisplayNameRaisesForMalformedShare();
+    void shareDisplayName();
+    void folderDisplayName();
+    void sizeInKB_data();
+    void sizeInKB();
+    void sizeInKBOverflow();
+    void stripAtNull_data();
+    void stripAtNull();
+};
+
+void tst_CommonFile::driveTypeName_data()
+{
+    QTest::addColumn<DriveInfo>("drive");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("removable, no medium") << drive(1, false, "A") << "Removable Disk";
+    QTest::newRow("fixed") << drive(2, true, "C") << "Local Disk";
+    QTest::newRow("fixed, not ready") << drive(2, false) << "Local Disk";
+    QTest::newRow("remote with letter") << drive(3, true, "Z") << "Network Disk";
+    QTest::newRow("remote without letter") << drive(3, true) << "Network Folder";
+    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << "Drive Unavailable";
+    QTest::newRow("remote not ready") << drive(3, false) << "Drive Unavailable";
+    QTest::newRow("cd-rom, empty") << drive(4, false, "E") << "Compact Disk";
+    QTest::newRow("ram disk") << drive(5, true) << "RAM Disk";
+    QTest::newRow("unknown") << drive(0, true) << "Unknown Disk";
+    QTest::newRow("code 6") << drive(6, true) << "Unknown Disk";
+    QTest::newRow("code -1") << drive(-1, true) << "Unknown Disk";
+}
+
+void tst_CommonFile::driveTypeName()
+{
+    QFETCH(DriveInfo, drive);
+    QFETCH(QString, expected);
+    QCOMPARE(DriveTypeName(drive), expected);
+}
+
+void tst_CommonFile::driveDisplayName_data()
+{
+    QTest::addColumn<DriveInfo>("drive");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("fixed, volume name") << drive(2, true, "C", "System") << "System (C:)";
+    QTest::newRow("fixed, no volume name") << drive(2, true, "C") << "Local Disk (C:)";
+    QTest::newRow("volume name wins") << drive(2, true, "D", "Data") << "Data (D:)";
+    QTest::newRow("empty floppy") << drive(1, false, "A") << "(A:)";
+    QTest::newRow("empty floppy, stale volume") << drive(1, false, "A", "Old") << "(A:)";
+    QTest::newRow("cd-rom") << drive(4, true, "E") << "Compact Disk (E:)";
+    QTest::newRow("ram disk") << drive(5, true, "R") << "RAM Disk (R:)";
+    QTest::newRow("unknown") << drive(0, true, "Q") << "Unknown Disk (Q:)";
+    QTest::newRow("mapped share") << drive(3, true, "Z", "", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
+    QTest::newRow("share beats volume") << drive(3, true, "Z", "Vol", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
+    QTest::newRow("share not ready") << drive(3, false, "Z", "", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
+    QTest::newRow("share, no letter") << drive(3, true, "", "", "\\\\srv\\docs") << "docs on 'srv' ";
+    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << "(Z:)";
+    QTest::newRow("remote not ready, no letter") << drive(3, false) << "";
+    QTest::newRow("remote ready, nothing else") << drive(3, true) << "Network Folder ";
+    QTest::newRow("mount, no letter") << drive(2, true, "", "home") << "home ";
+    QTest::newRow("ram mount, no name") << drive(5, true) << "RAM Disk ";
+}
+
+void tst_CommonFile::driveDisplayName()
+{
+    QFETCH(DriveInfo, drive);
+    QFETCH(QString, expected);
+    QCOMPARE(DriveDisplayName(drive), expected);
+}
+
+void tst_CommonFile::driveDisplayNameRaisesForMalformedShare()
+{
+    const DriveInfo bad = drive(3, true, "Z", "", "srv/docs");
+    QCOMPARE(errorNumberOf([&] { DriveDisplayName(bad); }), ErrorNumber::SubscriptOutOfRange);
+}
+
+void tst_CommonFile::shareDisplayName()
+{
+    QCOMPARE(ShareDisplayName("\\\\server\\share"), QString("share on 'server' "));
+    QCOMPARE(ShareDisplayName("\\\\srv\\docs\\sub\\deeper"), QString("docs on 'srv' "));
+    QCOMPARE(ShareDisplayName("\\\\srv\\export/docs"), QString("export/docs on 'srv' "));
+    QCOMPARE(ShareDisplayName("\\\\srv\\"), QString(" on 'srv' "));
+    for (const char *malformed : {"", "srv", "\\\\srv", "//srv/docs", "\\srv\\docs"})
+        QCOMPARE(errorNumberOf([&] { ShareDisplayName(malformed); }), ErrorNumber::SubscriptOutOfRange);
+}
+
+void tst_CommonFile::folderDisplayName()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString table = dir.filePath("mountinfo");
+    QFile file(table);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("27 1 8:2 / / rw - ext4 /dev/sda2 rw\n"
+               "30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n"
+               "40 27 0:41 / /mnt/share rw - cifs //winbox/public rw\n");
+    file.close();
+
+    FileSystem::Probes probes;
+    probes.mountInfoPath = table;
+    probes.statVolume = [](const QString &, qint64 &, qint64 &) { return true; };
+    probes.volumeLabel = [](const QString &device) { return device == "/dev/sda3" ? QString("Users") : QString(); };
+    probes.isRemovable = [](const QString &) { return false; };
+    const FileSystem fs(probes);
+
+    QCOMPARE(FolderDisplayName(FolderInfo{"docs", "/home/docs", true}, fs), QString("docs"));
+    QCOMPARE(FolderDisplayName(FolderInfo{"", "/", true}, fs), QString("Root "));
+    QCOMPARE(FolderDisplayName(FolderInfo{"", "/mnt/share", true}, fs), QString("public on 'winbox' "));
+    // A root whose drive has gone, and a record of nothing at all.
+    QCOMPARE(FolderDisplayName(FolderInfo{"", "/media/gone", false}, fs), QString("Unknown drive or folder"));
+    QCOMPARE(FolderDisplayName(FolderInfo{}, fs), QString("Unknown drive or folder"));
+
+    // Paths: a mount point keeps its own folder name, only "/" shows as its drive.
+    QCOMPARE(FolderDisplayName(QString("/home"), fs), QString("home"));
+    QCOMPARE(FolderDisplayName(QString("/home/user/"), fs), QString("user"));
+    QCOMPARE(FolderDisplayName(QString("/"), fs), QString("Root "));
+    QCOMPARE(FolderDisplayName(QString("//"), fs), QString("Root "));
+
+    // Without "/" among the drives, the root is a drive that no longer exists.
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n");
+    file.close();
+    QCOMPARE(FolderDisplayName(QString("/"), fs), QString("Unknown drive or folder"));
+
+    // A mount table that cannot be read: the caption is empty, nothing raised.
+    QVERIFY(QFile::remove(table));
+    QCOMPARE(FolderDisplayName(QString("/"), fs), QString());
+    QCOMPARE(FolderDisplayName(QString("/home"), fs), QString("home"));
+
+    // The real system always has a drive at "/".
+    QVERIFY(!FolderDisplayName(QString("/")).isEmpty());
+    QVERIFY(FolderDisplayName(QString("/")) != "Unknown drive or folder");
+}
+
+void tst_CommonFile::sizeInKB_data()
+{
+    QTest::addColumn<double>("bytes");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("0") << 0.0 << 0;
+    QTest::newRow("1") << 1.0 << 1;
+    QTest::newRow("1023") << 1023.0 << 1;
+    QTest::newRow("1024") << 1024.0 << 1;
+    QTest::newRow("1025") << 1025.0 << 2;
+    QTest::newRow("2048") << 2048.0 << 2;
+    QTest::newRow("2049") << 2049.0 << 3;
+    QTest::newRow("1048576") << 1048576.0 << 1024;
+    QTest::newRow("1048577") << 1048577.0 << 1025;
+    QTest::newRow("4 GiB") << 4294967296.0 << 4194304;
+    QTest::newRow("largest") << 2199023254528.0 << 2147483647;
+}
+
+void tst_CommonFile::sizeInKB()
+{
+    QFETCH(double, bytes);
+    QFETCH(int, expected);
+    QCOMPARE(SizeInKB(bytes), expected);
+}
+
+void tst_CommonFile::sizeInKBOverflow()
+{
+    for (double bytes : {2199023254529.0, 2199023255552.0, 1e300, -1e20, std::numeric_limits<double>::infinity(),
+             std::numeric_limits<double>::quiet_NaN()})
+        QCOMPARE(errorNumberOf([&] { SizeInKB(bytes); }), ErrorNumber::Overflow);
+    // A 64-bit byte count converts implicitly.
+    const qint64 bytes = Q_INT64_C(3) * 1024 * 1024 * 1024;
+    QCOMPARE(SizeInKB(bytes), 3145728);
+}
+
+void tst_CommonFile::stripAtNull_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("no NUL") << "C:\\Windows"
+                            << "C:\\Windows";
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("NUL inside") << QString::fromUtf16(u"abc\0def", 7) << "abc";
+    QTest::newRow("NUL first") << QString::fromUtf16(u"\0abc", 4) << "";
+    QTest::newRow("NUL last") << QString::fromUtf16(u"abc\0", 4) << "abc";
+    QTest::newRow("two NULs") << QString::fromUtf16(u"a\0b\0", 4) << "a";
+}
+
+void tst_CommonFile::stripAtNull()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    QCOMPARE(StripAtNull(text), expected);
+}
+
+QTEST_GUILESS_MAIN(tst_CommonFile)
+#include "tst_commonfile.moc"
