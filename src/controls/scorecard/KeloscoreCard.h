@@ -1,0 +1,222 @@
+#pragma once
+
+#include "ControlBase.h"
+#include "KeloEnums.h"
+#include "OleColor.h"
+#include "PropertyTable.h"
+#include "ScoreModel.h"
+
+#include <QFont>
+
+namespace Kelocontrols {
+class ImageList;
+class PictureBox;
+} // namespace Kelocontrols
+
+/**
+ * Shows one score as a grade picture, a flat colour card or a gauge.
+ *
+ * `Value` (normally a fraction from 0 to 1) is graded against four
+ * thresholds: below `ScoreBad` it is grade 1, from `ScoreBad` grade 2, from
+ * `ScoreMaybe` 3, from `ScoreGood` 4 and from `ScoreStar` 5. `Style` picks
+ * the presentation: a score card, smiley or traffic light picture (16 or 32
+ * pixels), a flash card filled with the grade colour, or one of three gauges
+ * with optional blocks, tick lines, limit lines, marker and value text.
+ *
+ * Setters keep the thresholds in order: each clamps against its two
+ * neighbours, while `ScoreMin` and `ScoreMax` push all four. Loading a saved
+ * control (ReadProperties) keeps values exactly as saved.
+ *
+ * Inner widgets: `Picture1` (the drawing surface; its input is re-raised as
+ * the stock events), `ImageList32` and `ImageList16` (the fifteen grade
+ * pictures under the keys "ScoreCard1".."Traffic5").
+ *
+ * \code
+ * auto *card = new KeloscoreCard(form);
+ * card->setStyle(Kelocontrols::keloScoreCardStyle::GaugeRainbow);
+ * card->setShowValue(Kelocontrols::keloShowValue::AtMiddle);
+ * card->setValue(0.72);
+ * \endcode
+ */
+class KeloscoreCard : public Kelocontrols::ControlBase
+{
+    Q_OBJECT
+    Q_CLASSINFO("Interface", "_KeloscoreCard")
+    Q_CLASSINFO("EventInterface", "__KeloscoreCard")
+    Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
+    Q_CLASSINFO("Help:BackColor", "Returns/sets the background color used to display text and graphics in an object.")
+    Q_CLASSINFO("Help:ForeColor", "Returns/sets the foreground color used to display text and graphics in an object.")
+    Q_CLASSINFO(
+        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
+    Q_CLASSINFO("Help:Font", "Returns a Font object.")
+    Q_CLASSINFO("Help:BorderStyle", "Returns/sets the border style for an object.")
+    Q_CLASSINFO("Help:Refresh", "Forces a complete repaint of a object.")
+    Q_CLASSINFO("Help:Value", "Value for the score")
+    Q_CLASSINFO("Help:Style", "Style for the control, either an image or a gauge style type.")
+    Q_CLASSINFO("Help:ScoreStar", "Score above which the control shows star marks")
+    Q_CLASSINFO("Help:ScoreGood", "Score above which the control shows a good mark")
+    Q_CLASSINFO("Help:ScoreMaybe", "Score above which the control shows a maybe mark")
+    Q_CLASSINFO("Help:ScoreBad", "Score above which the control shows a bad mark")
+    Q_CLASSINFO("Help:ScoreMin", "Minimum score allowed")
+    Q_CLASSINFO("Help:ScoreMax", "Maximum score allowed")
+    Q_CLASSINFO("Help:ShowLimitLines", "Shows the limit (bad,maybe,good,star) lines on the control")
+    Q_CLASSINFO("Help:ShowTickLinesEvery", "Shows tick lines every interval on the control.  0 means no tick lines.")
+    Q_CLASSINFO("Help:TickLineColor", "Sets the line color for the tick marks")
+    Q_CLASSINFO("Help:FontColor", "The color used for the value displayed on the control")
+    Q_CLASSINFO("Help:ShowValue", "Show the value on the control as text (eg 93%).")
+    Q_CLASSINFO("Help:ToolTipStyle", "The display style for the tooltip.")
+    Q_CLASSINFO("Help:ToolTip",
+        "Returns/sets the text displayed when the mouse is paused over the control.  Overwrites "
+        "ToolTipText, see ToolTipStyle.")
+    Q_CLASSINFO("Help:ShowMarker", "Shows the marker for the value of the gauge.")
+    Q_CLASSINFO("Help:ShowBlocks", "Sets the number of blocks the gauge is split into.  Looks like an LED display.")
+    Q_CLASSINFO("Help:GaugeOrientation", "Changes the gauge orientation from horizontal to vertical.")
+    Q_CLASSINFO("DispId:Click", "-600")
+    Q_CLASSINFO("DispId:DblClick", "-601")
+    Q_CLASSINFO("DispId:KeyDown", "-602")
+    Q_CLASSINFO("DispId:KeyPress", "-603")
+    Q_CLASSINFO("DispId:KeyUp", "-604")
+    Q_CLASSINFO("DispId:MouseDown", "-605")
+    Q_CLASSINFO("DispId:MouseMove", "-606")
+    Q_CLASSINFO("DispId:MouseUp", "-607")
+
+    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
+    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
+    Q_PROPERTY(double Value READ Value WRITE setValue)
+    Q_PROPERTY(Kelocontrols::keloScoreCardStyle Style READ Style WRITE setStyle)
+    Q_PROPERTY(double ScoreStar READ ScoreStar WRITE setScoreStar)
+    Q_PROPERTY(double ScoreGood READ ScoreGood WRITE setScoreGood)
+    Q_PROPERTY(double ScoreMaybe READ ScoreMaybe WRITE setScoreMaybe)
+    Q_PROPERTY(double ScoreBad READ ScoreBad WRITE setScoreBad)
+    Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
+    Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
+    Q_PROPERTY(bool ShowLimitLines READ ShowLimitLines WRITE setShowLimitLines)
+    Q_PROPERTY(double ShowTickLinesEvery READ ShowTickLinesEvery WRITE setShowTickLinesEvery)
+    Q_PROPERTY(uint TickLineColor READ TickLineColor WRITE setTickLineColor)
+    Q_PROPERTY(uint FontColor READ FontColor WRITE setFontColor)
+    Q_PROPERTY(Kelocontrols::keloShowValue ShowValue READ ShowValue WRITE setShowValue)
+    Q_PROPERTY(Kelocontrols::keloToolTipStyle ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
+    Q_PROPERTY(QString ToolTip READ ToolTip WRITE setToolTip)
+    Q_PROPERTY(Kelocontrols::keloMarkerStyle ShowMarker READ ShowMarker WRITE setShowMarker)
+    Q_PROPERTY(int ShowBlocks READ ShowBlocks WRITE setShowBlocks)
+    Q_PROPERTY(Kelocontrols::keloGaugeOrientation GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
+
+public:
+    explicit KeloscoreCard(QWidget *parent = nullptr);
+    ~KeloscoreCard() override;
+
+    Kelocontrols::OleColor BackColor() const;
+    void setBackColor(Kelocontrols::OleColor color);
+    Kelocontrols::OleColor ForeColor() const;
+    void setForeColor(Kelocontrols::OleColor color);
+    bool Enabled() const;
+    /// Enables or disables the control (and emits PropertyChanged("Enabled")).
+    void setEnabled(bool enabled);
+    QFont Font() const;
+    /// Sets the font of the value text (and emits PropertyChanged("Font")).
+    void setFont(const QFont &font);
+    /// 0 none, 1 fixed single; other values raise RuntimeError 380.
+    int BorderStyle() const;
+    void setBorderStyle(int style);
+
+    /// Repaints the surface as it is, without redrawing or rebuilding the tool tip.
+    Q_INVOKABLE void Refresh();
+
+    double Value() const { return m_value; }
+    void setValue(double value);
+    Kelocontrols::keloScoreCardStyle Style() const { return Kelocontrols::keloScoreCardStyle(m_style); }
+    void setStyle(Kelocontrols::keloScoreCardStyle style);
+    double ScoreStar() const { return m_thresholds.star; }
+    void setScoreStar(double score);
+    double ScoreGood() const { return m_thresholds.good; }
+    void setScoreGood(double score);
+    double ScoreMaybe() const { return m_thresholds.maybe; }
+    void setScoreMaybe(double score);
+    double ScoreBad() const { return m_thresholds.bad; }
+    void setScoreBad(double score);
+    double ScoreMin() const { return m_scoreMin; }
+    void setScoreMin(double score);
+    double ScoreMax() const { return m_scoreMax; }
+    void setScoreMax(double score);
+    bool ShowLimitLines() const { return m_showLimitLines; }
+    void setShowLimitLines(bool show);
+    double ShowTickLinesEvery() const { return m_tickEvery; }
+    void setShowTickLinesEvery(double every);
+    Kelocontrols::OleColor TickLineColor() const { return m_tickLineColor; }
+    void setTickLineColor(Kelocontrols::OleColor color);
+    Kelocontrols::OleColor FontColor() const { return m_fontColor; }
+    void setFontColor(Kelocontrols::OleColor color);
+    Kelocontrols::keloShowValue ShowValue() const { return Kelocontrols::keloShowValue(m_showValue); }
+    void setShowValue(Kelocontrols::keloShowValue where);
+    Kelocontrols::keloToolTipStyle ToolTipStyle() const { return Kelocontrols::keloToolTipStyle(m_toolTipStyle); }
+    void setToolTipStyle(Kelocontrols::keloToolTipStyle style);
+    QString ToolTip() const { return m_toolTip; }
+    void setToolTip(const QString &text);
+    Kelocontrols::keloMarkerStyle ShowMarker() const { return Kelocontrols::keloMarkerStyle(m_marker); }
+    void setShowMarker(Kelocontrols::keloMarkerStyle marker);
+    int ShowBlocks() const { return m_blocks; }
+    void setShowBlocks(int blocks);
+    Kelocontrols::keloGaugeOrientation GaugeOrientation() const
+    {
+        return Kelocontrols::keloGaugeOrientation(m_orientation);
+    }
+    void setGaugeOrientation(Kelocontrols::keloGaugeOrientation orientation);
+
+    /// The grade of the current value, 1 (worst) to 5 (best).
+    int grade() const;
+
+    const Kelocontrols::PropertyTableBase &propertyTable() const override;
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void Click();
+    void DblClick();
+    void KeyDown(short &KeyCode, short &Shift);
+    void KeyPress(short &KeyAscii);
+    void KeyUp(short &KeyCode, short &Shift);
+    void MouseDown(short &Button, short &Shift, float &X, float &Y);
+    void MouseMove(short &Button, short &Shift, float &X, float &Y);
+    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+
+protected:
+    void propertiesLoaded() override;
+    void userModeChanged() override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    static const Kelocontrols::PropertyTable<KeloscoreCard> &table();
+
+    bool isPictureStyle() const { return m_style >= 0 && m_style <= 5; }
+    QSize pictureFitSize() const;
+    void forwardStockEvents();
+    void redraw();
+    void drawPicture();
+    void drawFlashCard();
+    void drawGauge();
+    void renderCurrentDrawing();
+    void updateToolTip();
+    void layoutSurface();
+
+    Kelocontrols::PictureBox *m_picture;
+    Kelocontrols::ImageList *m_images32;
+    Kelocontrols::ImageList *m_images16;
+
+    float m_value = 0.5f;
+    int m_style = 0;
+    Kelocontrols::ScoreThresholds m_thresholds;
+    float m_scoreMin = 0.0f;
+    float m_scoreMax = 1.0f;
+    bool m_showLimitLines = false;
+    double m_tickEvery = 0.0;
+    Kelocontrols::OleColor m_tickLineColor = 0;
+    Kelocontrols::OleColor m_fontColor = 0;
+    int m_showValue = 0;
+    int m_toolTipStyle = 3;
+    QString m_toolTip;
+    int m_marker = 0;
+    int m_blocks = 0;
+    int m_orientation = 0;
+};
