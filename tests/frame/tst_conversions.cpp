@@ -1,0 +1,344 @@
+#include "Conversions.h"
+#include "RuntimeError.h"
+
+#include <QFont>
+#include <QLocale>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace Kelocontrols;
+
+namespace {
+
+template<typename Call>
+int errorNumberOf(Call call)
+{
+    try {
+        call();
+    } catch (const RuntimeError &error) {
+        return error.number();
+    }
+    return 0;
+}
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double Infinity = std::numeric_limits<double>::infinity();
+
+// Sets the process locale for one test and puts the previous one back.
+class LocaleScope
+{
+public:
+    explicit LocaleScope(const QLocale &locale)
+        : m_saved(QLocale())
+    {
+        QLocale::setDefault(locale);
+    }
+    ~LocaleScope() { QLocale::setDefault(m_saved); }
+
+private:
+    QLocale m_saved;
+};
+
+} // namespace
+
+class TestConversions : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void roundHalfEvenRounds_data();
+    void roundHalfEvenRounds();
+    void cIntFromDouble_data();
+    void cIntFromDouble();
+    void cLngFromDouble_data();
+    void cLngFromDouble();
+    void variantsConvert_data();
+    void variantsConvert();
+    void textsInTheProcessLocale();
+    void cSngRange();
+    void cBool_data();
+    void cBool();
+    void percentFormat_data();
+    void percentFormat();
+    void percentFormatFollowsLocale();
+};
+
+void TestConversions::roundHalfEvenRounds_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<double>("expected");
+
+    QTest::newRow("2.5") << 2.5 << 2.0;
+    QTest::newRow("3.5") << 3.5 << 4.0;
+    QTest::newRow("-2.5") << -2.5 << -2.0;
+    QTest::newRow("-3.5") << -3.5 << -4.0;
+    QTest::newRow("0.5") << 0.5 << 0.0;
+    QTest::newRow("1.5") << 1.5 << 2.0;
+    QTest::newRow("-0.5") << -0.5 << 0.0;
+    QTest::newRow("-1.5") << -1.5 << -2.0;
+    QTest::newRow("just below half") << 0.49999999999999994 << 0.0;
+    QTest::newRow("just above 2.5") << 2.5000000000000004 << 3.0;
+    QTest::newRow("just below 3.5") << 3.4999999999999996 << 3.0;
+    QTest::newRow("just above -0.5") << -0.49999999999999994 << 0.0;
+    QTest::newRow("just below -0.5") << -0.5000000000000001 << -1.0;
+    QTest::newRow("-2.6") << -2.6 << -3.0;
+    QTest::newRow("-2.4") << -2.4 << -2.0;
+    QTest::newRow("whole") << 7.0 << 7.0;
+    QTest::newRow("2^52 + 1") << 4503599627370497.0 << 4503599627370497.0;
+    QTest::newRow("2^52 + 0.5") << 4503599627370496.5 << 4503599627370496.0;
+    QTest::newRow("2^52 + 1.5") << 4503599627370497.5 << 4503599627370498.0;
+    QTest::newRow("huge") << 1e300 << 1e300;
+    QTest::newRow("infinity") << Infinity << Infinity;
+    QTest::newRow("-infinity") << -Infinity << -Infinity;
+}
+
+void TestConversions::roundHalfEvenRounds()
+{
+    QFETCH(double, value);
+    QFETCH(double, expected);
+    QCOMPARE(roundHalfEven(value), expected);
+}
+
+void TestConversions::cIntFromDouble_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<int>("expected");
+    QTest::addColumn<int>("error");
+
+    QTest::newRow("2.5") << 2.5 << 2 << 0;
+    QTest::newRow("3.5") << 3.5 << 4 << 0;
+    QTest::newRow("-0.5") << -0.5 << 0 << 0;
+    QTest::newRow("32767") << 32767.0 << 32767 << 0;
+    QTest::newRow("32767.4") << 32767.4 << 32767 << 0;
+    QTest::newRow("32766.5") << 32766.5 << 32766 << 0;
+    QTest::newRow("32767.5 overflows") << 32767.5 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("32768 overflows") << 32768.0 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("-32768") << -32768.0 << -32768 << 0;
+    QTest::newRow("-32768.5") << -32768.5 << -32768 << 0;
+    QTest::newRow("-32768.6 overflows") << -32768.6 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("-32769.5 overflows") << -32769.5 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
+    QTest::newRow("infinity overflows") << Infinity << 0 << ErrorNumber::Overflow;
+    QTest::newRow("-infinity overflows") << -Infinity << 0 << ErrorNumber::Overflow;
+}
+
+void TestConversions::cIntFromDouble()
+{
+    QFETCH(double, value);
+    QFETCH(int, expected);
+    QFETCH(int, error);
+    qint16 result = 0;
+    QCOMPARE(errorNumberOf([&] { result = CInt(value); }), error);
+    QCOMPARE(int(result), expected);
+}
+
+void TestConversions::cLngFromDouble_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<qint32>("expected");
+    QTest::addColumn<int>("error");
+
+    QTest::newRow("2.5") << 2.5 << 2 << 0;
+    QTest::newRow("-3.5") << -3.5 << -4 << 0;
+    QTest::newRow("40000.5") << 40000.5 << 40000 << 0;
+    QTest::newRow("max") << 2147483647.0 << std::numeric_limits<qint32>::max() << 0;
+    QTest::newRow("max + 0.4") << 2147483647.4 << std::numeric_limits<qint32>::max() << 0;
+    QTest::newRow("max + 0.5 overflows") << 2147483647.5 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("min - 0.5") << -2147483648.5 << std::numeric_limits<qint32>::min() << 0;
+    QTest::newRow("min - 1 overflows") << -2147483649.0 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("1e10 overflows") << 1e10 << 0 << ErrorNumber::Overflow;
+    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
+}
+
+void TestConversions::cLngFromDouble()
+{
+    QFETCH(double, value);
+    QFETCH(qint32, expected);
+    QFETCH(int, error);
+    qint32 result = 0;
+    QCOMPARE(errorNumberOf([&] { result = CLng(value); }), error);
+    QCOMPARE(result, expected);
+}
+
+void TestConversions::variantsConvert_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<double>("number"); // CDbl, and CInt / CLng of it unless an error is expected
+    QTest::addColumn<int>("cintError");
+    QTest::addColumn<int>("cdblError");
+
+    const int none = 0;
+    const int mismatch = ErrorNumber::TypeMismatch;
+    const int overflow = ErrorNumber::Overflow;
+
+    QTest::newRow("invalid is Empty") << QVariant() << 0.0 << none << none;
+    QTest::newRow("null pointer") << QVariant::fromValue(nullptr) << 0.0 << none << none;
+    QTest::newRow("True") << QVariant(true) << -1.0 << none << none;
+    QTest::newRow("False") << QVariant(false) << 0.0 << none << none;
+    QTest::newRow("int") << QVariant(42) << 42.0 << none << none;
+    QTest::newRow("uint") << QVariant(7u) << 7.0 << none << none;
+    QTest::newRow("long long") << QVariant(qlonglong(-1234)) << -1234.0 << none << none;
+    QTest::newRow("unsigned long long") << QVariant(qulonglong(99)) << 99.0 << none << none;
+    QTest::newRow("short") << QVariant::fromValue(short(-5)) << -5.0 << none << none;
+    QTest::newRow("unsigned char") << QVariant::fromValue(uchar(200)) << 200.0 << none << none;
+    QTest::newRow("float") << QVariant(2.5f) << 2.5 << none << none;
+    QTest::newRow("double") << QVariant(3.5) << 3.5 << none << none;
+    QTest::newRow("int beyond 16 bits") << QVariant(40000) << 40000.0 << overflow << none;
+    QTest::newRow("string 0.5") << QVariant(QStringLiteral("0.5")) << 0.5 << none << none;
+    QTest::newRow("string blanks") << QVariant(QStringLiteral(" 12 ")) << 12.0 << none << none;
+    QTest::newRow("string tab") << QVariant(QStringLiteral("\t-7\t")) << -7.0 << none << none;
+    QTest::newRow("string exponent") << QVariant(QStringLiteral("1e3")) << 1000.0 << none << none;
+    QTest::newRow("string 1.5") << QVariant(QStringLiteral("1.5")) << 1.5 << none << none;
+    QTest::newRow("string 32768") << QVariant(QStringLiteral("32768")) << 32768.0 << overflow << none;
+    QTest::newRow("byte array") << QVariant(QByteArray("42")) << 42.0 << none << none;
+    QTest::newRow("char") << QVariant(QChar(u'7')) << 7.0 << none << none;
+    QTest::newRow("string abc") << QVariant(QStringLiteral("abc")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string 12abc") << QVariant(QStringLiteral("12abc")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("empty string") << QVariant(QString()) << 0.0 << mismatch << mismatch;
+    QTest::newRow("blank string") << QVariant(QStringLiteral("   ")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string nan") << QVariant(QStringLiteral("nan")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string inf") << QVariant(QStringLiteral("inf")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string True") << QVariant(QStringLiteral("True")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("font") << QVariant(QFont()) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string list") << QVariant(QStringList{QStringLiteral("1")}) << 0.0 << mismatch << mismatch;
+}
+
+void TestConversions::variantsConvert()
+{
+    QFETCH(QVariant, value);
+    QFETCH(double, number);
+    QFETCH(int, cintError);
+    QFETCH(int, cdblError);
+
+    double asDouble = -99.0;
+    QCOMPARE(errorNumberOf([&] { asDouble = CDbl(value); }), cdblError);
+    if (cdblError == 0)
+        QCOMPARE(asDouble, number);
+
+    qint16 asInt = -99;
+    QCOMPARE(errorNumberOf([&] { asInt = CInt(value); }), cintError);
+    if (cintError == 0)
+        QCOMPARE(asInt, CInt(number));
+
+    if (cdblError == 0) {
+        QCOMPARE(CLng(value), CLng(number));
+        QCOMPARE(CSng(value), float(number));
+    } else {
+        QCOMPARE(errorNumberOf([&] { CLng(value); }), cdblError);
+        QCOMPARE(errorNumberOf([&] { CSng(value); }), cdblError);
+    }
+}
+
+void TestConversions::textsInTheProcessLocale()
+{
+    LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
+    QCOMPARE(CDbl(QStringLiteral("0,5")), 0.5);
+    QCOMPARE(CInt(QStringLiteral("2,5")), qint16(2));
+    // Texts written by programs keep working in any locale.
+    QCOMPARE(CDbl(QStringLiteral("1.5")), 1.5);
+    QCOMPARE(CDbl(QStringLiteral("1e3")), 1000.0);
+    QCOMPARE(errorNumberOf([] { CDbl(QStringLiteral("0;5")); }), ErrorNumber::TypeMismatch);
+}
+
+void TestConversions::cSngRange()
+{
+    QCOMPARE(CSng(QVariant(0.1)), 0.1f);
+    QCOMPARE(CSng(QVariant(3.4e38)), 3.4e38f);
+    QCOMPARE(CSng(QVariant(double(std::numeric_limits<float>::max()))), std::numeric_limits<float>::max());
+    QCOMPARE(CSng(QVariant(std::numeric_limits<float>::lowest())), std::numeric_limits<float>::lowest());
+    QCOMPARE(errorNumberOf([] { CSng(QVariant(1e39)); }), ErrorNumber::Overflow);
+    QCOMPARE(errorNumberOf([] { CSng(QVariant(-1e39)); }), ErrorNumber::Overflow);
+    QCOMPARE(errorNumberOf([] { CSng(QStringLiteral("1e39")); }), ErrorNumber::Overflow);
+    QCOMPARE(errorNumberOf([] { CSng(QVariant(Infinity)); }), ErrorNumber::Overflow);
+    QVERIFY(std::isnan(CSng(QVariant(NaN))));
+    // Tiny values lose precision but do not overflow.
+    QCOMPARE(CSng(QVariant(1e-50)), 0.0f);
+}
+
+void TestConversions::cBool_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("expected");
+    QTest::addColumn<int>("error");
+
+    QTest::newRow("True") << QVariant(QStringLiteral("True")) << true << 0;
+    QTest::newRow("FALSE") << QVariant(QStringLiteral("FALSE")) << false << 0;
+    QTest::newRow("tRuE with blanks") << QVariant(QStringLiteral(" tRuE ")) << true << 0;
+    QTest::newRow("false bytes") << QVariant(QByteArray("false")) << false << 0;
+    QTest::newRow("string 0") << QVariant(QStringLiteral("0")) << false << 0;
+    QTest::newRow("string 2") << QVariant(QStringLiteral("2")) << true << 0;
+    QTest::newRow("string -0.0001") << QVariant(QStringLiteral("-0.0001")) << true << 0;
+    QTest::newRow("zero") << QVariant(0) << false << 0;
+    QTest::newRow("-1") << QVariant(-1) << true << 0;
+    QTest::newRow("small double") << QVariant(1e-300) << true << 0;
+    QTest::newRow("bool true") << QVariant(true) << true << 0;
+    QTest::newRow("bool false") << QVariant(false) << false << 0;
+    QTest::newRow("Empty") << QVariant() << false << 0;
+    QTest::newRow("yes") << QVariant(QStringLiteral("yes")) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("Truely") << QVariant(QStringLiteral("Truely")) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("empty string") << QVariant(QStringLiteral("")) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("font") << QVariant(QFont()) << false << ErrorNumber::TypeMismatch;
+}
+
+void TestConversions::cBool()
+{
+    QFETCH(QVariant, value);
+    QFETCH(bool, expected);
+    QFETCH(int, error);
+    bool result = false;
+    QCOMPARE(errorNumberOf([&] { result = CBool(value); }), error);
+    QCOMPARE(result, expected);
+}
+
+void TestConversions::percentFormat_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("0.5") << 0.5 << QStringLiteral("50%");
+    QTest::newRow("0.93") << 0.93 << QStringLiteral("93%");
+    QTest::newRow("0.125 rounds up") << 0.125 << QStringLiteral("13%");
+    QTest::newRow("0.135 rounds up") << 0.135 << QStringLiteral("14%");
+    QTest::newRow("0.005 is exactly 0.5") << 0.005 << QStringLiteral("1%");
+    QTest::newRow("0.285 is just below") << 0.285 << QStringLiteral("28%");
+    QTest::newRow("0.0049999") << 0.0049999 << QStringLiteral("0%");
+    QTest::newRow("1.5") << 1.5 << QStringLiteral("150%");
+    QTest::newRow("-0.25") << -0.25 << QStringLiteral("-25%");
+    QTest::newRow("-0.005 away from zero") << -0.005 << QStringLiteral("-1%");
+    QTest::newRow("-0.001 no negative zero") << -0.001 << QStringLiteral("0%");
+    QTest::newRow("0") << 0.0 << QStringLiteral("0%");
+    QTest::newRow("-0") << -0.0 << QStringLiteral("0%");
+    QTest::newRow("1") << 1.0 << QStringLiteral("100%");
+    QTest::newRow("no group separator") << 123456.0 << QStringLiteral("12345600%");
+    QTest::newRow("beyond 64 bits") << 1e20 << QStringLiteral("10000000000000000000000%");
+}
+
+void TestConversions::percentFormat()
+{
+    QFETCH(double, value);
+    QFETCH(QString, expected);
+    LocaleScope english(QLocale(QLocale::English, QLocale::UnitedStates));
+    QCOMPARE(formatPercent(value), expected);
+}
+
+void TestConversions::percentFormatFollowsLocale()
+{
+    {
+        LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
+        QCOMPARE(formatPercent(12.3456), QStringLiteral("1235%"));
+    }
+    {
+        // Swedish writes the minus as U+2212.
+        LocaleScope swedish(QLocale(QLocale::Swedish, QLocale::Sweden));
+        QCOMPARE(formatPercent(-0.25), QStringLiteral("\u221225%"));
+    }
+    {
+        LocaleScope arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
+        QCOMPARE(formatPercent(0.5), QStringLiteral("\u0665\u0660%"));
+    }
+}
+
+QTEST_MAIN(TestConversions)
+#include "tst_conversions.moc"

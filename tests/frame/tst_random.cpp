@@ -1,0 +1,201 @@
+#include "Random.h"
+
+#include <QTest>
+#include <QTime>
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+using namespace Kelocontrols;
+
+namespace {
+
+// The generator written out from its definition, in 64-bit arithmetic, as
+// an independent reference for the library's 32-bit wrap-around version.
+std::uint32_t nextSeed(std::uint32_t seed)
+{
+    return std::uint32_t((std::uint64_t(seed) * 0x43FD43FDull + 0xC39EC3ull) % 0x1000000ull);
+}
+
+float valueOf(std::uint32_t seed)
+{
+    return float(double(seed) / 16777216.0);
+}
+
+std::uint32_t seedFromNegative(float number)
+{
+    const auto bits = std::bit_cast<std::uint32_t>(number);
+    return ((bits & 0xFFFFFFu) + (bits >> 24)) & 0xFFFFFFu;
+}
+
+// The seed the generator holds now, read back without advancing it.
+std::uint32_t currentSeed()
+{
+    return std::uint32_t(double(Rnd(0.0f)) * 16777216.0);
+}
+
+std::uint32_t randomizedSeed(std::uint32_t seed, double number)
+{
+    const auto high = std::uint32_t(std::bit_cast<std::uint64_t>(number) >> 32);
+    const std::uint32_t middle = (high >> 16) ^ (high & 0xFFFFu);
+    return (seed & 0xFFu) | (middle << 8);
+}
+
+} // namespace
+
+class TestRandom : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { resetRandomGenerator(); }
+    void cleanupTestCase() { resetRandomGenerator(); }
+
+    void defaultSequence();
+    void zeroRepeatsWithoutAdvancing();
+    void positiveArgumentAdvances();
+    void negativeArgumentReseeds_data();
+    void negativeArgumentReseeds();
+    void randomizeReplacesMiddleBytes_data();
+    void randomizeReplacesMiddleBytes();
+    void randomizeAfterNegativeIsRepeatable();
+    void randomizeUsesTimeOfDay();
+    void valuesStayInUnitInterval();
+};
+
+void TestRandom::defaultSequence()
+{
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.7055475"));
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.533424"));
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.5795186"));
+
+    resetRandomGenerator();
+    std::uint32_t seed = 0x50000;
+    for (int i = 0; i < 5; ++i) {
+        seed = nextSeed(seed);
+        QCOMPARE(Rnd(), valueOf(seed));
+    }
+    // The same again after a reset, for reproducible runs.
+    resetRandomGenerator();
+    QCOMPARE(Rnd(), valueOf(nextSeed(0x50000)));
+}
+
+void TestRandom::zeroRepeatsWithoutAdvancing()
+{
+    // Before any number is drawn, Rnd(0) gives the start-up seed's value.
+    QCOMPARE(Rnd(0.0f), 0.01953125f);
+    QCOMPARE(Rnd(-0.0f), 0.01953125f);
+    const float first = Rnd();
+    QCOMPARE(Rnd(0.0f), first);
+    QCOMPARE(Rnd(0.0f), first);
+    QCOMPARE(Rnd(), valueOf(nextSeed(nextSeed(0x50000))));
+}
+
+void TestRandom::positiveArgumentAdvances()
+{
+    QCOMPARE(Rnd(1.0f), valueOf(nextSeed(0x50000)));
+    QCOMPARE(Rnd(std::numeric_limits<float>::denorm_min()), valueOf(nextSeed(nextSeed(0x50000))));
+    QCOMPARE(Rnd(1e30f), valueOf(nextSeed(nextSeed(nextSeed(0x50000)))));
+    // NaN is no reason to reseed or repeat: it advances like a positive number.
+    QCOMPARE(Rnd(std::numeric_limits<float>::quiet_NaN()), valueOf(nextSeed(nextSeed(nextSeed(nextSeed(0x50000))))));
+}
+
+void TestRandom::negativeArgumentReseeds_data()
+{
+    QTest::addColumn<float>("number");
+    QTest::newRow("-1") << -1.0f;
+    QTest::newRow("-0.5") << -0.5f;
+    QTest::newRow("-123.456") << -123.456f;
+    QTest::newRow("-1e10") << -1e10f;
+    QTest::newRow("-denormal") << -std::numeric_limits<float>::denorm_min();
+    QTest::newRow("-max") << std::numeric_limits<float>::lowest();
+    QTest::newRow("-infinity") << -std::numeric_limits<float>::infinity();
+}
+
+void TestRandom::negativeArgumentReseeds()
+{
+    QFETCH(float, number);
+    Rnd();
+    Rnd();
+    const std::uint32_t seed = nextSeed(seedFromNegative(number));
+    QCOMPARE(Rnd(number), valueOf(seed));
+    QCOMPARE(Rnd(), valueOf(nextSeed(seed)));
+    // The same argument restarts the same sequence, whatever came before.
+    QCOMPARE(Rnd(number), valueOf(seed));
+}
+
+void TestRandom::randomizeReplacesMiddleBytes_data()
+{
+    QTest::addColumn<double>("number");
+    QTest::newRow("0") << 0.0;
+    QTest::newRow("1") << 1.0;
+    QTest::newRow("-1") << -1.0;
+    QTest::newRow("12345.678") << 12345.678;
+    QTest::newRow("1e300") << 1e300;
+}
+
+void TestRandom::randomizeReplacesMiddleBytes()
+{
+    QFETCH(double, number);
+    Rnd(-1.0f); // a seed with a low byte that is not zero
+    const std::uint32_t before = currentSeed();
+    QVERIFY((before & 0xFF) != 0);
+
+    Randomize(number);
+    const std::uint32_t expected = randomizedSeed(before, number);
+    QCOMPARE(currentSeed(), expected);
+    QCOMPARE(Rnd(), valueOf(nextSeed(expected)));
+}
+
+void TestRandom::randomizeAfterNegativeIsRepeatable()
+{
+    // Randomize(0) clears the middle bytes; from power-on the low byte is 0 too.
+    Randomize(0.0);
+    QCOMPARE(currentSeed(), 0u);
+    QCOMPARE(Rnd(), valueOf(0xC39EC3));
+
+    // 1.0 = 0x3FF00000 00000000: middle bytes become 0x3FF0.
+    QCOMPARE(seedFromNegative(-1.0f), 0x8000BFu);
+    QCOMPARE(QString::number(double(Rnd(-1.0f)), 'g', 7), QStringLiteral("0.224007"));
+    Randomize(1.0);
+    QCOMPARE(currentSeed(), (nextSeed(0x8000BFu) & 0xFFu) | 0x3FF000u);
+    const float first = Rnd();
+    const float second = Rnd();
+
+    Rnd(-1.0f);
+    Randomize(1.0);
+    QCOMPARE(Rnd(), first);
+    QCOMPARE(Rnd(), second);
+}
+
+void TestRandom::randomizeUsesTimeOfDay()
+{
+    Rnd(-1.0f);
+    const std::uint32_t before = currentSeed();
+    const auto secondsNow = [] { return double(float(QTime::currentTime().msecsSinceStartOfDay()) / 1000.0f); };
+    const double earliest = secondsNow();
+    Randomize();
+    const double latest = secondsNow();
+
+    const std::uint32_t after = currentSeed();
+    QCOMPARE(after & 0xFFu, before & 0xFFu);
+    QVERIFY2(after == randomizedSeed(before, earliest) || after == randomizedSeed(before, latest),
+        qPrintable(QString::number(after, 16)));
+}
+
+void TestRandom::valuesStayInUnitInterval()
+{
+    // A long run stays on the reference sequence and inside [0, 1).
+    std::uint32_t seed = 0x50000;
+    for (int i = 0; i < 100000; ++i) {
+        const float value = Rnd();
+        QVERIFY(value >= 0.0f && value < 1.0f);
+        seed = nextSeed(seed);
+        if (value != valueOf(seed))
+            QFAIL(qPrintable(QStringLiteral("differs at %1").arg(i)));
+    }
+}
+
+QTEST_MAIN(TestRandom)
+#include "tst_random.moc"
