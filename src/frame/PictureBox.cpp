@@ -50,14 +50,34 @@ void PictureBox::setPicture(const QPixmap &picture)
     update();
 }
 
+int PictureBox::scaleWidth() const
+{
+    syncCanvasSize();
+    return m_canvas.width();
+}
+
+int PictureBox::scaleHeight() const
+{
+    syncCanvasSize();
+    return m_canvas.height();
+}
+
+QImage &PictureBox::beginPaint()
+{
+    syncCanvasSize();
+    return m_canvas;
+}
+
 void PictureBox::cls()
 {
+    syncCanvasSize();
     m_canvas.fill(Qt::transparent);
     update();
 }
 
 void PictureBox::fillBox(const QRectF &rect, OleColor color)
 {
+    syncCanvasSize();
     QPainter painter(&m_canvas);
     painter.fillRect(rect, toQColor(color));
     painter.end();
@@ -66,6 +86,7 @@ void PictureBox::fillBox(const QRectF &rect, OleColor color)
 
 QImage PictureBox::rendered() const
 {
+    syncCanvasSize();
     QImage image(m_canvas.size(), QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
     paintContents(painter);
@@ -84,6 +105,7 @@ void PictureBox::paintContents(QPainter &painter) const
 void PictureBox::paintEvent(QPaintEvent *event)
 {
     QFrame::paintEvent(event);
+    syncCanvasSize();
     QPainter painter(this);
     const QRect area = contentsRect();
     painter.setClipRect(area);
@@ -94,6 +116,11 @@ void PictureBox::paintEvent(QPaintEvent *event)
 void PictureBox::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
+    syncCanvasSize();
+}
+
+void PictureBox::syncCanvasSize() const
+{
     const QSize size = contentsRect().size().expandedTo(QSize(1, 1));
     if (size == m_canvas.size()) {
         return;

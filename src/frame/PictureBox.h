@@ -42,8 +42,8 @@ public:
     void setPicture(const QPixmap &picture);
 
     /// The width and height of the drawing area in pixels (inside the border).
-    int scaleWidth() const { return m_canvas.width(); }
-    int scaleHeight() const { return m_canvas.height(); }
+    int scaleWidth() const;
+    int scaleHeight() const;
 
     /// Clears the drawing: BackColor and Picture show again.
     void cls();
@@ -51,7 +51,7 @@ public:
     void fillBox(const QRectF &rect, OleColor color);
 
     /// The canvas to draw on; call endPaint() after drawing so the surface updates.
-    QImage &beginPaint() { return m_canvas; }
+    QImage &beginPaint();
     void endPaint() { update(); }
     const QImage &canvas() const { return m_canvas; }
 
@@ -67,12 +67,15 @@ protected:
 
 private:
     void paintContents(QPainter &painter) const;
+    // Qt delivers the resize event of a hidden widget only when it is shown;
+    // the canvas follows the geometry at once so drawing never uses a stale size.
+    void syncCanvasSize() const;
 
     OleColor m_backColor = 0x8000000F;
     OleColor m_foreColor = 0x80000012;
     int m_borderStyle = 1;
     QPixmap m_picture;
-    QImage m_canvas;
+    mutable QImage m_canvas;
     StockEventFilter *m_events;
 };
 

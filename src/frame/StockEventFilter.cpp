@@ -129,7 +129,9 @@ short StockEventFilter::buttonCode(Qt::MouseButtons buttons)
 
 bool StockEventFilter::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_watched) {
+    // Filters see events before QWidget's own check, so a disabled widget
+    // (or one inside a disabled control) must be skipped here.
+    if (watched != m_watched || !m_watched->isEnabled()) {
         return false;
     }
     switch (event->type()) {

@@ -254,6 +254,7 @@ void KeloscoreCard::setStyle(keloScoreCardStyle style)
         return;
     }
     m_style = CInt(int(style));
+    layoutSurface();
     redraw();
     propertyChanged("Style");
 }
