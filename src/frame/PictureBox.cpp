@@ -8,6 +8,22 @@
 
 namespace Kelocontrols {
 
+namespace {
+
+// Refuses a colour the surface could not paint (a system colour index the
+// palette has no role for, or a high byte other than 0x00 and 0x80): found
+// only at paint time, it would raise out of the paint event.
+void requirePaintableColor(OleColor color)
+{
+    try {
+        OleTranslateColor(color);
+    } catch (const RuntimeError &) {
+        throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+    }
+}
+
+} // namespace
+
 PictureBox::PictureBox(QWidget *parent)
     : QFrame(parent)
     , m_events(new StockEventFilter(this))
@@ -20,12 +36,14 @@ PictureBox::PictureBox(QWidget *parent)
 
 void PictureBox::setBackColor(OleColor color)
 {
+    requirePaintableColor(color);
     m_backColor = color;
     update();
 }
 
 void PictureBox::setForeColor(OleColor color)
 {
+    requirePaintableColor(color);
     m_foreColor = color;
     update();
 }

@@ -20,8 +20,10 @@ class StockEventFilter;
  * BackColor and the Picture; Cls() clears the canvas so both show again.
  *
  * Colours are OLE colours (system colours resolve through the palette at
- * paint time). BorderStyle 1 is a sunken 3D border two pixels wide,
- * 0 none. Its input arrives as the stock events of stockEvents().
+ * paint time); setting one that names no colour raises
+ * RuntimeError(InvalidPropertyValue) and keeps the old one. BorderStyle 1 is
+ * a sunken 3D border two pixels wide, 0 none. Its input arrives as the stock
+ * events of stockEvents().
  */
 class PictureBox : public QFrame
 {

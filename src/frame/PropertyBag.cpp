@@ -10,11 +10,13 @@
 #include <QPixmap>
 #include <QRegularExpression>
 
+#include <charconv>
+
 namespace Kelocontrols {
 
 namespace {
 
-bool isNumeric(const QVariant &v)
+bool isIntegral(const QVariant &v)
 {
     switch (v.typeId()) {
     case QMetaType::Int:
@@ -23,12 +25,15 @@ bool isNumeric(const QVariant &v)
     case QMetaType::ULongLong:
     case QMetaType::Short:
     case QMetaType::UShort:
-    case QMetaType::Float:
-    case QMetaType::Double:
         return true;
     default:
         return v.metaType().flags().testFlag(QMetaType::IsEnumeration);
     }
+}
+
+bool isNumeric(const QVariant &v)
+{
+    return isIntegral(v) || v.typeId() == QMetaType::Float || v.typeId() == QMetaType::Double;
 }
 
 // ---- writing ----------------------------------------------------------
@@ -136,6 +141,18 @@ QString encodeValue(const QVariant &value)
 }
 
 // ---- reading ----------------------------------------------------------
+
+// The float a text names, rounded correctly: the nine digits written for the
+// largest floats lie a little beyond FLT_MAX as a double, which
+// QString::toFloat() takes for an overflow.
+float floatOf(const QString &text, bool *ok)
+{
+    const QByteArray latin = text.toLatin1();
+    float value = 0;
+    const auto [end, error] = std::from_chars(latin.constBegin(), latin.constEnd(), value);
+    *ok = error == std::errc() && end == latin.constEnd();
+    return value;
+}
 
 class LineParser
 {
@@ -300,7 +317,7 @@ private:
             return number<qulonglong>([](const QString &s, bool *ok) { return s.toULongLong(ok); }, "ulong");
         }
         if (type == QLatin1String("float")) {
-            return number<float>([](const QString &s, bool *ok) { return s.toFloat(ok); }, "float");
+            return number<float>(floatOf, "float");
         }
         if (type == QLatin1String("double")) {
             return number<double>([](const QString &s, bool *ok) { return s.toDouble(ok); }, "double");
@@ -340,6 +357,9 @@ private:
             return image();
         }
         if (type == QLatin1String("datetime")) {
+            if (rest().isEmpty()) {
+                return QDateTime(); // a null date-time is written as nothing
+            }
             const QDateTime dt = QDateTime::fromString(rest(), Qt::ISODateWithMs);
             if (!dt.isValid()) {
                 fail(QStringLiteral("'%1' is not a date and time").arg(rest()));
@@ -348,6 +368,9 @@ private:
             return dt;
         }
         if (type == QLatin1String("date")) {
+            if (rest().isEmpty()) {
+                return QDate(); // a null date is written as nothing
+            }
             const QDate d = QDate::fromString(rest(), Qt::ISODate);
             if (!d.isValid()) {
                 fail(QStringLiteral("'%1' is not a date").arg(rest()));
@@ -412,6 +435,12 @@ QVariant PropertyBag::ReadProperty(const QString &name, const QVariant &defaultV
 
 void PropertyBag::WriteProperty(const QString &name, const QVariant &value, const QVariant &defaultValue)
 {
+    // Only names the text form can read back are accepted.
+    static const QRegularExpression validName(QStringLiteral("^[A-Za-z_][A-Za-z0-9_]*$"));
+    if (!validName.match(name).hasMatch()) {
+        throw RuntimeError(
+            ErrorNumber::InvalidProcedureCall, QStringLiteral("'%1' is not a valid property name").arg(name));
+    }
     const qsizetype i = indexOf(name);
     if (sameValue(value, defaultValue)) {
         if (i >= 0) {
@@ -444,7 +473,9 @@ QStringList PropertyBag::names() const
 bool PropertyBag::sameValue(const QVariant &a, const QVariant &b)
 {
     if (isNumeric(a) && isNumeric(b)) {
-        return a.toDouble() == b.toDouble();
+        // A double holds only 53 bits: 64-bit integers that differ in their
+        // last digits must not pass for equal through it.
+        return a.toDouble() == b.toDouble() && ((!isIntegral(a) && !isIntegral(b)) || a.toLongLong() == b.toLongLong());
     }
     if (a.typeId() != b.typeId()) {
         return false;

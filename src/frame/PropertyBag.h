@@ -39,6 +39,7 @@ public:
 
     /// Stores `value` under `name`, replacing an earlier value of that name;
     /// stores nothing (and forgets an earlier value) when `value` equals `defaultValue`.
+    /// A name that is not an identifier (letters, digits, '_') raises RuntimeError(InvalidProcedureCall).
     void WriteProperty(const QString &name, const QVariant &value, const QVariant &defaultValue = QVariant());
 
     bool contains(const QString &name) const;

@@ -160,7 +160,8 @@ bool StockEventFilter::keyEvent(QObject *watched, QEvent *event)
     }
     Q_EMIT KeyDown(code, shift);
     const QString text = key->text();
-    if (text.size() != 1 || text.at(0).unicode() > 0xff) {
+    // X11 gives the Delete key the text DEL (127), yet it types no character.
+    if (text.size() != 1 || text.at(0).unicode() > 0xff || key->key() == Qt::Key_Delete) {
         return false;
     }
     short ascii = short(text.at(0).unicode());
@@ -205,6 +206,11 @@ void StockEventFilter::mouseEvent(QEvent *event)
     case QEvent::MouseButtonDblClick:
         if (mouse->button() == Qt::LeftButton) {
             Q_EMIT DblClick();
+        } else {
+            // Only the left button double-clicks: for the others the second
+            // press is a press, so that its MouseUp has a MouseDown.
+            short button = buttonCode(mouse->button());
+            Q_EMIT MouseDown(button, shift, x, y);
         }
         m_pressedInside = false; // the release that follows a double click is no Click
         break;

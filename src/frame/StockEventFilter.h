@@ -21,7 +21,9 @@ namespace Kelocontrols {
  * otherwise, e.g. 15 for twips).
  *
  * The event order of a double click is MouseDown, MouseUp, Click,
- * DblClick, MouseUp.
+ * DblClick, MouseUp. Only the left button double-clicks; the second press of
+ * another button is a MouseDown. Keys that type no character (arrows,
+ * function keys, Delete) raise KeyDown and KeyUp only.
  */
 class StockEventFilter : public QObject
 {

@@ -5,23 +5,15 @@
 #include <QLocale>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 #include <cmath>
 #include <limits>
 
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
-
-template<typename Call>
-int errorNumberOf(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();

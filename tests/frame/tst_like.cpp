@@ -4,22 +4,10 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
-
-namespace {
-
-template<typename Call>
-int errorNumberOf(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
-
-} // namespace
+using KeloTest::errorNumberOf;
 
 class TestLike : public QObject
 {

@@ -4,23 +4,14 @@
 #include <QGuiApplication>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 #include <limits>
 
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
-
-// The error number a call raised, or 0 when it returned normally.
-template<typename Call>
-int errorNumberOf(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
 
 // A palette in which every role and group has its own colour, so that a
 // wrong role or group in the lookup cannot go unnoticed.

@@ -6,10 +6,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 #include <cmath>
 #include <limits>
 
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
 
@@ -23,16 +26,6 @@ DriveInfo drive(int type, bool ready, const QString &letter = QString(), const Q
     info.volumeName = volume;
     info.shareName = share;
     return info;
-}
-
-int errorNumberOf(const std::function<void()> &call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
 }
 
 } // namespace

@@ -6,7 +6,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
 
@@ -78,16 +81,6 @@ bool writeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-int errorNumberOf(const std::function<void()> &call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
 }
 
 } // namespace

@@ -8,7 +8,10 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
 
@@ -24,16 +27,6 @@ QStringList changes(const QSignalSpy &spy)
         names << args.at(0).toString();
     }
     return names;
-}
-
-int errorNumberOf(const std::function<void()> &call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &e) {
-        return e.number();
-    }
-    return 0;
 }
 
 } // namespace
@@ -95,7 +88,7 @@ void tst_KeloscoreCard::defaults()
     auto *images32 = card.findChild<ImageList *>(QStringLiteral("ImageList32"));
     QVERIFY(images16 && images32);
     QCOMPARE(picture->picture().toImage(), images16->picture(QStringLiteral("ScoreCard3")).toImage());
-    for (const QString family : {QStringLiteral("ScoreCard"), QStringLiteral("Smiley"), QStringLiteral("Traffic")}) {
+    for (const QString &family : {QStringLiteral("ScoreCard"), QStringLiteral("Smiley"), QStringLiteral("Traffic")}) {
         for (int grade = 1; grade <= 5; ++grade) {
             QVERIFY(images16->contains(family + QString::number(grade)));
             QCOMPARE(images32->picture(family + QString::number(grade)).size(), QSize(32, 32));

@@ -1,0 +1,510 @@
+#include "ControlBase.h"
+#include "OleColor.h"
+#include "PropertyTable.h"
+#include "RuntimeError.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using namespace Kelocontrols;
+
+namespace {
+
+/**
+ * A small control with the traits the real ones have: clamping and
+ * cross-checking setters, a colour setter that raises, a property only the
+ * running program may set, a font that defaults to its container's, and a
+ * save order that differs from the load order.
+ */
+class TestControl : public ControlBase
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
+    Q_PROPERTY(int Count READ Count WRITE setCount)
+    Q_PROPERTY(double Low READ Low WRITE setLow)
+    Q_PROPERTY(double High READ High WRITE setHigh)
+    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
+    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    Q_PROPERTY(QString RunTimeOnly READ RunTimeOnly WRITE setRunTimeOnly)
+
+public:
+    explicit TestControl(QWidget *parent = nullptr)
+        : ControlBase(parent)
+    {
+        InitProperties();
+    }
+
+    const PropertyTableBase &propertyTable() const override { return table(); }
+
+    static const PropertyTable<TestControl> &table()
+    {
+        static const PropertyTable<TestControl> properties = [] {
+            using C = TestControl;
+            PropertyTable<C> t;
+            t.add(
+                QStringLiteral("Caption"), QStringLiteral("Control"), [](const C &c) { return QVariant(c.m_caption); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("Caption");
+                    c.m_caption = v.toString();
+                });
+            t.add(
+                QStringLiteral("Count"), 3, [](const C &c) { return QVariant(c.m_count); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("Count");
+                    c.m_count = v.toInt();
+                });
+            t.add(
+                QStringLiteral("Low"), 0.25, [](const C &c) { return QVariant(c.m_low); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("Low");
+                    c.m_low = v.toDouble();
+                });
+            t.add(
+                QStringLiteral("High"), 0.75, [](const C &c) { return QVariant(c.m_high); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("High");
+                    c.m_high = v.toDouble();
+                });
+            t.add(
+                QStringLiteral("BackColor"), uint(0x8000000F), [](const C &c) { return QVariant(c.m_backColor); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("BackColor");
+                    c.m_backColor = v.toUInt();
+                });
+            t.add(
+                QStringLiteral("Font"),
+                PropertyTable<C>::DefaultFn([](const C &c) { return QVariant(c.ambientFont()); }),
+                [](const C &c) { return QVariant(c.m_font); },
+                [](C &c, const QVariant &v) {
+                    c.storeLog << QStringLiteral("Font");
+                    c.m_font = v.value<QFont>();
+                });
+            t.setWriteOrder({"BackColor", "Caption", "Font", "High", "Count", "Low"});
+            return t;
+        }();
+        return properties;
+    }
+
+    QString Caption() const { return m_caption; }
+    void setCaption(const QString &caption)
+    {
+        m_caption = caption;
+        propertyChanged("Caption");
+    }
+
+    int Count() const { return m_count; }
+    void setCount(int count)
+    {
+        m_count = qBound(0, count, 10);
+        propertyChanged("Count");
+    }
+
+    double Low() const { return m_low; }
+    void setLow(double low)
+    {
+        if (low > m_high) {
+            return; // the thresholds stay in order
+        }
+        m_low = low;
+        propertyChanged("Low");
+    }
+
+    double High() const { return m_high; }
+    void setHigh(double high)
+    {
+        if (high < m_low) {
+            return;
+        }
+        m_high = high;
+        propertyChanged("High");
+    }
+
+    uint BackColor() const { return m_backColor; }
+    void setBackColor(uint color)
+    {
+        try {
+            OleTranslateColor(color);
+        } catch (const RuntimeError &) {
+            throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+        }
+        m_backColor = color;
+        propertyChanged("BackColor");
+    }
+
+    QFont Font() const { return m_font; }
+    void setFont(const QFont &font)
+    {
+        m_font = font;
+        propertyChanged("Font");
+    }
+
+    QString RunTimeOnly() const { return m_runTimeOnly; }
+    void setRunTimeOnly(const QString &value)
+    {
+        requireRunMode();
+        m_runTimeOnly = value;
+        propertyChanged("RunTimeOnly");
+    }
+
+    /// A method that raises for a bad argument, as the controls' methods do.
+    Q_INVOKABLE int Twice(int number) const
+    {
+        if (number < 0) {
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        }
+        return 2 * number;
+    }
+
+    QStringList storeLog;
+    int loadedCalls = 0;
+    int userModeChanges = 0;
+
+protected:
+    void propertiesLoaded() override { ++loadedCalls; }
+    void userModeChanged() override { ++userModeChanges; }
+
+private:
+    QString m_caption;
+    int m_count = 0;
+    double m_low = 0;
+    double m_high = 0;
+    uint m_backColor = 0;
+    QFont m_font;
+    QString m_runTimeOnly;
+};
+
+const QStringList readOrder{QStringLiteral("Caption"), QStringLiteral("Count"), QStringLiteral("Low"),
+    QStringLiteral("High"), QStringLiteral("BackColor"), QStringLiteral("Font")};
+const QStringList writeOrder{QStringLiteral("BackColor"), QStringLiteral("Caption"), QStringLiteral("Font"),
+    QStringLiteral("High"), QStringLiteral("Count"), QStringLiteral("Low")};
+
+template<typename Call>
+int errorNumberOf(Call call)
+{
+    try {
+        call();
+    } catch (const RuntimeError &error) {
+        return error.number();
+    }
+    return 0;
+}
+
+QFont unusualFont()
+{
+    QFont font(QStringLiteral("DejaVu Serif"), 13, QFont::Bold, true);
+    font.setUnderline(true);
+    return font;
+}
+
+// Gives every persisted property a value other than its default.
+void changeEverything(TestControl &c)
+{
+    c.setCaption(QStringLiteral("Line \"one\"\r\nLine two"));
+    c.setCount(7);
+    c.setHigh(0.9);
+    c.setLow(0.1);
+    c.setBackColor(0x00336699);
+    c.setFont(unusualFont());
+}
+
+} // namespace
+
+class TestControlBase : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void constructionInitialisesWithDefaults();
+    void initPropertiesRestoresDefaults();
+    void readPropertiesStoresInReadOrderWithoutValidation();
+    void writePropertiesUsesWriteOrderAndLeavesDefaultsOut();
+    void fontDefaultFollowsTheContainer();
+    void bagRoundTripThroughTextRestoresAnEqualControl();
+    void lifeCycleWorksLateBound();
+    void runTimeErrorsPropagateLateBound();
+    void designModeScopesNest();
+    void userModeChangesAreReported();
+};
+
+void TestControlBase::constructionInitialisesWithDefaults()
+{
+    TestControl c;
+    QCOMPARE(c.storeLog, readOrder);
+    QCOMPARE(c.loadedCalls, 1);
+    QCOMPARE(c.Caption(), QStringLiteral("Control"));
+    QCOMPARE(c.Count(), 3);
+    QCOMPARE(c.Low(), 0.25);
+    QCOMPARE(c.High(), 0.75);
+    QCOMPARE(c.BackColor(), 0x8000000Fu);
+    QCOMPARE(c.Font(), QApplication::font());
+    QVERIFY(c.UserMode());
+
+    const PropertyTableBase &table = c.propertyTable();
+    QCOMPARE(table.readOrder(), readOrder);
+    QCOMPARE(table.writeOrder(), writeOrder);
+    QCOMPARE(table.defaultValue(c, QStringLiteral("Count")), QVariant(3));
+    QCOMPARE(table.defaultValue(c, QStringLiteral("BackColor")), QVariant(uint(0x8000000F)));
+    QVERIFY(!table.defaultValue(c, QStringLiteral("NoSuchProperty")).isValid());
+}
+
+void TestControlBase::initPropertiesRestoresDefaults()
+{
+    TestControl c;
+    changeEverything(c);
+    c.storeLog.clear();
+
+    c.InitProperties();
+    QCOMPARE(c.storeLog, readOrder);
+    QCOMPARE(c.loadedCalls, 2);
+    QCOMPARE(c.Caption(), QStringLiteral("Control"));
+    QCOMPARE(c.Count(), 3);
+    QCOMPARE(c.Low(), 0.25);
+    QCOMPARE(c.High(), 0.75);
+    QCOMPARE(c.BackColor(), 0x8000000Fu);
+    QCOMPARE(c.Font(), QApplication::font());
+
+    PropertyBag bag;
+    c.WriteProperties(bag);
+    QVERIFY(bag.isEmpty());
+}
+
+void TestControlBase::readPropertiesStoresInReadOrderWithoutValidation()
+{
+    // Saved in an order of its own, with names in other cases, and values
+    // the setters would clamp or refuse.
+    PropertyBag bag;
+    bag.WriteProperty(QStringLiteral("high"), 0.1);
+    bag.WriteProperty(QStringLiteral("LOW"), 0.9);
+    bag.WriteProperty(QStringLiteral("Count"), 99);
+    bag.WriteProperty(QStringLiteral("BackColor"), uint(0x000000FF));
+
+    TestControl c;
+    c.setCaption(QStringLiteral("changed before loading"));
+    c.storeLog.clear();
+    c.ReadProperties(bag);
+
+    QCOMPARE(c.storeLog, readOrder);
+    QCOMPARE(c.loadedCalls, 2);
+    QCOMPARE(c.Low(), 0.9);
+    QCOMPARE(c.High(), 0.1);
+    QCOMPARE(c.Count(), 99);
+    QCOMPARE(c.BackColor(), 0x000000FFu);
+    // What the bag does not hold goes back to its default.
+    QCOMPARE(c.Caption(), QStringLiteral("Control"));
+    QCOMPARE(c.Font(), QApplication::font());
+
+    // The loaded values are saved as they are.
+    PropertyBag saved;
+    c.WriteProperties(saved);
+    QCOMPARE(saved.names(),
+        (QStringList{
+            QStringLiteral("BackColor"), QStringLiteral("High"), QStringLiteral("Count"), QStringLiteral("Low")}));
+    QCOMPARE(saved.ReadProperty(QStringLiteral("Count")), QVariant(99));
+}
+
+void TestControlBase::writePropertiesUsesWriteOrderAndLeavesDefaultsOut()
+{
+    TestControl c;
+    PropertyBag bag;
+    c.WriteProperties(bag);
+    QVERIFY(bag.isEmpty());
+
+    changeEverything(c);
+    c.WriteProperties(bag);
+    QCOMPARE(bag.names(), writeOrder);
+    QCOMPARE(bag.ReadProperty(QStringLiteral("Caption")).toString(), QStringLiteral("Line \"one\"\r\nLine two"));
+    QCOMPARE(bag.ReadProperty(QStringLiteral("BackColor")), QVariant(uint(0x00336699)));
+    QCOMPARE(bag.ReadProperty(QStringLiteral("Font")).value<QFont>(), unusualFont());
+
+    // Back at their defaults, properties drop out of a bag that held them.
+    c.setCount(3);
+    c.setCaption(QStringLiteral("Control"));
+    c.setFont(QApplication::font());
+    c.WriteProperties(bag);
+    QCOMPARE(bag.names(), (QStringList{QStringLiteral("BackColor"), QStringLiteral("High"), QStringLiteral("Low")}));
+}
+
+void TestControlBase::fontDefaultFollowsTheContainer()
+{
+    QWidget form;
+    QFont formFont(QStringLiteral("DejaVu Sans Mono"), 15);
+    form.setFont(formFont);
+
+    TestControl placed(&form);
+    QCOMPARE(placed.ambientFont(), form.font());
+    QCOMPARE(placed.Font(), form.font());
+    PropertyBag bag;
+    placed.WriteProperties(bag);
+    QVERIFY(!bag.contains(QStringLiteral("Font")));
+
+    // The same font on a control without that container is a change worth saving.
+    TestControl loose;
+    QCOMPARE(loose.ambientFont(), QApplication::font());
+    loose.setFont(form.font());
+    loose.WriteProperties(bag);
+    QCOMPARE(bag.ReadProperty(QStringLiteral("Font")).value<QFont>(), form.font());
+
+    // Loading without a saved font takes the container's font of the moment.
+    QFont changed(QStringLiteral("DejaVu Serif"), 8);
+    form.setFont(changed);
+    placed.ReadProperties(PropertyBag());
+    QCOMPARE(placed.Font(), form.font());
+}
+
+void TestControlBase::bagRoundTripThroughTextRestoresAnEqualControl()
+{
+    TestControl original;
+    changeEverything(original);
+    PropertyBag bag;
+    original.WriteProperties(bag);
+
+    const QString text = bag.toText();
+    TestControl loaded;
+    loaded.ReadProperties(PropertyBag::fromText(text));
+
+    QCOMPARE(loaded.Caption(), original.Caption());
+    QCOMPARE(loaded.Count(), original.Count());
+    QCOMPARE(loaded.Low(), original.Low());
+    QCOMPARE(loaded.High(), original.High());
+    QCOMPARE(loaded.BackColor(), original.BackColor());
+    QCOMPARE(loaded.Font(), original.Font());
+
+    PropertyBag again;
+    loaded.WriteProperties(again);
+    QVERIFY(again == bag);
+    QCOMPARE(again.toText(), text);
+}
+
+void TestControlBase::lifeCycleWorksLateBound()
+{
+    TestControl source;
+    changeEverything(source);
+    PropertyBag bag;
+    QVERIFY(QMetaObject::invokeMethod(&source, "WriteProperties", Q_ARG(Kelocontrols::PropertyBag &, bag)));
+    QCOMPARE(bag.names(), writeOrder);
+
+    TestControl target;
+    QObject *host = &target;
+    QVERIFY(QMetaObject::invokeMethod(host, "ReadProperties", Q_ARG(Kelocontrols::PropertyBag, bag)));
+    QCOMPARE(host->property("Count"), QVariant(7));
+    QCOMPARE(host->property("Caption").toString(), source.Caption());
+    QCOMPARE(host->property("Font").value<QFont>(), unusualFont());
+    QCOMPARE(target.loadedCalls, 2);
+
+    // A bag handed over inside a QVariant, as a generic host holds it.
+    const QVariant wrapped = QVariant::fromValue(PropertyBag());
+    QVERIFY(QMetaObject::invokeMethod(
+        host, "ReadProperties", Q_ARG(Kelocontrols::PropertyBag, wrapped.value<Kelocontrols::PropertyBag>())));
+    QCOMPARE(host->property("Count"), QVariant(3));
+
+    QVERIFY(host->setProperty("Count", 5));
+    QVERIFY(QMetaObject::invokeMethod(host, "InitProperties"));
+    QCOMPARE(host->property("Count"), QVariant(3));
+
+    QVERIFY(QMetaObject::invokeMethod(host, "setUserMode", Q_ARG(bool, false)));
+    QCOMPARE(host->property("UserMode"), QVariant(false));
+    QVERIFY(host->setProperty("UserMode", true));
+    QVERIFY(target.UserMode());
+
+    int result = 0;
+    QVERIFY(QMetaObject::invokeMethod(host, "Twice", Q_RETURN_ARG(int, result), Q_ARG(int, 21)));
+    QCOMPARE(result, 42);
+
+    // The life cycle is published under its exact names.
+    const QMetaObject *meta = host->metaObject();
+    QVERIFY(meta->indexOfMethod("InitProperties()") >= 0);
+    QVERIFY(meta->indexOfMethod("ReadProperties(Kelocontrols::PropertyBag)") >= 0);
+    QVERIFY(meta->indexOfMethod("WriteProperties(Kelocontrols::PropertyBag&)") >= 0);
+    QVERIFY(meta->indexOfMethod("setUserMode(bool)") >= 0);
+    QVERIFY(meta->indexOfSignal("PropertyChanged(QString)") >= 0);
+}
+
+void TestControlBase::runTimeErrorsPropagateLateBound()
+{
+    TestControl c;
+    QObject *host = &c;
+    QSignalSpy changed(&c, &ControlBase::PropertyChanged);
+
+    QCOMPARE(errorNumberOf([&] { host->setProperty("BackColor", 0x80000099u); }), ErrorNumber::InvalidPropertyValue);
+    QCOMPARE(errorNumberOf([&] { c.setBackColor(0x01000000u); }), ErrorNumber::InvalidPropertyValue);
+    QCOMPARE(c.BackColor(), 0x8000000Fu);
+    QCOMPARE(changed.count(), 0);
+
+    QCOMPARE(errorNumberOf([&] { host->setProperty("BackColor", 0x80000005u); }), 0);
+    QCOMPARE(c.BackColor(), 0x80000005u);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toString(), QStringLiteral("BackColor"));
+
+    int result = -1;
+    QCOMPARE(
+        errorNumberOf([&] { QMetaObject::invokeMethod(host, "Twice", Q_RETURN_ARG(int, result), Q_ARG(int, -1)); }),
+        ErrorNumber::InvalidProcedureCall);
+    QCOMPARE(result, -1);
+
+    // A write refused at design time raises 387 and changes nothing.
+    c.setUserMode(false);
+    QCOMPARE(
+        errorNumberOf([&] { host->setProperty("RunTimeOnly", QStringLiteral("x")); }), ErrorNumber::SetNotPermitted);
+    QCOMPARE(errorNumberOf([&] { c.setRunTimeOnly(QStringLiteral("y")); }), ErrorNumber::SetNotPermitted);
+    QVERIFY(c.RunTimeOnly().isEmpty());
+    c.setUserMode(true);
+    QCOMPARE(errorNumberOf([&] { host->setProperty("RunTimeOnly", QStringLiteral("z")); }), 0);
+    QCOMPARE(c.RunTimeOnly(), QStringLiteral("z"));
+    QCOMPARE(changed.last().at(0).toString(), QStringLiteral("RunTimeOnly"));
+}
+
+void TestControlBase::designModeScopesNest()
+{
+    QVERIFY(ControlBase::defaultUserMode());
+    TestControl before;
+    {
+        ControlBase::DesignModeScope outer;
+        QVERIFY(!ControlBase::defaultUserMode());
+        TestControl inOuter;
+        QVERIFY(!inOuter.UserMode());
+        QCOMPARE(inOuter.userModeChanges, 0);
+        std::unique_ptr<TestControl> afterInner;
+        {
+            ControlBase::DesignModeScope inner;
+            TestControl inInner;
+            QVERIFY(!inInner.UserMode());
+        }
+        // One scope is still open: still design mode.
+        QVERIFY(!ControlBase::defaultUserMode());
+        afterInner = std::make_unique<TestControl>();
+        QVERIFY(!afterInner->UserMode());
+    }
+    QVERIFY(ControlBase::defaultUserMode());
+    TestControl after;
+    QVERIFY(after.UserMode());
+    // Controls keep the mode they were created in.
+    QVERIFY(before.UserMode());
+}
+
+void TestControlBase::userModeChangesAreReported()
+{
+    TestControl c;
+    c.setUserMode(true);
+    QCOMPARE(c.userModeChanges, 0);
+    c.setUserMode(false);
+    QCOMPARE(c.userModeChanges, 1);
+    c.setUserMode(false);
+    QCOMPARE(c.userModeChanges, 1);
+    QVERIFY(c.setProperty("UserMode", true));
+    QCOMPARE(c.userModeChanges, 2);
+
+    // UserMode is the host's to tell, never saved with the control.
+    PropertyBag bag;
+    c.setUserMode(false);
+    c.WriteProperties(bag);
+    QVERIFY(!bag.contains(QStringLiteral("UserMode")));
+    const QMetaProperty userMode = c.metaObject()->property(c.metaObject()->indexOfProperty("UserMode"));
+    QVERIFY(!userMode.isStored());
+    QVERIFY(!userMode.isDesignable());
+}
+
+QTEST_MAIN(TestControlBase)
+#include "tst_controlbase.moc"

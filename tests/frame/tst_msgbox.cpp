@@ -1,0 +1,264 @@
+#include "MsgBox.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+using namespace Kelocontrols;
+
+namespace {
+
+struct Call
+{
+    QString prompt;
+    int buttons = -1;
+    QString title;
+};
+
+// What a standard box showed before it was answered.
+struct ShownBox
+{
+    bool seen = false;
+    QString title;
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+};
+
+QMessageBox *openMessageBox()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *box = qobject_cast<QMessageBox *>(widget); box && box->isVisible()) {
+            return box;
+        }
+    }
+    return nullptr;
+}
+
+// Waits for the next message box to open, records what it shows and answers
+// it by pressing `key`; the box runs its own event loop meanwhile.
+void answerNextBox(ShownBox *shown, Qt::Key key)
+{
+    auto *timer = new QTimer;
+    timer->setInterval(10);
+    QObject::connect(timer, &QTimer::timeout, [timer, shown, key] {
+        QMessageBox *box = openMessageBox();
+        if (!box) {
+            return;
+        }
+        timer->stop();
+        timer->deleteLater();
+        shown->seen = true;
+        shown->title = box->windowTitle();
+        shown->text = box->text();
+        shown->icon = box->icon();
+        shown->buttons = box->standardButtons();
+        shown->defaultButton = box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
+        QTest::keyClick(box, key);
+    });
+    timer->start();
+}
+
+} // namespace
+
+class TestMsgBox : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void handlerReceivesArgumentsExactly();
+    void handlersChainAndRestore();
+    void defaultHandlerHandedBackIsCallable();
+    void standardBoxFollowsStyle_data();
+    void standardBoxFollowsStyle();
+};
+
+void TestMsgBox::init()
+{
+    // Each test starts from the standard box; a box left open must not hang the run.
+    setMsgBoxHandler({});
+}
+
+void TestMsgBox::cleanup()
+{
+    while (QMessageBox *box = openMessageBox()) {
+        box->done(0);
+    }
+    setMsgBoxHandler({});
+}
+
+void TestMsgBox::handlerReceivesArgumentsExactly()
+{
+    QList<Call> calls;
+    setMsgBoxHandler([&calls](const QString &Prompt, int Buttons, const QString &Title) {
+        calls.append({Prompt, Buttons, Title});
+        return calls.size() == 1 ? MsgBoxResult::Yes : MsgBoxResult::Cancel;
+    });
+
+    const QString prompt = QStringLiteral("Are you sure you want to delete 'a.txt'?\r\n\r\n  Tab:\there \"quoted\"");
+    QCOMPARE(MsgBox(prompt, 52, QStringLiteral("Confirm File Delete")), MsgBoxResult::Yes);
+    QCOMPARE(MsgBox(QStringLiteral("Only a prompt")), MsgBoxResult::Cancel);
+    QCOMPARE(
+        MsgBox(QString(), 51 + MsgBoxStyle::DefaultButton3, QStringLiteral("  padded title ")), MsgBoxResult::Cancel);
+
+    QCOMPARE(calls.size(), 3);
+    QCOMPARE(calls.at(0).prompt, prompt);
+    QCOMPARE(calls.at(0).buttons, 52);
+    QCOMPARE(calls.at(0).title, QStringLiteral("Confirm File Delete"));
+    QCOMPARE(calls.at(1).prompt, QStringLiteral("Only a prompt"));
+    QCOMPARE(calls.at(1).buttons, 0);
+    QVERIFY(calls.at(1).title.isEmpty());
+    QVERIFY(calls.at(2).prompt.isEmpty());
+    QCOMPARE(calls.at(2).buttons, 51 + 512);
+    QCOMPARE(calls.at(2).title, QStringLiteral("  padded title "));
+    QVERIFY(!openMessageBox());
+}
+
+void TestMsgBox::handlersChainAndRestore()
+{
+    QList<Call> firstCalls;
+    const MsgBoxHandler first = [&firstCalls](const QString &Prompt, int Buttons, const QString &Title) {
+        firstCalls.append({Prompt, Buttons, Title});
+        return MsgBoxResult::Yes;
+    };
+    setMsgBoxHandler(first);
+
+    // A second handler that asks the one it replaced and turns its answer round.
+    MsgBoxHandler previous;
+    int secondCalls = 0;
+    previous = setMsgBoxHandler([&](const QString &Prompt, int Buttons, const QString &Title) {
+        ++secondCalls;
+        return previous(Prompt, Buttons, Title) == MsgBoxResult::Yes ? MsgBoxResult::No : MsgBoxResult::OK;
+    });
+    QVERIFY(previous);
+
+    QCOMPARE(MsgBox(QStringLiteral("Replace?"), 51, QStringLiteral("Confirm File Replace")), MsgBoxResult::No);
+    QCOMPARE(secondCalls, 1);
+    QCOMPARE(firstCalls.size(), 1);
+    QCOMPARE(firstCalls.at(0).prompt, QStringLiteral("Replace?"));
+    QCOMPARE(firstCalls.at(0).buttons, 51);
+    QCOMPARE(firstCalls.at(0).title, QStringLiteral("Confirm File Replace"));
+
+    // Restoring the first handler hands back the second, still callable.
+    const MsgBoxHandler second = setMsgBoxHandler(previous);
+    QVERIFY(second);
+    QCOMPARE(MsgBox(QStringLiteral("again")), MsgBoxResult::Yes);
+    QCOMPARE(secondCalls, 1);
+    QCOMPARE(firstCalls.size(), 2);
+    QCOMPARE(second(QStringLiteral("direct"), 0, QString()), MsgBoxResult::No);
+    QCOMPARE(secondCalls, 2);
+    QCOMPARE(firstCalls.size(), 3);
+
+    // An empty handler brings the standard box back.
+    const MsgBoxHandler restored = setMsgBoxHandler({});
+    QCOMPARE(restored(QStringLiteral("x"), 0, QString()), MsgBoxResult::Yes);
+    ShownBox shown;
+    answerNextBox(&shown, Qt::Key_Return);
+    QCOMPARE(MsgBox(QStringLiteral("The standard box"), 0, QStringLiteral("Standard")), MsgBoxResult::OK);
+    QVERIFY(shown.seen);
+    QCOMPARE(shown.text, QStringLiteral("The standard box"));
+    QCOMPARE(shown.title, QStringLiteral("Standard"));
+    QCOMPARE(firstCalls.size(), 4);
+}
+
+void TestMsgBox::defaultHandlerHandedBackIsCallable()
+{
+    int scripted = 0;
+    const MsgBoxHandler standard = setMsgBoxHandler([&scripted](const QString &, int, const QString &) {
+        ++scripted;
+        return MsgBoxResult::Cancel;
+    });
+    QVERIFY(standard);
+
+    ShownBox shown;
+    answerNextBox(&shown, Qt::Key_Escape);
+    QCOMPARE(standard(QStringLiteral("Shown by the standard box"), 1, QStringLiteral("Chained")), MsgBoxResult::Cancel);
+    QVERIFY(shown.seen);
+    QCOMPARE(shown.title, QStringLiteral("Chained"));
+    QCOMPARE(shown.buttons, QMessageBox::Ok | QMessageBox::Cancel);
+    QCOMPARE(scripted, 0);
+
+    // Handing it back in makes it the box in force again.
+    setMsgBoxHandler(standard);
+    ShownBox again;
+    answerNextBox(&again, Qt::Key_Return);
+    QCOMPARE(MsgBox(QStringLiteral("Back to standard")), MsgBoxResult::OK);
+    QVERIFY(again.seen);
+    QCOMPARE(scripted, 0);
+}
+
+void TestMsgBox::standardBoxFollowsStyle_data()
+{
+    using B = QMessageBox;
+    QTest::addColumn<int>("style");
+    QTest::addColumn<QMessageBox::StandardButtons>("buttons");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::addColumn<QMessageBox::StandardButton>("defaultButton");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<int>("answer");
+
+    const QMessageBox::StandardButtons ok = B::Ok;
+    const auto okCancel = B::Ok | B::Cancel;
+    const auto yesNoCancel = B::Yes | B::No | B::Cancel;
+    const auto yesNo = B::Yes | B::No;
+
+    QTest::newRow("0 OK, Enter") << 0 << ok << B::NoIcon << B::Ok << Qt::Key_Return << 1;
+    QTest::newRow("0 OK, Escape") << 0 << ok << B::NoIcon << B::Ok << Qt::Key_Escape << 1;
+    QTest::newRow("16 stop sign") << 16 << ok << B::Critical << B::Ok << Qt::Key_Return << 1;
+    QTest::newRow("64 information") << 64 << ok << B::Information << B::Ok << Qt::Key_Return << 1;
+    QTest::newRow("48 exclamation") << 48 << ok << B::Warning << B::Ok << Qt::Key_Escape << 1;
+    QTest::newRow("1 OK/Cancel, Escape") << 1 << okCancel << B::NoIcon << B::Ok << Qt::Key_Escape << 2;
+    QTest::newRow("1+256 OK/Cancel, Enter") << 1 + 256 << okCancel << B::NoIcon << B::Cancel << Qt::Key_Return << 2;
+    QTest::newRow("51 Yes/No/Cancel, Enter") << 51 << yesNoCancel << B::Warning << B::Yes << Qt::Key_Return << 6;
+    QTest::newRow("51 Yes/No/Cancel, Escape") << 51 << yesNoCancel << B::Warning << B::Yes << Qt::Key_Escape << 2;
+    QTest::newRow("51+256 default No") << 51 + 256 << yesNoCancel << B::Warning << B::No << Qt::Key_Return << 7;
+    QTest::newRow("51+512 default Cancel") << 51 + 512 << yesNoCancel << B::Warning << B::Cancel << Qt::Key_Return << 2;
+    QTest::newRow("52 Yes/No, Enter") << 52 << yesNo << B::Warning << B::Yes << Qt::Key_Return << 6;
+    QTest::newRow("52+256 Yes/No, default No") << 52 + 256 << yesNo << B::Warning << B::No << Qt::Key_Return << 7;
+    QTest::newRow("36 Yes/No question") << 36 << yesNo << B::Question << B::Yes << Qt::Key_Return << 6;
+    QTest::newRow("2+512 Abort/Retry/Ignore")
+        << 2 + 512 << (B::Abort | B::Retry | B::Ignore) << B::NoIcon << B::Ignore << Qt::Key_Return << 5;
+    QTest::newRow("2 Abort") << 2 << (B::Abort | B::Retry | B::Ignore) << B::NoIcon << B::Abort << Qt::Key_Return << 3;
+    QTest::newRow("5+16 Retry/Cancel") << 5 + 16 << (B::Retry | B::Cancel) << B::Critical << B::Retry << Qt::Key_Return
+                                       << 4;
+    QTest::newRow("5 Retry/Cancel, Escape")
+        << 5 << (B::Retry | B::Cancel) << B::NoIcon << B::Retry << Qt::Key_Escape << 2;
+    QTest::newRow("4+512 third default on two buttons")
+        << 4 + 512 << yesNo << B::NoIcon << B::No << Qt::Key_Return << 7;
+}
+
+void TestMsgBox::standardBoxFollowsStyle()
+{
+    QFETCH(int, style);
+    QFETCH(QMessageBox::StandardButtons, buttons);
+    QFETCH(QMessageBox::Icon, icon);
+    QFETCH(QMessageBox::StandardButton, defaultButton);
+    QFETCH(Qt::Key, key);
+    QFETCH(int, answer);
+
+    ShownBox shown;
+    answerNextBox(&shown, key);
+    const int result = MsgBox(QStringLiteral("First line\r\nSecond line"), style, QStringLiteral("Kelocontrols test"));
+    QVERIFY(shown.seen);
+    QCOMPARE(shown.buttons, buttons);
+    QCOMPARE(shown.icon, icon);
+    QCOMPARE(shown.defaultButton, defaultButton);
+    QCOMPARE(shown.title, QStringLiteral("Kelocontrols test"));
+    QCOMPARE(shown.text, QStringLiteral("First line\nSecond line"));
+    QCOMPARE(result, answer);
+
+    // Without a title the box is titled with the application's name.
+    ShownBox untitled;
+    answerNextBox(&untitled, key);
+    QCOMPARE(MsgBox(QStringLiteral("x"), style), answer);
+    QCOMPARE(untitled.title, QGuiApplication::applicationDisplayName());
+}
+
+QTEST_MAIN(TestMsgBox)
+#include "tst_msgbox.moc"
