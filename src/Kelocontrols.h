@@ -5,6 +5,7 @@
 #include "CommonFile.h"
 #include "Conversions.h"
 #include "ImageList.h"
+#include "InterfaceDescription.h"
 #include "KeloEnums.h"
 #include "KeloVersion.h"
 #include "KeloscoreCard.h"

@@ -254,7 +254,7 @@ void KeloscoreCard::setStyle(keloScoreCardStyle style)
         return;
     }
     m_style = CInt(int(style));
-    layoutSurface();
+    fitToStyle();
     redraw();
     propertyChanged("Style");
 }
@@ -433,8 +433,16 @@ int KeloscoreCard::grade() const
 
 void KeloscoreCard::propertiesLoaded()
 {
-    layoutSurface();
+    fitToStyle();
     redraw();
+}
+
+void KeloscoreCard::fitToStyle()
+{
+    if (isPictureStyle()) {
+        resize(pictureFitSize());
+    }
+    layoutSurface();
 }
 
 void KeloscoreCard::userModeChanged()
@@ -500,9 +508,12 @@ void KeloscoreCard::redraw()
     updateToolTip();
 }
 
+// A redraw fits the surface to the picture but leaves the control's own
+// size alone: forms set their properties one by one after the geometry, and
+// a redraw while Style is still at its default must not shrink a gauge.
+// Choosing a picture style (setStyle) or loading one fits the control.
 void KeloscoreCard::drawPicture()
 {
-    resize(pictureFitSize());
     layoutSurface();
     m_picture->cls();
     const ImageList *images = (m_style % 2 == 0) ? m_images16 : m_images32;

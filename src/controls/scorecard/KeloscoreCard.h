@@ -87,12 +87,14 @@ class KeloscoreCard : public Kelocontrols::ControlBase
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
     Q_PROPERTY(double Value READ Value WRITE setValue)
     Q_PROPERTY(Kelocontrols::keloScoreCardStyle Style READ Style WRITE setStyle)
+    // The scale is declared before the thresholds: forms set properties in
+    // declaration order, and a threshold outside the old scale would be clamped.
+    Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
+    Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
     Q_PROPERTY(double ScoreStar READ ScoreStar WRITE setScoreStar)
     Q_PROPERTY(double ScoreGood READ ScoreGood WRITE setScoreGood)
     Q_PROPERTY(double ScoreMaybe READ ScoreMaybe WRITE setScoreMaybe)
     Q_PROPERTY(double ScoreBad READ ScoreBad WRITE setScoreBad)
-    Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
-    Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
     Q_PROPERTY(bool ShowLimitLines READ ShowLimitLines WRITE setShowLimitLines)
     Q_PROPERTY(double ShowTickLinesEvery READ ShowTickLinesEvery WRITE setShowTickLinesEvery)
     Q_PROPERTY(uint TickLineColor READ TickLineColor WRITE setTickLineColor)
@@ -199,6 +201,7 @@ private:
     void renderCurrentDrawing();
     void updateToolTip();
     void layoutSurface();
+    void fitToStyle();
 
     Kelocontrols::PictureBox *m_picture;
     Kelocontrols::ImageList *m_images32;

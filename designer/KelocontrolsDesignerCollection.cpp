@@ -1,0 +1,35 @@
+#include "KelocontrolsDesignerCollection.h"
+
+#include "ControlDesignerInterface.h"
+#include "ToolboxIcons.h"
+
+#include "KeloscoreCard.h"
+
+namespace Kelocontrols::Designer {
+
+namespace {
+
+// Every control of the library, in widget-box order. A new control joins
+// with one line here.
+QList<ControlEntry> controlEntries()
+{
+    return {
+        controlEntry<KeloscoreCard>(QStringLiteral("Score card: a score as a grade picture, a colour card or a gauge"),
+            QStringLiteral("Shows a numeric score graded against four thresholds (ScoreBad, ScoreMaybe, ScoreGood, "
+                           "ScoreStar) as a score card, smiley or traffic light picture, a flash card in the grade "
+                           "colour, or a gauge with blocks, marker, limit and tick lines."),
+            ToolboxIcons::scoreCard),
+    };
+}
+
+} // namespace
+
+KelocontrolsDesignerCollection::KelocontrolsDesignerCollection(QObject *parent)
+    : QObject(parent)
+{
+    for (ControlEntry &entry : controlEntries()) {
+        m_widgets.append(new ControlDesignerInterface(std::move(entry), this));
+    }
+}
+
+} // namespace Kelocontrols::Designer

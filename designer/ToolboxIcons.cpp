@@ -1,0 +1,48 @@
+#include "ToolboxIcons.h"
+
+#include "ScoreCardArtwork.h"
+
+#include <QFont>
+#include <QPainter>
+#include <QPixmap>
+
+namespace Kelocontrols::Designer::ToolboxIcons {
+
+namespace {
+constexpr int iconSizes[] = {16, 32};
+}
+
+QIcon scoreCard()
+{
+    QIcon icon;
+    for (int size : iconSizes) {
+        icon.addPixmap(QPixmap::fromImage(ScoreCardArtwork::paint(QStringLiteral("ScoreCard"), 5, size)));
+    }
+    return icon;
+}
+
+QIcon badge(const QString &letters, const QColor &color)
+{
+    QIcon icon;
+    for (int size : iconSizes) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(color.darker(150));
+        painter.setBrush(color);
+        const QRectF box(0.5, 0.5, size - 1.0, size - 1.0);
+        painter.drawRoundedRect(box, size / 6.0, size / 6.0);
+        QFont font = painter.font();
+        font.setBold(true);
+        font.setPixelSize(qMax(6, size * 2 / (letters.size() + 2)));
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(box, Qt::AlignCenter, letters.left(3));
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+} // namespace Kelocontrols::Designer::ToolboxIcons

@@ -1,0 +1,441 @@
+// QUiLoader with the Kelocontrols Designer plugin: how the plugin is found,
+// that loaded controls run in run mode, that late-bound property writes by
+// name behave like the typed setters, and that forms written by Qt Designer
+// come back with every value.
+
+#include "KeloEnums.h"
+#include "KeloscoreCard.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUiLoader>
+#include <QXmlStreamReader>
+
+#include <memory>
+
+using namespace Kelocontrols;
+
+namespace {
+
+const QString pluginDir = QStringLiteral(KELO_PLUGIN_DIR "/designer");
+
+QString formPath(const char *name)
+{
+    return QStringLiteral(KELO_FORMS_DIR "/") + QLatin1String(name);
+}
+
+/// A loader that looks for plugins only in this build tree's plugin folder,
+/// so an installed copy of the plugin can never stand in for the one under test.
+std::unique_ptr<QUiLoader> buildTreeLoader()
+{
+    auto loader = std::make_unique<QUiLoader>();
+    loader->clearPluginPaths();
+    loader->addPluginPath(pluginDir);
+    return loader;
+}
+
+/// A loader that records the PropertyChanged signals of every control it
+/// creates, from the moment of creation on (before the form's properties).
+class RecordingLoader : public QUiLoader
+{
+public:
+    RecordingLoader()
+    {
+        clearPluginPaths();
+        addPluginPath(pluginDir);
+    }
+
+    QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override
+    {
+        QWidget *widget = QUiLoader::createWidget(className, parent, name);
+        if (auto *control = qobject_cast<ControlBase *>(widget)) {
+            connect(control, &ControlBase::PropertyChanged, this,
+                [this, name](const QString &property) { changes[name].append(property); });
+        }
+        return widget;
+    }
+
+    QHash<QString, QStringList> changes;
+};
+
+/// A form holding one score card named "card" with the given property elements.
+QByteArray cardForm(const QString &properties)
+{
+    return QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
+<ui version="4.0">
+ <class>Form</class>
+ <widget class="QWidget" name="Form">
+  <widget class="KeloscoreCard" name="card">%1</widget>
+ </widget>
+ <customwidgets>
+  <customwidget>
+   <class>KeloscoreCard</class>
+   <extends>QWidget</extends>
+   <header>Kelocontrols/KeloscoreCard.h</header>
+  </customwidget>
+ </customwidgets>
+</ui>
+)")
+        .arg(properties)
+        .toUtf8();
+}
+
+std::unique_ptr<QWidget> loadForm(QUiLoader &loader, QByteArray xml)
+{
+    QBuffer buffer(&xml);
+    buffer.open(QIODevice::ReadOnly);
+    return std::unique_ptr<QWidget>(loader.load(&buffer));
+}
+
+std::unique_ptr<QWidget> loadFormFile(QUiLoader &loader, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return nullptr;
+    }
+    return std::unique_ptr<QWidget>(loader.load(&file));
+}
+
+/// The names of the control's own properties (mixed case; QWidget's start
+/// in lower case) that `widgetName` sets in a form file, in file order.
+QStringList controlPropertiesInForm(const QString &path, const QString &widgetName)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QXmlStreamReader xml(&file);
+    QStringList names;
+    int depth = 0;
+    int widgetDepth = -1;
+    while (!xml.atEnd()) {
+        const auto token = xml.readNext();
+        if (token == QXmlStreamReader::StartElement) {
+            ++depth;
+            if (xml.name() == u"widget" && xml.attributes().value(QLatin1String("name")) == widgetName) {
+                widgetDepth = depth;
+            } else if (widgetDepth > 0 && depth == widgetDepth + 1 && xml.name() == u"property") {
+                const QString name = xml.attributes().value(QLatin1String("name")).toString();
+                if (!name.isEmpty() && name.at(0).isUpper()) {
+                    names.append(name);
+                }
+            }
+        } else if (token == QXmlStreamReader::EndElement) {
+            if (depth == widgetDepth) {
+                widgetDepth = -1;
+            }
+            --depth;
+        }
+    }
+    return names;
+}
+
+/// A property value as a plain QVariant: enumerations as their int.
+QVariant plain(const QVariant &value)
+{
+    if (value.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
+        return value.toInt();
+    }
+    return value;
+}
+
+QString pictureToolTip(const QWidget *card)
+{
+    const auto *picture = card->findChild<QWidget *>(QStringLiteral("Picture1"));
+    return picture ? picture->toolTip() : QStringLiteral("<no Picture1>");
+}
+
+} // namespace
+
+class tst_UiLoader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void findsThePluginFolder();
+    void createsRunModeControls();
+    void setsPropertiesByName_data();
+    void setsPropertiesByName();
+    void loadsDesignerForm();
+    void loadingEmitsEachPropertyOnce();
+    void acceptsEveryEnumSpelling_data();
+    void acceptsEveryEnumSpelling();
+    void survivesBadForms();
+    void loadsWiderScoreRange();
+};
+
+void tst_UiLoader::initTestCase()
+{
+    const QString plugin = pluginDir + QStringLiteral("/libKelocontrolsDesigner.so");
+    QVERIFY2(QFileInfo::exists(plugin), qPrintable(plugin + QStringLiteral(" has not been built")));
+}
+
+// QUiLoader looks for plugins in "<library path>/designer" and takes a path
+// given to addPluginPath() as the plugin folder itself.
+void tst_UiLoader::findsThePluginFolder()
+{
+    const QString className = QStringLiteral("KeloscoreCard");
+
+    QUiLoader parentFolder;
+    parentFolder.clearPluginPaths();
+    parentFolder.addPluginPath(QStringLiteral(KELO_PLUGIN_DIR));
+    QVERIFY(!parentFolder.availableWidgets().contains(className));
+
+    auto direct = buildTreeLoader();
+    QCOMPARE(direct->pluginPaths(), QStringList{pluginDir});
+    QVERIFY(direct->availableWidgets().contains(className));
+
+    QCoreApplication::addLibraryPath(QStringLiteral(KELO_PLUGIN_DIR));
+    QUiLoader viaLibraryPath;
+    QCoreApplication::removeLibraryPath(QStringLiteral(KELO_PLUGIN_DIR));
+    QVERIFY(viaLibraryPath.pluginPaths().contains(pluginDir));
+    QVERIFY(viaLibraryPath.availableWidgets().contains(className));
+}
+
+void tst_UiLoader::createsRunModeControls()
+{
+    auto loader = buildTreeLoader();
+    QWidget form;
+    QWidget *widget = loader->createWidget(QStringLiteral("KeloscoreCard"), &form, QStringLiteral("scoreCard1"));
+    auto *card = qobject_cast<KeloscoreCard *>(widget);
+    QVERIFY(card);
+    QCOMPARE(card->parentWidget(), &form);
+    QCOMPARE(card->objectName(), QStringLiteral("scoreCard1"));
+    QCOMPARE(card->UserMode(), true);
+    QCOMPARE(card->property("UserMode"), QVariant(true));
+    // Freshly created means InitProperties has run.
+    QCOMPARE(card->Value(), 0.5);
+    QCOMPARE(card->Style(), keloScoreCardStyle::ScoreCardSmall);
+    QCOMPARE(card->BackColor(), 0x8000000Fu);
+
+    QCOMPARE(loader->createWidget(QStringLiteral("KeloNoSuchControl"), &form), nullptr);
+}
+
+void tst_UiLoader::setsPropertiesByName_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("written");
+    QTest::addColumn<QVariant>("expected");
+    QTest::addColumn<bool>("emits");
+
+    QTest::newRow("double") << "Value" << QVariant(0.25) << true << QVariant(0.25) << true;
+    QTest::newRow("single precision kept") << "ScoreStar" << QVariant(0.9) << true << QVariant(double(0.9f)) << true;
+    QTest::newRow("system colour") << "BackColor" << QVariant(0x8000000Fu) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as signed 32 bits")
+        << "BackColor" << QVariant(qint32(-2147483633)) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as 64 bits")
+        << "FontColor" << QVariant(qint64(0x80000012)) << true << QVariant(0x80000012u) << true;
+    QTest::newRow("RGB colour from int") << "TickLineColor" << QVariant(0x00FF8040) << true << QVariant(0x00FF8040u)
+                                         << true;
+    QTest::newRow("enum from int") << "Style" << QVariant(7) << true << QVariant(7) << true;
+    QTest::newRow("enum from key") << "Style" << QVariant(QStringLiteral("GaugeRainbow")) << true << QVariant(9)
+                                   << true;
+    QTest::newRow("enum at current value is silent") << "Style" << QVariant(0) << true << QVariant(0) << false;
+    QTest::newRow("ShowValue last member") << "ShowValue" << QVariant(6) << true << QVariant(6) << true;
+    QTest::newRow("ToolTipStyle out of range ignored") << "ToolTipStyle" << QVariant(4) << true << QVariant(3) << false;
+    QTest::newRow("ShowBlocks upper bound") << "ShowBlocks" << QVariant(100) << true << QVariant(100) << true;
+    QTest::newRow("ShowBlocks above range ignored") << "ShowBlocks" << QVariant(101) << true << QVariant(0) << false;
+    QTest::newRow("ShowBlocks negative ignored") << "ShowBlocks" << QVariant(-1) << true << QVariant(0) << false;
+    QTest::newRow("negative tick interval clamps")
+        << "ShowTickLinesEvery" << QVariant(-0.5) << true << QVariant(0.0) << true;
+    QTest::newRow("text that is no number refused")
+        << "Value" << QVariant(QStringLiteral("abc")) << false << QVariant(0.5) << false;
+    QTest::newRow("text") << "ToolTip" << QVariant(QStringLiteral("Release quality")) << true
+                          << QVariant(QStringLiteral("Release quality")) << true;
+    QTest::newRow("bool") << "ShowLimitLines" << QVariant(true) << true << QVariant(true) << true;
+    QTest::newRow("orientation") << "GaugeOrientation" << QVariant(1) << true << QVariant(1) << true;
+}
+
+void tst_UiLoader::setsPropertiesByName()
+{
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
+    QFETCH(bool, written);
+    QFETCH(QVariant, expected);
+    QFETCH(bool, emits);
+
+    auto loader = buildTreeLoader();
+    std::unique_ptr<QWidget> card(loader->createWidget(QStringLiteral("KeloscoreCard")));
+    QVERIFY(card);
+    QSignalSpy changes(card.get(), SIGNAL(PropertyChanged(QString)));
+
+    QCOMPARE(card->setProperty(property.toLatin1().constData(), value), written);
+    QCOMPARE(plain(card->property(property.toLatin1().constData())), expected);
+    QCOMPARE(changes.size(), emits ? 1 : 0);
+    if (emits) {
+        QCOMPARE(changes.at(0).at(0).toString(), property);
+    }
+}
+
+void tst_UiLoader::loadsDesignerForm()
+{
+    auto loader = buildTreeLoader();
+    const auto form = loadFormFile(*loader, formPath("scorecard.ui"));
+    QVERIFY2(form, qPrintable(loader->errorString()));
+    QCOMPARE(form->objectName(), QStringLiteral("ScoreCardForm"));
+    QCOMPARE(form->windowTitle(), QStringLiteral("Build scores"));
+    QCOMPARE(form->findChildren<KeloscoreCard *>().size(), 3);
+
+    const auto *quality = form->findChild<KeloscoreCard *>(QStringLiteral("qualityGauge"));
+    QVERIFY(quality);
+    QCOMPARE(quality->UserMode(), true);
+    QCOMPARE(quality->BackColor(), 16744512u);
+    QCOMPARE(quality->ForeColor(), 0x80000008u);
+    QCOMPARE(quality->Font().pointSize(), 12);
+    QCOMPARE(quality->Font().bold(), true);
+    QCOMPARE(quality->BorderStyle(), 0);
+    QCOMPARE(quality->Value(), 0.75);
+    QCOMPARE(quality->Style(), keloScoreCardStyle::Gauge);
+    QCOMPARE(float(quality->ScoreStar()), 0.9f);
+    QCOMPARE(float(quality->ScoreGood()), 0.7f);
+    QCOMPARE(quality->ScoreMaybe(), 0.5);
+    QCOMPARE(quality->ScoreBad(), 0.25);
+    QCOMPARE(quality->ScoreMin(), 0.0);
+    QCOMPARE(quality->ScoreMax(), 1.0);
+    QCOMPARE(quality->ShowLimitLines(), true);
+    QCOMPARE(quality->ShowTickLinesEvery(), 0.1);
+    QCOMPARE(quality->TickLineColor(), 8421504u);
+    QCOMPARE(quality->FontColor(), 0x80000012u);
+    QCOMPARE(quality->ShowValue(), keloShowValue::AtMiddle);
+    QCOMPARE(quality->ToolTipStyle(), keloToolTipStyle::ShowTextAsTip);
+    QCOMPARE(quality->ToolTip(), QStringLiteral("Quality of the last build"));
+    QCOMPARE(quality->ShowMarker(), keloMarkerStyle::ShowFlatBar);
+    QCOMPARE(quality->ShowBlocks(), 20);
+    QCOMPARE(quality->GaugeOrientation(), keloGaugeOrientation::Horizontal);
+    QCOMPARE(quality->Enabled(), true);
+    QCOMPARE(quality->grade(), 4);
+    QCOMPARE(pictureToolTip(quality), QStringLiteral("Quality of the last build"));
+    // Designer writes the geometry before the control's own properties; a
+    // redraw while Style is still a picture must not shrink the gauge.
+    QCOMPARE(quality->size(), QSize(240, 32));
+
+    const auto *smiley = form->findChild<KeloscoreCard *>(QStringLiteral("buildSmiley"));
+    QVERIFY(smiley);
+    QCOMPARE(smiley->UserMode(), true);
+    QCOMPARE(smiley->Enabled(), false);
+    QCOMPARE(smiley->isEnabled(), false);
+    QCOMPARE(float(smiley->Value()), 0.95f);
+    QCOMPARE(smiley->Style(), keloScoreCardStyle::SmileyLarge);
+    QCOMPARE(smiley->grade(), 5);
+    QCOMPARE(smiley->size(), QSize(36, 36));
+    QCOMPARE(smiley->ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
+    QCOMPARE(pictureToolTip(smiley), QStringLiteral(" 95%"));
+
+    const auto *level = form->findChild<KeloscoreCard *>(QStringLiteral("levelGauge"));
+    QVERIFY(level);
+    QCOMPARE(level->BackColor(), 0u);
+    QCOMPARE(float(level->Value()), 0.3f);
+    QCOMPARE(level->Style(), keloScoreCardStyle::GaugeRainbow);
+    QCOMPARE(level->ShowTickLinesEvery(), 0.25);
+    QCOMPARE(level->ShowValue(), keloShowValue::AtBottom);
+    QCOMPARE(level->ToolTipStyle(), keloToolTipStyle::None);
+    QCOMPARE(level->ShowMarker(), keloMarkerStyle::ShowLine);
+    QCOMPARE(level->GaugeOrientation(), keloGaugeOrientation::Vertical);
+    QCOMPARE(level->FontColor(), 0u);
+    QCOMPARE(pictureToolTip(level), QString());
+    QCOMPARE(level->size(), QSize(30, 160));
+}
+
+// Each property in the form is written once, in file order, under its exact
+// name; QWidget's own properties (geometry) do not count as the control's.
+void tst_UiLoader::loadingEmitsEachPropertyOnce()
+{
+    RecordingLoader loader;
+    const QString path = formPath("scorecard.ui");
+    const auto form = loadFormFile(loader, path);
+    QVERIFY2(form, qPrintable(loader.errorString()));
+
+    for (const char *widget : {"qualityGauge", "buildSmiley", "levelGauge"}) {
+        const QString name = QString::fromLatin1(widget);
+        const QStringList expected = controlPropertiesInForm(path, name);
+        QVERIFY(expected.size() >= 3);
+        QCOMPARE(loader.changes.value(name), expected);
+    }
+
+    auto *quality = form->findChild<KeloscoreCard *>(QStringLiteral("qualityGauge"));
+    loader.changes.clear();
+    quality->setProperty("Value", 0.3);
+    QCOMPARE(loader.changes.value(QStringLiteral("qualityGauge")), QStringList{QStringLiteral("Value")});
+}
+
+void tst_UiLoader::acceptsEveryEnumSpelling_data()
+{
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<int>("expected");
+
+    QTest::newRow("as Qt Designer 6.4 writes it") << "<enum>Kelocontrols::GaugeOverrun</enum>" << 8;
+    QTest::newRow("fully qualified") << "<enum>Kelocontrols::keloScoreCardStyle::GaugeOverrun</enum>" << 8;
+    QTest::newRow("bare key") << "<enum>GaugeOverrun</enum>" << 8;
+    QTest::newRow("number") << "<number>8</number>" << 8;
+    // QUiLoader writes -1 for a key the enumeration lacks; the score card
+    // keeps any style code, as it does for a loaded one, and draws nothing new.
+    QTest::newRow("unknown key") << "<enum>Kelocontrols::NoSuchStyle</enum>" << -1;
+}
+
+void tst_UiLoader::acceptsEveryEnumSpelling()
+{
+    QFETCH(QString, element);
+    QFETCH(int, expected);
+
+    auto loader = buildTreeLoader();
+    const auto form
+        = loadForm(*loader, cardForm(QStringLiteral("<property name=\"Style\">%1</property>").arg(element)));
+    QVERIFY2(form, qPrintable(loader->errorString()));
+    const auto *card = form->findChild<KeloscoreCard *>(QStringLiteral("card"));
+    QVERIFY(card);
+    QCOMPARE(int(card->Style()), expected);
+    QCOMPARE(card->property("Style").toInt(), expected);
+    QCOMPARE(card->UserMode(), true);
+}
+
+void tst_UiLoader::survivesBadForms()
+{
+    auto loader = buildTreeLoader();
+
+    QByteArray truncated = cardForm(QString());
+    truncated.chop(40);
+    QVERIFY(!loadForm(*loader, truncated));
+    QVERIFY(!loader->errorString().isEmpty());
+
+    // Values of the wrong type or out of range leave the defaults in place.
+    const auto form = loadForm(*loader,
+        cardForm(QStringLiteral("<property name=\"Value\"><string>abc</string></property>"
+                                "<property name=\"BackColor\"><string>red</string></property>"
+                                "<property name=\"ShowBlocks\"><number>500</number></property>"
+                                "<property name=\"ToolTipStyle\"><number>9</number></property>"
+                                "<property name=\"NoSuchProperty\"><number>1</number></property>")));
+    QVERIFY2(form, qPrintable(loader->errorString()));
+    const auto *card = form->findChild<KeloscoreCard *>(QStringLiteral("card"));
+    QVERIFY(card);
+    QCOMPARE(card->Value(), 0.5);
+    QCOMPARE(card->BackColor(), 0x8000000Fu);
+    QCOMPARE(card->ShowBlocks(), 0);
+    QCOMPARE(card->ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
+}
+
+// A gauge scaled 0..100 as Designer saves it: the scale comes before the
+// thresholds (declaration order), so no threshold is clamped to the old scale.
+void tst_UiLoader::loadsWiderScoreRange()
+{
+    auto loader = buildTreeLoader();
+    const auto form = loadFormFile(*loader, formPath("scorerange.ui"));
+    QVERIFY2(form, qPrintable(loader->errorString()));
+    const auto *gauge = form->findChild<KeloscoreCard *>(QStringLiteral("percentGauge"));
+    QVERIFY(gauge);
+    QCOMPARE(gauge->ScoreMax(), 100.0);
+    QCOMPARE(gauge->Value(), 72.0);
+    QCOMPARE(gauge->Style(), keloScoreCardStyle::Gauge);
+    QCOMPARE(gauge->ScoreStar(), 90.0);
+    QCOMPARE(gauge->ScoreGood(), 75.0);
+    QCOMPARE(gauge->ScoreMaybe(), 50.0);
+    QCOMPARE(gauge->ScoreBad(), 25.0);
+}
+
+QTEST_MAIN(tst_UiLoader)
+#include "tst_uiloader.moc"
