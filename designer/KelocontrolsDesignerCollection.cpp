@@ -3,6 +3,7 @@
 #include "ControlDesignerInterface.h"
 #include "ToolboxIcons.h"
 
+#include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
 namespace Kelocontrols::Designer {
@@ -19,6 +20,10 @@ QList<ControlEntry> controlEntries()
                            "ScoreStar) as a score card, smiley or traffic light picture, a flash card in the grade "
                            "colour, or a gauge with blocks, marker, limit and tick lines."),
             ToolboxIcons::scoreCard),
+        controlEntry<KelolistBox>(QStringLiteral("List box filled from a database recordset"),
+            QStringLiteral("Fills itself from an SQL query or item model in one Populate call, shows texts and hands "
+                           "back their hidden integer values, and can lock to a read-only label."),
+            ToolboxIcons::listBox),
     };
 }
 

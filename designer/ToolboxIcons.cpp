@@ -45,4 +45,9 @@ QIcon badge(const QString &letters, const QColor &color)
     return icon;
 }
 
+QIcon listBox()
+{
+    return badge(QStringLiteral("LB"), QColor(0x1e, 0x88, 0xe5));
+}
+
 } // namespace Kelocontrols::Designer::ToolboxIcons

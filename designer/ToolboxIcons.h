@@ -15,6 +15,9 @@ namespace ToolboxIcons {
 /// The score card: its best grade card, the green "A".
 QIcon scoreCard();
 
+/// The data-aware list box: a list badge.
+QIcon listBox();
+
 /// A rounded badge with up to three letters, for a control without artwork of its own.
 QIcon badge(const QString &letters, const QColor &color);
 

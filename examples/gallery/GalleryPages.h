@@ -14,3 +14,4 @@ struct GalleryPage
 };
 
 QWidget *createScoreCardPage(QWidget *parent);
+QWidget *createListBoxPage(QWidget *parent);

@@ -1,0 +1,660 @@
+#include <Kelocontrols/KelolistBox.h>
+#include <Kelocontrols/ListBoxModel.h>
+#include <Kelocontrols/ListBoxPropertyTable.h>
+#include <Kelocontrols/PropertyBag.h>
+#include <Kelocontrols/RuntimeError.h>
+
+#include "KeloTestSupport.h"
+
+#include <QLabel>
+#include <QListView>
+#include <QMetaClassInfo>
+#include <QSignalSpy>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStandardItemModel>
+#include <QTest>
+
+using Kelocontrols::PropertyBag;
+
+namespace {
+
+QListView *listOf(const KelolistBox &box)
+{
+    return box.findChild<QListView *>(QStringLiteral("listItems"));
+}
+
+QLabel *labelOf(const KelolistBox &box)
+{
+    return box.findChild<QLabel *>(QStringLiteral("labItem"));
+}
+
+QStringList texts(const KelolistBox &box)
+{
+    QStringList list;
+    for (int row = 0; row < box.ListCount(); ++row) {
+        list << listOf(box)->model()->index(row, 0).data().toString();
+    }
+    return list;
+}
+
+QList<int> values(const KelolistBox &box)
+{
+    QList<int> list;
+    for (int row = 0; row < box.ListCount(); ++row) {
+        list << listOf(box)->model()->index(row, 0).data(Qt::UserRole).toInt();
+    }
+    return list;
+}
+
+// Apple 1, apple 2, Pear 3, Plum 3, Fig 0: duplicates of text and value.
+void fillFruit(KelolistBox &box)
+{
+    box.AddItem(QStringLiteral("Apple"), 1);
+    box.AddItem(QStringLiteral("apple"), 2);
+    box.AddItem(QStringLiteral("Pear"), 3);
+    box.AddItem(QStringLiteral("Plum"), 3);
+    box.AddItem(QStringLiteral("Fig"), 0);
+}
+
+QString classInfo(const QMetaObject &meta, const char *name)
+{
+    const int index = meta.indexOfClassInfo(name);
+    return index < 0 ? QString() : QString::fromLatin1(meta.classInfo(index).value());
+}
+
+} // namespace
+
+class TestKelolistBox : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initialState();
+    void publishedInterface();
+    void settersMarkChanged_data();
+    void settersMarkChanged();
+    void textAndValueSelection();
+    void defaultFallback();
+    void valueAtDesignTime();
+    void clickAndLabel();
+    void userSelectionAndStockEvents();
+    void lockDisplay_data();
+    void lockDisplay();
+    void addItemValues_data();
+    void addItemValues();
+    void removeItemByValue();
+    void clearAndSorted();
+    void appearanceAndColors();
+    void writeProperties();
+    void readProperties();
+    void initProperties();
+    void populateDefaultsFromModel();
+    void populateErrorsFromModel();
+    void lateBoundCalls();
+};
+
+void TestKelolistBox::initialState()
+{
+    QWidget form;
+    QFont formFont(QStringLiteral("DejaVu Sans"), 13);
+    form.setFont(formFont);
+    KelolistBox box(&form);
+    QVERIFY(listOf(box));
+    QVERIFY(labelOf(box));
+    QCOMPARE(box.BackColor(), 0x80000005u);
+    QCOMPARE(box.ForeColor(), 0x80000008u);
+    QVERIFY(box.Enabled());
+    QCOMPARE(box.Font(), formFont);
+    QVERIFY(!box.Locked());
+    QVERIFY(!box.LockedAlways());
+    QCOMPARE(box.DefaultValue(), 0);
+    QCOMPARE(box.DefaultText(), QString());
+    QCOMPARE(box.Appearance(), 1);
+    QCOMPARE(box.ToolTipText(), QString());
+    QCOMPARE(box.ListCount(), 0);
+    QVERIFY(!box.Sorted());
+    QCOMPARE(box.Text(), QString());
+    QCOMPARE(box.Value(), 0);
+    QVERIFY(listOf(box)->isVisibleTo(&box));
+    QVERIFY(!labelOf(box)->isVisibleTo(&box));
+
+    form.show();
+    box.setGeometry(10, 20, 180, 90);
+    QCOMPARE(listOf(box)->geometry(), QRect(0, 0, 180, 90));
+    QCOMPARE(labelOf(box)->geometry(), QRect(0, 0, 180, 90));
+    box.resize(60, 200);
+    QCOMPARE(listOf(box)->geometry(), QRect(0, 0, 60, 200));
+    QCOMPARE(labelOf(box)->geometry(), QRect(0, 0, 60, 200));
+}
+
+void TestKelolistBox::publishedInterface()
+{
+    const QMetaObject &meta = KelolistBox::staticMetaObject;
+    QCOMPARE(classInfo(meta, "Interface"), QStringLiteral("_KelolistBox"));
+    QCOMPARE(classInfo(meta, "EventInterface"), QStringLiteral("__KelolistBox"));
+    QCOMPARE(classInfo(meta, "Help:DefaultValue"),
+        QStringLiteral("The default value returned when a user has not selected anything.  Overridden if defaults "
+                       "specified in Populate method."));
+    QCOMPARE(classInfo(meta, "Help:DefaultText"),
+        QStringLiteral("The default text returned when a user has not selected anything.  Overridden if defaults "
+                       "specified in Populate method."));
+    QCOMPARE(classInfo(meta, "Help:Clear"), QStringLiteral("Clears all items from the list."));
+    QCOMPARE(classInfo(meta, "Help:RemoveItem"), QStringLiteral("Removes the requested item from the list."));
+    QCOMPARE(classInfo(meta, "Help:Sorted"),
+        QStringLiteral("Indicates whether the elements of a control are automatically sorted alphabetically."));
+    QCOMPARE(classInfo(meta, "Help:ToolTipText"),
+        QStringLiteral("Returns/sets the text displayed when the mouse is paused over the control."));
+    const QList<QPair<const char *, const char *>> dispIds = {{"DispId:Click", "-600"}, {"DispId:DblClick", "-601"},
+        {"DispId:KeyDown", "-602"}, {"DispId:KeyPress", "-603"}, {"DispId:KeyUp", "-604"}};
+    for (const auto &[key, id] : dispIds) {
+        QCOMPARE(classInfo(meta, key), QString::fromLatin1(id));
+    }
+
+    for (const char *signal : {"Click()", "DblClick()", "KeyDown(short&,short&)", "KeyPress(short&)",
+             "KeyUp(short&,short&)", "PropertyChanged(QString)"}) {
+        QVERIFY2(meta.indexOfSignal(signal) >= 0, signal);
+    }
+    for (const char *method : {"Refresh()", "AddItem(QString,QVariant)", "Clear()", "RemoveItem(QVariant)",
+             "Populate(QSqlQuery&,QVariant,QVariant,QVariant,QVariant)", "Populate(QSqlQuery&,QVariant,QVariant)",
+             "Populate(QAbstractItemModel*,QVariant,QVariant,QVariant,QVariant)"}) {
+        QVERIFY2(meta.indexOfMethod(method) >= 0, method);
+    }
+    for (const char *property : {"BackColor", "ForeColor", "Enabled", "Font", "ListCount", "Text", "Locked", "Value",
+             "Appearance", "LockedAlways", "DefaultValue", "Sorted", "ToolTipText", "DefaultText"}) {
+        QVERIFY2(meta.indexOfProperty(property) >= 0, property);
+    }
+    QVERIFY(!meta.property(meta.indexOfProperty("ListCount")).isWritable());
+    QVERIFY(!meta.property(meta.indexOfProperty("Sorted")).isWritable());
+}
+
+void TestKelolistBox::settersMarkChanged_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("BackColor") << "BackColor" << QVariant(0xFFu);
+    QTest::newRow("ForeColor") << "ForeColor" << QVariant(0x80000012u);
+    QTest::newRow("Enabled") << "Enabled" << QVariant(false);
+    QTest::newRow("Font") << "Font" << QVariant(QFont(QStringLiteral("DejaVu Serif"), 15));
+    QTest::newRow("Text") << "Text" << QVariant(QStringLiteral("PEAR"));
+    QTest::newRow("Locked") << "Locked" << QVariant(true);
+    QTest::newRow("Value") << "Value" << QVariant(3);
+    QTest::newRow("Appearance") << "Appearance" << QVariant(0);
+    QTest::newRow("LockedAlways") << "LockedAlways" << QVariant(true);
+    QTest::newRow("DefaultValue") << "DefaultValue" << QVariant(-5);
+    QTest::newRow("ToolTipText") << "ToolTipText" << QVariant(QStringLiteral("Pick one"));
+    QTest::newRow("DefaultText") << "DefaultText" << QVariant(QStringLiteral("(none)"));
+}
+
+// Late-bound writes store, read back and emit the exact name once.
+void TestKelolistBox::settersMarkChanged()
+{
+    QFETCH(QString, name);
+    QFETCH(QVariant, value);
+    KelolistBox box;
+    fillFruit(box);
+    QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
+    QVERIFY(box.setProperty(name.toLatin1(), value));
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(changes.first().first().toString(), name);
+    const QVariant stored = box.property(name.toLatin1());
+    if (name == QLatin1String("Text")) {
+        QCOMPARE(stored.toString(), QStringLiteral("Pear"));
+    } else {
+        QCOMPARE(stored, value);
+    }
+}
+
+void TestKelolistBox::textAndValueSelection()
+{
+    KelolistBox box;
+    fillFruit(box);
+    box.setText(QStringLiteral("APPLE"));
+    QCOMPARE(box.Text(), QStringLiteral("Apple")); // the first of two equal texts
+    QCOMPARE(box.Value(), 1);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Apple"));
+
+    box.setValue(3);
+    QCOMPARE(box.Text(), QStringLiteral("Pear")); // the first of two equal values
+    QCOMPARE(box.Value(), 3);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Pear"));
+
+    box.setText(QStringLiteral("plum"));
+    QCOMPARE(box.Value(), 3);
+    QCOMPARE(listOf(box)->currentIndex().row(), 3);
+    box.setText(QStringLiteral("Plu")); // no prefix matching
+    QCOMPARE(box.Text(), QStringLiteral("Fig")); // not found: the default entry (value 0)
+}
+
+void TestKelolistBox::defaultFallback()
+{
+    KelolistBox box;
+    box.setDefaultText(QStringLiteral("(nothing)"));
+    box.setDefaultValue(42);
+    QCOMPARE(box.Text(), QStringLiteral("(nothing)"));
+    QCOMPARE(box.Value(), 42);
+
+    box.AddItem(QStringLiteral("One"), 1);
+    box.AddItem(QStringLiteral("Two"), 2);
+    box.setValue(2);
+    // Neither the value nor the default value is there: the selection stays.
+    box.setValue(7);
+    QCOMPARE(box.Text(), QStringLiteral("Two"));
+    box.setText(QStringLiteral("Seven"));
+    QCOMPARE(box.Value(), 2);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Two"));
+
+    box.AddItem(QStringLiteral("Any"), 42);
+    box.setText(QStringLiteral("Seven"));
+    QCOMPARE(box.Text(), QStringLiteral("Any"));
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Any"));
+}
+
+void TestKelolistBox::valueAtDesignTime()
+{
+    KelolistBox box;
+    fillFruit(box);
+    box.setUserMode(false);
+    QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
+    QSignalSpy clicks(&box, &KelolistBox::Click);
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.setValue(3); }), 387);
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.setProperty("Value", 3); }), 387);
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(clicks.count(), 0);
+    QCOMPARE(box.Text(), QString());
+
+    box.setText(QStringLiteral("pear")); // Text is allowed in the designer
+    QCOMPARE(box.Value(), 3);
+    box.setUserMode(true);
+    box.setValue(1);
+    QCOMPARE(box.Text(), QStringLiteral("Apple"));
+}
+
+// Text and Value set the label, then select (which clicks).
+void TestKelolistBox::clickAndLabel()
+{
+    KelolistBox box;
+    QSignalSpy clicks(&box, &KelolistBox::Click);
+    fillFruit(box);
+    QCOMPARE(clicks.count(), 0); // AddItem never clicks
+    QStringList labelAtClick;
+    connect(&box, &KelolistBox::Click, this, [&] { labelAtClick << labelOf(box)->text(); });
+
+    box.setValue(3);
+    QCOMPARE(clicks.count(), 1);
+    box.setText(QStringLiteral("fig"));
+    QCOMPARE(clicks.count(), 2);
+    QCOMPARE(labelAtClick, (QStringList{"Pear", "Fig"}));
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Fig"));
+
+    box.RemoveItem(0); // removes the selected Fig: no click, label unchanged
+    QCOMPARE(box.Text(), QString());
+    box.Clear();
+    QCOMPARE(clicks.count(), 2);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Fig"));
+
+    // Populate selects its default entry without a click; the label follows.
+    QStandardItemModel model(2, 2);
+    model.setHorizontalHeaderLabels({QStringLiteral("name"), QStringLiteral("id")});
+    model.setData(model.index(0, 0), QStringLiteral("Red"));
+    model.setData(model.index(0, 1), 10);
+    model.setData(model.index(1, 0), QStringLiteral("Blue"));
+    model.setData(model.index(1, 1), 20);
+    QCOMPARE(box.Populate(&model, QStringLiteral("name"), QStringLiteral("id"), QStringLiteral("(any)"), 0), QString());
+    QCOMPARE(clicks.count(), 2);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("(any)"));
+}
+
+void TestKelolistBox::userSelectionAndStockEvents()
+{
+    KelolistBox box;
+    fillFruit(box);
+    box.resize(200, 150);
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QListView *list = listOf(box);
+    QStringList events;
+    QString labelAtClick;
+    connect(&box, &KelolistBox::Click, this, [&] {
+        events << QStringLiteral("Click");
+        labelAtClick = labelOf(box)->text();
+    });
+    connect(&box, &KelolistBox::DblClick, this, [&] { events << QStringLiteral("DblClick"); });
+    connect(&box, &KelolistBox::KeyDown, this,
+        [&](short &code, short &shift) { events << QStringLiteral("KeyDown %1 %2").arg(code).arg(shift); });
+    connect(&box, &KelolistBox::KeyPress, this, [&](short &ascii) {
+        events << QStringLiteral("KeyPress %1").arg(ascii);
+        ascii = 0; // swallowed: the list does not search for "a"
+    });
+    connect(&box, &KelolistBox::KeyUp, this,
+        [&](short &code, short &shift) { events << QStringLiteral("KeyUp %1 %2").arg(code).arg(shift); });
+
+    const QPoint pear = list->visualRect(list->model()->index(2, 0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, pear);
+    QCOMPARE(box.Text(), QStringLiteral("Pear"));
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Pear"));
+    QCOMPARE(events, QStringList{QStringLiteral("Click")});
+    QCOMPARE(labelAtClick, QString()); // Click comes first, then the label follows
+
+    events.clear();
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, pear);
+    QVERIFY(events.contains(QStringLiteral("DblClick")));
+    QVERIFY(!events.contains(QStringLiteral("Click"))); // the same entry: the selection did not change
+
+    events.clear();
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(box.Text(), QStringLiteral("Plum"));
+    QCOMPARE(events, (QStringList{"KeyDown 40 0", "Click", "KeyUp 40 0"}));
+
+    events.clear();
+    QTest::keyClick(list, Qt::Key_A, Qt::ShiftModifier);
+    // The handler swallowed the "a": the list did not jump to Apple (no Click).
+    QCOMPARE(events, (QStringList{"KeyDown 16 1", "KeyDown 65 1", "KeyPress 97", "KeyUp 65 1", "KeyUp 16 0"}));
+    QCOMPARE(box.Text(), QStringLiteral("Plum"));
+}
+
+void TestKelolistBox::lockDisplay_data()
+{
+    QTest::addColumn<bool>("locked");
+    QTest::addColumn<bool>("lockedAlways");
+    QTest::addColumn<bool>("labelShown");
+    QTest::newRow("open") << false << false << false;
+    QTest::newRow("locked") << true << false << true;
+    QTest::newRow("locked always") << false << true << true;
+    QTest::newRow("both") << true << true << true;
+}
+
+void TestKelolistBox::lockDisplay()
+{
+    QFETCH(bool, locked);
+    QFETCH(bool, lockedAlways);
+    QFETCH(bool, labelShown);
+    KelolistBox box;
+    fillFruit(box);
+    box.setValue(3);
+    box.setLocked(locked);
+    box.setLockedAlways(lockedAlways);
+    QCOMPARE(labelOf(box)->isVisibleTo(&box), labelShown);
+    QCOMPARE(listOf(box)->isVisibleTo(&box), !labelShown);
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Pear"));
+
+    // Order does not matter: LockedAlways wins over a later Locked = false.
+    box.setLocked(false);
+    QCOMPARE(labelOf(box)->isVisibleTo(&box), lockedAlways);
+    box.setValue(1); // a locked list still selects
+    QCOMPARE(labelOf(box)->text(), QStringLiteral("Apple"));
+}
+
+void TestKelolistBox::addItemValues_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<int>("stored");
+    QTest::newRow("int") << QVariant(-12) << -12;
+    QTest::newRow("numeric text") << QVariant(QStringLiteral(" 17 ")) << 17;
+    QTest::newRow("half to even down") << QVariant(2.5) << 2;
+    QTest::newRow("half to even up") << QVariant(3.5) << 4;
+    QTest::newRow("largest") << QVariant(2147483647LL) << 2147483647;
+    QTest::newRow("overflow") << QVariant(2147483648LL) << 0;
+    QTest::newRow("letters") << QVariant(QStringLiteral("abc")) << 0;
+    QTest::newRow("empty text") << QVariant(QString()) << 0;
+    QTest::newRow("nothing") << QVariant() << 0;
+    QTest::newRow("true") << QVariant(true) << -1;
+}
+
+// AddItem never raises: a value that does not convert leaves the entry at 0.
+void TestKelolistBox::addItemValues()
+{
+    QFETCH(QVariant, value);
+    QFETCH(int, stored);
+    KelolistBox box;
+    box.AddItem(QStringLiteral("first"), 5);
+    box.AddItem(QStringLiteral("entry"), value);
+    QCOMPARE(texts(box), (QStringList{"first", "entry"}));
+    QCOMPARE(values(box).last(), stored);
+}
+
+void TestKelolistBox::removeItemByValue()
+{
+    KelolistBox box;
+    fillFruit(box);
+    QVERIFY(!box.RemoveItem(99));
+    QVERIFY(!box.RemoveItem(4)); // 4 is a position, never used as one
+    QCOMPARE(box.ListCount(), 5);
+    QVERIFY(box.RemoveItem(3));
+    QCOMPARE(texts(box), (QStringList{"Apple", "apple", "Plum", "Fig"}));
+    QVERIFY(box.RemoveItem(QStringLiteral("2")));
+    QVERIFY(!box.RemoveItem(0.5));
+    QVERIFY(box.RemoveItem(QVariant())); // nothing counts as 0
+    QCOMPARE(texts(box), (QStringList{"Apple", "Plum"}));
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.RemoveItem(QStringLiteral("abc")); }), 13);
+    QCOMPARE(box.ListCount(), 2);
+}
+
+void TestKelolistBox::clearAndSorted()
+{
+    KelolistBox box;
+    box.setDefaultText(QStringLiteral("(none)"));
+    fillFruit(box);
+    box.setValue(3);
+    const QVariant cleared = box.Clear();
+    QVERIFY(!cleared.isValid());
+    QCOMPARE(box.ListCount(), 0);
+    QCOMPARE(box.Text(), QStringLiteral("(none)"));
+
+    // Sorting is a setting of the list's model; AddItem then places entries.
+    auto *model = qobject_cast<Kelocontrols::ListBoxModel *>(listOf(box)->model());
+    QVERIFY(model);
+    model->setSorted(true);
+    QVERIFY(box.Sorted());
+    fillFruit(box);
+    QCOMPARE(texts(box), (QStringList{"Apple", "apple", "Fig", "Pear", "Plum"}));
+    QCOMPARE(values(box), (QList<int>{1, 2, 0, 3, 3}));
+}
+
+void TestKelolistBox::appearanceAndColors()
+{
+    KelolistBox box;
+    box.setAppearance(0);
+    QCOMPARE(listOf(box)->frameShape(), QFrame::Box);
+    box.setAppearance(1);
+    QCOMPARE(listOf(box)->frameShape(), QFrame::StyledPanel);
+    QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.setAppearance(2); }), 380);
+    QCOMPARE(box.Appearance(), 1);
+    QCOMPARE(changes.count(), 0);
+
+    box.setBackColor(Kelocontrols::RGB(255, 0, 0));
+    box.setForeColor(0x80000005);
+    QCOMPARE(listOf(box)->palette().color(QPalette::Base), QColor(255, 0, 0));
+    QCOMPARE(listOf(box)->palette().color(QPalette::Text), Kelocontrols::toQColor(0x80000005));
+    box.setToolTipText(QStringLiteral("Countries"));
+    QCOMPARE(listOf(box)->toolTip(), QStringLiteral("Countries"));
+}
+
+// The exact saving order; "Text" is the list's text with the default "listItems".
+void TestKelolistBox::writeProperties()
+{
+    KelolistBox box;
+    PropertyBag bag;
+    box.WriteProperties(bag);
+    QCOMPARE(bag.names(), QStringList{QStringLiteral("Text")});
+    QCOMPARE(bag.ReadProperty(QStringLiteral("Text")), QVariant(QString()));
+
+    box.setBackColor(0xFF);
+    box.setForeColor(0xFF00);
+    box.setEnabled(false);
+    box.setFont(QFont(QStringLiteral("DejaVu Serif"), 17));
+    box.setLocked(true);
+    box.setAppearance(0);
+    box.setLockedAlways(true);
+    box.setDefaultValue(9);
+    box.setToolTipText(QStringLiteral("tip"));
+    box.setDefaultText(QStringLiteral("(none)"));
+    fillFruit(box);
+    box.setValue(3);
+    bag.clear();
+    box.WriteProperties(bag);
+    // The saved Value is the loaded one (still the default), not the selection.
+    QCOMPARE(bag.names(),
+        (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Text", "Locked", "Appearance", "LockedAlways",
+            "DefaultValue", "ToolTipText", "DefaultText"}));
+    QCOMPARE(bag.ReadProperty(QStringLiteral("Text")).toString(), QStringLiteral("Pear"));
+
+    box.Clear();
+    box.AddItem(QStringLiteral("listItems"), 1);
+    box.setValue(1);
+    bag.clear();
+    box.WriteProperties(bag);
+    QVERIFY(!bag.contains(QStringLiteral("Text"))); // equal to its default
+}
+
+void TestKelolistBox::readProperties()
+{
+    const auto &table = Kelocontrols::ListBoxPropertyTable::instance();
+    QCOMPARE(table.readOrder(),
+        (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Locked", "Value", "Appearance", "LockedAlways",
+            "DefaultValue", "ToolTipText", "DefaultText"}));
+    QCOMPARE(table.writeOrder(),
+        (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Text", "Locked", "Value", "Appearance",
+            "LockedAlways", "DefaultValue", "ToolTipText", "DefaultText"}));
+
+    PropertyBag bag;
+    bag.WriteProperty(QStringLiteral("Text"), QStringLiteral("Pear"));
+    bag.WriteProperty(QStringLiteral("Value"), QStringLiteral("kept as it is"));
+    bag.WriteProperty(QStringLiteral("Locked"), true);
+    bag.WriteProperty(QStringLiteral("DefaultValue"), 3);
+    bag.WriteProperty(QStringLiteral("DefaultText"), QStringLiteral("(none)"));
+    bag.WriteProperty(QStringLiteral("BackColor"), -2147483643); // 0x80000005 saved as a signed number
+    const PropertyBag loaded = PropertyBag::fromText(bag.toText());
+
+    KelolistBox box;
+    fillFruit(box);
+    QSignalSpy clicks(&box, &KelolistBox::Click);
+    box.ReadProperties(loaded);
+    QVERIFY(box.Locked());
+    QVERIFY(labelOf(box)->isVisibleTo(&box));
+    QCOMPARE(box.DefaultValue(), 3);
+    QCOMPARE(box.BackColor(), 0x80000005u);
+    // Neither the saved Text nor the saved Value selects anything.
+    QCOMPARE(box.Text(), QStringLiteral("(none)"));
+    QCOMPARE(box.Value(), 3);
+    QCOMPARE(clicks.count(), 0);
+
+    PropertyBag saved;
+    box.WriteProperties(saved);
+    QCOMPARE(saved.ReadProperty(QStringLiteral("Value")), QVariant(QStringLiteral("kept as it is")));
+
+    PropertyBag bad;
+    bad.WriteProperty(QStringLiteral("Appearance"), 7);
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 380);
+    bad.clear();
+    bad.WriteProperty(QStringLiteral("Locked"), QStringLiteral("maybe"));
+    QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 13);
+}
+
+// InitProperties resets what the control owns, not what the list carries.
+void TestKelolistBox::initProperties()
+{
+    KelolistBox box;
+    box.setBackColor(0xFF);
+    box.setAppearance(0);
+    box.setLocked(true);
+    box.setLockedAlways(true);
+    box.setDefaultValue(4);
+    box.setDefaultText(QStringLiteral("x"));
+    box.InitProperties();
+    QVERIFY(!box.Locked());
+    QVERIFY(!box.LockedAlways());
+    QCOMPARE(box.DefaultValue(), 0);
+    QCOMPARE(box.DefaultText(), QString());
+    QVERIFY(listOf(box)->isVisibleTo(&box));
+    QCOMPARE(box.BackColor(), 0xFFu);
+    QCOMPARE(box.Appearance(), 0);
+}
+
+void TestKelolistBox::populateDefaultsFromModel()
+{
+    QStandardItemModel model(3, 2);
+    model.setHorizontalHeaderLabels({QStringLiteral("Label"), QStringLiteral("Key")});
+    const QList<QPair<QVariant, QVariant>> rows
+        = {{QStringLiteral("One"), 1}, {QVariant(), 2}, {QStringLiteral("Three"), QStringLiteral("x")}};
+    for (int row = 0; row < rows.size(); ++row) {
+        model.setData(model.index(row, 0), rows.at(row).first);
+        model.setData(model.index(row, 1), rows.at(row).second);
+    }
+    KelolistBox box;
+    box.setDefaultValue(5);
+    QCOMPARE(box.Populate(&model, QStringLiteral("label"), QStringLiteral("key"), QStringLiteral("(pick)")), QString());
+    QCOMPARE(texts(box), (QStringList{"(pick)", "One", "Three"}));
+    QCOMPARE(values(box), (QList<int>{5, 1, 0}));
+    QCOMPARE(box.DefaultValue(), 5);
+    QCOMPARE(box.Text(), QStringLiteral("(pick)"));
+
+    // A DefaultValue that does not convert keeps the property.
+    QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(pick)"), QStringLiteral("n/a")), QString());
+    QCOMPARE(box.DefaultValue(), 5);
+    QCOMPARE(values(box).first(), 5);
+    // An empty model with its columns: only the default entry.
+    model.removeRows(0, 3);
+    QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(empty)"), -2), QString());
+    QCOMPARE(texts(box), QStringList{QStringLiteral("(empty)")});
+    QCOMPARE(box.Value(), -2);
+}
+
+void TestKelolistBox::populateErrorsFromModel()
+{
+    KelolistBox box;
+    box.AddItem(QStringLiteral("Kept"), 1);
+    QCOMPARE(box.Populate(static_cast<QAbstractItemModel *>(nullptr), 0, 1),
+        QStringLiteral("Operation is not allowed when the object is closed."));
+    QStandardItemModel model(1, 2);
+    const QString notFound
+        = QStringLiteral("Item cannot be found in the collection corresponding to the requested name or ordinal.");
+    QCOMPARE(box.Populate(&model, 2, 1), QStringLiteral("TextColumn=2 - ") + notFound);
+    QCOMPARE(box.Populate(&model, -1, 1), QStringLiteral("TextColumn=-1 - ") + notFound);
+    QCOMPARE(box.Populate(&model, 1.5, 1), QStringLiteral("TextColumn=1.5 - ") + notFound);
+    QCOMPARE(box.Populate(&model, 0, QStringLiteral("Key")), QStringLiteral("ValueColumn=Key - ") + notFound);
+    QCOMPARE(texts(box), QStringList{QStringLiteral("Kept")});
+    // Without header labels the columns are named "1" and "2".
+    QCOMPARE(box.Populate(&model, QStringLiteral("1"), QStringLiteral("2")), QString());
+}
+
+// A host calls every method by name, the query by reference.
+void TestKelolistBox::lateBoundCalls()
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("late-bound"));
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    QVERIFY(db.open());
+    {
+        QSqlQuery query(db);
+        QVERIFY(query.exec(QStringLiteral("SELECT 'Alpha' AS name, 7 AS id UNION ALL SELECT 'Beta', 8")));
+        KelolistBox box;
+        QString result = QStringLiteral("unset");
+        QVERIFY(QMetaObject::invokeMethod(&box, "Populate", Q_RETURN_ARG(QString, result), Q_ARG(QSqlQuery &, query),
+            Q_ARG(QVariant, QStringLiteral("name")), Q_ARG(QVariant, QStringLiteral("id"))));
+        QCOMPARE(result, QString());
+        QCOMPARE(result.isNull(), false);
+        QCOMPARE(texts(box), (QStringList{"Alpha", "Beta"}));
+
+        QVERIFY(QMetaObject::invokeMethod(
+            &box, "AddItem", Q_ARG(QString, QStringLiteral("Gamma")), Q_ARG(QVariant, QVariant(9))));
+        bool removed = false;
+        QVERIFY(QMetaObject::invokeMethod(&box, "RemoveItem", Q_RETURN_ARG(bool, removed), Q_ARG(QVariant, 8)));
+        QVERIFY(removed);
+        QVERIFY(box.setProperty("Value", 9));
+        QCOMPARE(box.property("Text").toString(), QStringLiteral("Gamma"));
+        QCOMPARE(box.property("ListCount").toInt(), 2);
+        QVariant cleared = QStringLiteral("unset");
+        QVERIFY(QMetaObject::invokeMethod(&box, "Clear", Q_RETURN_ARG(QVariant, cleared)));
+        QVERIFY(!cleared.isValid());
+        QVERIFY(QMetaObject::invokeMethod(&box, "setUserMode", Q_ARG(bool, false)));
+        QCOMPARE(KeloTest::errorNumberOf([&] { box.setProperty("Value", 9); }), 387);
+    }
+    db.close();
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("late-bound"));
+}
+
+QTEST_MAIN(TestKelolistBox)
+#include "tst_kelolistbox.moc"
