@@ -30,7 +30,8 @@ void bench_ScoreCard::gaugeRedraw()
     card.resize(204, 34); // 200 x 30 inside the border
     card.show();
     double value = 0.0;
-    QBENCHMARK {
+    QBENCHMARK
+    {
         value = value >= 1.0 ? 0.0 : value + 0.01;
         card.setValue(value); // runs the whole redraw dispatch
     }
@@ -46,7 +47,8 @@ void bench_ScoreCard::gaugePainterOnly()
     spec.marker = 2;
     spec.showValue = 2;
     QImage canvas(200, 30, QImage::Format_ARGB32_Premultiplied);
-    QBENCHMARK {
+    QBENCHMARK
+    {
         canvas.fill(Qt::transparent);
         GaugePainter(spec).paint(canvas);
     }
@@ -58,7 +60,8 @@ void bench_ScoreCard::pictureRedraw()
     card.setStyle(keloScoreCardStyle::SmileyLarge);
     card.show();
     double value = 0.0;
-    QBENCHMARK {
+    QBENCHMARK
+    {
         value = value >= 1.0 ? 0.0 : value + 0.01;
         card.setValue(value);
     }
