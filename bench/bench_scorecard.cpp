@@ -39,18 +39,18 @@ void bench_ScoreCard::gaugeRedraw()
 
 void bench_ScoreCard::gaugePainterOnly()
 {
-    GaugeSpec spec;
-    spec.style = 9;
-    spec.blocks = 10;
-    spec.tickEvery = 0.05f;
-    spec.limitLines = true;
-    spec.marker = 2;
-    spec.showValue = 2;
+    GaugeSpec gaugeSpec;
+    gaugeSpec.style = 9;
+    gaugeSpec.blocks = 10;
+    gaugeSpec.tickEvery = 0.05f;
+    gaugeSpec.limitLines = true;
+    gaugeSpec.marker = 2;
+    gaugeSpec.showValue = 2;
     QImage canvas(200, 30, QImage::Format_ARGB32_Premultiplied);
     QBENCHMARK
     {
         canvas.fill(Qt::transparent);
-        GaugePainter(spec).paint(canvas);
+        GaugePainter(gaugeSpec).paint(canvas);
     }
 }
 

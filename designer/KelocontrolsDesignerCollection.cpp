@@ -3,6 +3,7 @@
 #include "ControlDesignerInterface.h"
 #include "ToolboxIcons.h"
 
+#include "Kelochameleon.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
@@ -24,6 +25,11 @@ QList<ControlEntry> controlEntries()
             QStringLiteral("Fills itself from an SQL query or item model in one Populate call, shows texts and hands "
                            "back their hidden integer values, and can lock to a read-only label."),
             ToolboxIcons::listBox),
+        controlEntry<Kelochameleon>(QStringLiteral("Chameleon: styles the form it sits on"),
+            QStringLiteral("Gives its form and the form's controls a system, fixed or drifting background colour or a "
+                           "placed or tiled picture, a common font, and a mouse-following wand. Invisible at run "
+                           "time."),
+            ToolboxIcons::chameleon),
     };
 }
 

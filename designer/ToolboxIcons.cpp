@@ -50,4 +50,9 @@ QIcon listBox()
     return badge(QStringLiteral("LB"), QColor(0x1e, 0x88, 0xe5));
 }
 
+QIcon chameleon()
+{
+    return badge(QStringLiteral("Ch"), QColor(0x43, 0xa0, 0x47));
+}
+
 } // namespace Kelocontrols::Designer::ToolboxIcons

@@ -18,6 +18,9 @@ QIcon scoreCard();
 /// The data-aware list box: a list badge.
 QIcon listBox();
 
+/// The chameleon: a colour badge.
+QIcon chameleon();
+
 /// A rounded badge with up to three letters, for a control without artwork of its own.
 QIcon badge(const QString &letters, const QColor &color);
 

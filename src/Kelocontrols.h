@@ -9,6 +9,7 @@
 #include "ItemModelRecordset.h"
 #include "KeloEnums.h"
 #include "KeloVersion.h"
+#include "Kelochameleon.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 #include "Like.h"

@@ -15,3 +15,4 @@ struct GalleryPage
 
 QWidget *createScoreCardPage(QWidget *parent);
 QWidget *createListBoxPage(QWidget *parent);
+QWidget *createChameleonPage(QWidget *parent);

@@ -16,6 +16,7 @@ const QList<GalleryPage> &pages()
     static const QList<GalleryPage> list = {
         {QStringLiteral("Score cards"), &createScoreCardPage, QStringLiteral("scorecards")},
         {QStringLiteral("List box"), &createListBoxPage, QStringLiteral("listbox")},
+        {QStringLiteral("Chameleon"), &createChameleonPage, QStringLiteral("chameleon")},
     };
     return list;
 }

@@ -18,8 +18,8 @@ constexpr qreal limitLineWidth = 2;
 constexpr qreal textMargin = 3;
 } // namespace
 
-GaugePainter::GaugePainter(const GaugeSpec &spec)
-    : m_spec(spec)
+GaugePainter::GaugePainter(const GaugeSpec &gaugeSpec)
+    : m_spec(gaugeSpec)
 {
 }
 

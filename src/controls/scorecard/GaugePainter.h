@@ -46,7 +46,7 @@ struct GaugeSpec
 class GaugePainter
 {
 public:
-    explicit GaugePainter(const GaugeSpec &spec);
+    explicit GaugePainter(const GaugeSpec &gaugeSpec);
 
     /// Draws on `canvas`; returns false (and draws nothing) when ScoreMin equals ScoreMax.
     bool paint(QImage &canvas);

@@ -535,24 +535,24 @@ void KeloscoreCard::drawGauge()
     }
     m_picture->setPicture(QPixmap());
     m_picture->cls();
-    GaugeSpec spec;
-    spec.style = m_style;
-    spec.value = m_value;
-    spec.scoreMin = m_scoreMin;
-    spec.scoreMax = m_scoreMax;
-    spec.thresholds = m_thresholds;
-    spec.foreColor = m_picture->foreColor();
-    spec.backColor = m_picture->backColor();
-    spec.blocks = m_blocks;
-    spec.tickEvery = float(m_tickEvery);
-    spec.tickColor = m_tickLineColor;
-    spec.limitLines = m_showLimitLines;
-    spec.marker = m_marker;
-    spec.showValue = m_showValue;
-    spec.fontColor = m_fontColor;
-    spec.font = m_picture->font();
-    spec.vertical = m_orientation == int(keloGaugeOrientation::Vertical);
-    GaugePainter(spec).paint(m_picture->beginPaint());
+    GaugeSpec gaugeSpec;
+    gaugeSpec.style = m_style;
+    gaugeSpec.value = m_value;
+    gaugeSpec.scoreMin = m_scoreMin;
+    gaugeSpec.scoreMax = m_scoreMax;
+    gaugeSpec.thresholds = m_thresholds;
+    gaugeSpec.foreColor = m_picture->foreColor();
+    gaugeSpec.backColor = m_picture->backColor();
+    gaugeSpec.blocks = m_blocks;
+    gaugeSpec.tickEvery = float(m_tickEvery);
+    gaugeSpec.tickColor = m_tickLineColor;
+    gaugeSpec.limitLines = m_showLimitLines;
+    gaugeSpec.marker = m_marker;
+    gaugeSpec.showValue = m_showValue;
+    gaugeSpec.fontColor = m_fontColor;
+    gaugeSpec.font = m_picture->font();
+    gaugeSpec.vertical = m_orientation == int(keloGaugeOrientation::Vertical);
+    GaugePainter(gaugeSpec).paint(m_picture->beginPaint());
     m_picture->endPaint();
 }
 

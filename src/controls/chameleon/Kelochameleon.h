@@ -1,0 +1,236 @@
+#pragma once
+
+#include "ColorEngine.h"
+#include "ControlBase.h"
+#include "KeloEnums.h"
+#include "OleColor.h"
+#include "PropertyTable.h"
+
+#include <QFont>
+#include <QPixmap>
+#include <QPointer>
+
+class QTimer;
+
+namespace Kelocontrols {
+class FormPictureLayer;
+class PictureBox;
+} // namespace Kelocontrols
+
+/**
+ * Styles the form it is placed on: a background for the form and all its
+ * controls, a common font, and a "wand" animation that follows the mouse.
+ *
+ * The chameleon takes no room at run time (its size is forced to 0 × 0); in
+ * a form designer it shows a 16 × 16 face, crossed out in red while it is
+ * disabled. Its form is its parent widget, and the form's controls are the
+ * parent's other children (see Kelocontrols::ControlAccess for how a Qt
+ * widget's background colour and font are reached).
+ *
+ * When the form is shown (a chameleon added to a form that is already
+ * visible needs its own show()) and on Refresh(), at run time, an enabled
+ * chameleon:
+ * 1. seeds its drifting colour from Kelocontrols::Rnd(), without reseeding
+ *    the generator, so every run starts from the same colours unless the
+ *    program reseeds it;
+ * 2. applies `BackgroundStyle`: `SystemDefault` gives the form and its
+ *    controls the button-face colour, `FixedColor` gives them
+ *    `NewBackColor`, `VariedColor` a colour that drifts between
+ *    `ColorMinimum` and `ColorMaximum` (per channel, at most
+ *    `ColorStepRate` per step, one step every `Interval` milliseconds
+ *    rounded up to the 100 ms timer), and `Picture` paints
+ *    `BackgroundPicture` on the form as `BackgroundPictureStyle` places it;
+ *    controls left at the window-background system colour (text and list
+ *    boxes) keep it;
+ * 3. gives the form and its controls `NewFont` when `FontStyle` is
+ *    `ChangeFont`;
+ * 4. starts `Timer1` (100 ms), which steps the colour and animates the wand.
+ *
+ * The wand follows the mouse over the form by itself; a host can feed it the
+ * mouse movements of any other surface with WandMovement(). All chameleons
+ * of a process share the wand's 21 elements.
+ *
+ * Styling ignores the failures of single statements: a control that lacks a
+ * member is passed over as the rules of each step say (a control without a
+ * background colour, such as a QTimer among the form's children, ends the
+ * colouring pass; one without a font is skipped).
+ *
+ * Inner objects: `picBackground` (a hidden picture box holding the loaded
+ * picture) and `Timer1`.
+ *
+ * \code
+ * auto *chameleon = new Kelochameleon(form);
+ * chameleon->setBackgroundStyle(Kelocontrols::keloBackgroundStyle::VariedColor);
+ * chameleon->setWandStyle(Kelocontrols::keloWandStyle::Stars);
+ * form->show(); // the form takes its first colour
+ * \endcode
+ */
+class Kelochameleon : public Kelocontrols::ControlBase
+{
+    Q_OBJECT
+    Q_CLASSINFO("Interface", "_Kelochameleon")
+    Q_CLASSINFO("EventInterface", "__Kelochameleon")
+    Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
+    Q_CLASSINFO("Help:ColorMinimum", "The mimumum RGB value for the color settings")
+    Q_CLASSINFO("Help:ColorMaximum", "The maximum value for the RGB color setting")
+    Q_CLASSINFO("Help:ColorStepRate", "The maximum rate at which the color changes for each step")
+    Q_CLASSINFO(
+        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
+    Q_CLASSINFO("Help:BackgroundStyle", "Style to be set for the background of the form and controls")
+    Q_CLASSINFO("Help:WandStyle", "Style to be used for the wand")
+    Q_CLASSINFO("Help:NewBackColor", "Background colour to be set for all controls")
+    Q_CLASSINFO("Help:Interval", "Interval for the color step.")
+    Q_CLASSINFO("Help:FontStyle", "The style of font to be applied to the form.")
+    Q_CLASSINFO("Help:NewFont", "New font to replace font on form")
+    Q_CLASSINFO("Help:BackgroundPicture", "Picture to be displayed on the background of the form")
+    Q_CLASSINFO("Help:BackgroundPictureStyle", "Change the appearance of the background picture if used.")
+    Q_CLASSINFO("Help:ThemeName", "Name of the current theme")
+    Q_CLASSINFO("Help:ThemeIsUsed", "If set to TRUE a theme is read when the control is shown at run time.")
+    Q_CLASSINFO("Help:MouseIcon", "Sets a custom mouse icon.")
+    Q_CLASSINFO("Help:WandMovement", "Called from controls MouseMove event")
+
+    Q_PROPERTY(int ColorMinimum READ ColorMinimum WRITE setColorMinimum)
+    Q_PROPERTY(int ColorMaximum READ ColorMaximum WRITE setColorMaximum)
+    Q_PROPERTY(int ColorStepRate READ ColorStepRate WRITE setColorStepRate)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(Kelocontrols::keloBackgroundStyle BackgroundStyle READ BackgroundStyle WRITE setBackgroundStyle)
+    Q_PROPERTY(Kelocontrols::keloWandStyle WandStyle READ WandStyle WRITE setWandStyle)
+    Q_PROPERTY(uint NewBackColor READ NewBackColor WRITE setNewBackColor)
+    Q_PROPERTY(int Interval READ Interval WRITE setInterval)
+    Q_PROPERTY(Kelocontrols::keloFontStyle FontStyle READ FontStyle WRITE setFontStyle)
+    Q_PROPERTY(QFont NewFont READ NewFont WRITE setNewFont)
+    Q_PROPERTY(QString BackgroundPicture READ BackgroundPicture WRITE setBackgroundPicture)
+    Q_PROPERTY(Kelocontrols::keloPictureStyle BackgroundPictureStyle READ BackgroundPictureStyle WRITE
+            setBackgroundPictureStyle)
+    Q_PROPERTY(QString ThemeName READ ThemeName WRITE setThemeName)
+    Q_PROPERTY(bool ThemeIsUsed READ ThemeIsUsed WRITE setThemeIsUsed)
+    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+
+public:
+    /// The period of `Timer1`, in milliseconds.
+    static constexpr int TimerInterval = 100;
+    /// The side of the design-time face, in pixels.
+    static constexpr int FaceSize = 16;
+
+    explicit Kelochameleon(QWidget *parent = nullptr);
+    ~Kelochameleon() override;
+
+    /// 0 to ColorMaximum: a lower value becomes 0, a higher one ColorMaximum. @throws RuntimeError 6 beyond 16 bits
+    int ColorMinimum() const { return m_range.minimum; }
+    void setColorMinimum(int value);
+    /// ColorMinimum to 255: a lower value becomes ColorMinimum, a higher one 255. @throws RuntimeError 6 beyond 16 bits
+    int ColorMaximum() const { return m_range.maximum; }
+    void setColorMaximum(int value);
+    /// 0 to 255. @throws RuntimeError 6 beyond 16 bits
+    int ColorStepRate() const { return m_range.stepRate; }
+    void setColorStepRate(int value);
+
+    bool Enabled() const;
+    /// Turns the styling on or off; in a designer the face is crossed out while disabled.
+    void setEnabled(bool enabled);
+
+    Kelocontrols::keloBackgroundStyle BackgroundStyle() const
+    {
+        return Kelocontrols::keloBackgroundStyle(m_backgroundStyle);
+    }
+    void setBackgroundStyle(Kelocontrols::keloBackgroundStyle style);
+    Kelocontrols::keloWandStyle WandStyle() const { return Kelocontrols::keloWandStyle(m_wandStyle); }
+    void setWandStyle(Kelocontrols::keloWandStyle style);
+    /// The colour of `FixedColor`, an OLE colour (system colours allowed).
+    Kelocontrols::OleColor NewBackColor() const { return m_newBackColor; }
+    void setNewBackColor(Kelocontrols::OleColor color);
+    /// Milliseconds between two colour steps. @throws RuntimeError 6 beyond 16 bits
+    int Interval() const { return m_interval; }
+    void setInterval(int milliseconds);
+    Kelocontrols::keloFontStyle FontStyle() const { return Kelocontrols::keloFontStyle(m_fontStyle); }
+    void setFontStyle(Kelocontrols::keloFontStyle style);
+    QFont NewFont() const { return m_newFont; }
+    void setNewFont(const QFont &font);
+    /// The path of the picture file of the `Picture` style.
+    QString BackgroundPicture() const { return m_backgroundPicture; }
+    void setBackgroundPicture(const QString &path);
+    Kelocontrols::keloPictureStyle BackgroundPictureStyle() const
+    {
+        return Kelocontrols::keloPictureStyle(m_backgroundPictureStyle);
+    }
+    void setBackgroundPictureStyle(Kelocontrols::keloPictureStyle style);
+    QString ThemeName() const { return m_themeName; }
+    void setThemeName(const QString &name);
+    bool ThemeIsUsed() const { return m_themeIsUsed; }
+    void setThemeIsUsed(bool used);
+    QPixmap MouseIcon() const { return m_mouseIcon; }
+    /// Sets the control's own mouse cursor (a null picture restores the default one).
+    void setMouseIcon(const QPixmap &icon);
+
+    /**
+     * Applies everything again, as when the form is shown.
+     * @throws RuntimeError 6 when unclamped colour bounds (loaded from a
+     *         saved control) overflow the 16-bit range.
+     */
+    Q_INVOKABLE void Refresh();
+
+    /**
+     * Feeds the wand a mouse movement over @p MyControl (a form, a picture
+     * box, any widget) at (@p X, @p Y) in that surface's own scale; call it
+     * from the surface's MouseMove handler. Does nothing while disabled.
+     * @throws RuntimeError 91 / 438 when an element starts on a surface
+     *         that cannot be drawn on.
+     */
+    Q_INVOKABLE void WandMovement(QObject *MyControl, float X, float Y);
+
+    /// The drifting colour's state.
+    const Kelocontrols::ColorEngine &colorEngine() const { return m_engine; }
+    /// The colour the chameleon last gave the form (the control's own background).
+    Kelocontrols::OleColor backColor() const { return m_backColor; }
+    /// The background picture as painted on the form.
+    const Kelocontrols::FormPictureLayer &pictureLayer() const { return *m_pictureLayer; }
+
+    const Kelocontrols::PropertyTableBase &propertyTable() const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void propertiesLoaded() override;
+    void userModeChanged() override;
+    void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private Q_SLOTS:
+    void onTimer1Tick();
+
+private:
+    static const Kelocontrols::PropertyTable<Kelochameleon> &table();
+
+    void applyModeSize();
+    void runShow();
+    void applyBackground(bool fromTimer);
+    void setColour(Kelocontrols::OleColor colour);
+    void applyFont();
+    void drawPicture();
+    void watchForm();
+    void trackMouse();
+    void paintFace(QPainter &painter) const;
+
+    Kelocontrols::PictureBox *m_picBackground;
+    QTimer *m_timer1;
+    Kelocontrols::FormPictureLayer *m_pictureLayer;
+    QPointer<QWidget> m_watchedForm;
+
+    bool m_themeIsUsed = false;
+    QString m_themeName;
+    QString m_backgroundPicture;
+    int m_backgroundPictureStyle = 0;
+    QFont m_newFont;
+    int m_fontStyle = 0;
+    qint16 m_interval = 1000;
+    int m_backgroundStyle = 0;
+    int m_wandStyle = 0;
+    Kelocontrols::OleColor m_newBackColor = 0;
+    Kelocontrols::ColorRange m_range;
+    QPixmap m_mouseIcon;
+
+    Kelocontrols::OleColor m_backColor = 0x8000000F;
+    Kelocontrols::ColorEngine m_engine;
+};

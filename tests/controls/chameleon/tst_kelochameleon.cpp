@@ -1,0 +1,902 @@
+#include "ColorEngine.h"
+#include "ControlAccess.h"
+#include "FormPictureLayer.h"
+#include "Kelochameleon.h"
+#include "KeloscoreCard.h"
+#include "PropertyBag.h"
+#include "Random.h"
+#include "RuntimeError.h"
+#include "WandPool.h"
+
+#include <QBuffer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMetaClassInfo>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QUiLoader>
+
+#include <functional>
+#include <memory>
+
+using namespace Kelocontrols;
+
+namespace {
+
+const QStringList PersistedOrder{"ColorMinimum", "ColorMaximum", "ColorStepRate", "Enabled", "BackgroundStyle",
+    "WandStyle", "NewBackColor", "Interval", "FontStyle", "NewFont", "BackgroundPicture", "BackgroundPictureStyle",
+    "ThemeName", "ThemeIsUsed", "MouseIcon"};
+
+QColor qColorOf(OleColor colour)
+{
+    return QColor(int(colour & 0xFF), int((colour >> 8) & 0xFF), int((colour >> 16) & 0xFF));
+}
+
+int errorNumberOf(const std::function<void()> &call)
+{
+    try {
+        call();
+    } catch (const RuntimeError &error) {
+        return error.number();
+    }
+    return 0;
+}
+
+void tick(Kelochameleon *chameleon, int times = 1)
+{
+    auto *timer = chameleon->findChild<QTimer *>(QStringLiteral("Timer1"));
+    QVERIFY(timer);
+    for (int i = 0; i < times; ++i) {
+        QVERIFY(QMetaObject::invokeMethod(timer, "timeout"));
+    }
+}
+
+QColor windowColour(const QWidget *widget)
+{
+    return widget->palette().color(QPalette::Window);
+}
+
+// A picture of 100 x 100 pixels: red, with a blue top-left pixel that marks
+// where each copy begins.
+QString writeMarkedPicture(const QTemporaryDir &dir)
+{
+    QImage image(100, 100, QImage::Format_RGB32);
+    image.fill(QColor(255, 0, 0));
+    image.setPixelColor(0, 0, QColor(0, 0, 255));
+    const QString path = dir.filePath(QStringLiteral("marked.png"));
+    image.save(path);
+    return path;
+}
+
+bool isMarker(const QImage &image, int x, int y)
+{
+    return image.pixelColor(x, y) == QColor(0, 0, 255);
+}
+
+// A form as the tests build it: a fixed size, shown offscreen.
+struct Form
+{
+    std::unique_ptr<QWidget> widget = std::make_unique<QWidget>();
+    Kelochameleon *chameleon = nullptr;
+
+    Form()
+    {
+        widget->resize(250, 250);
+        chameleon = new Kelochameleon(widget.get());
+        chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    }
+};
+
+class ChameleonUiLoader : public QUiLoader
+{
+public:
+    QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override
+    {
+        if (className == QLatin1String("Kelochameleon")) {
+            auto *chameleon = new Kelochameleon(parent);
+            chameleon->setObjectName(name);
+            return chameleon;
+        }
+        return QUiLoader::createWidget(className, parent, name);
+    }
+};
+
+const char FormFile[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<ui version="4.0">
+ <class>Form</class>
+ <widget class="QWidget" name="Form">
+  <property name="geometry"><rect><x>0</x><y>0</y><width>200</width><height>120</height></rect></property>
+  <widget class="QLabel" name="labName">
+   <property name="geometry"><rect><x>10</x><y>40</y><width>80</width><height>20</height></rect></property>
+   <property name="text"><string>Name</string></property>
+  </widget>
+  <widget class="QLineEdit" name="txtName">
+   <property name="geometry"><rect><x>100</x><y>40</y><width>80</width><height>20</height></rect></property>
+  </widget>
+  <widget class="Kelochameleon" name="Kelochameleon1">
+   <property name="geometry"><rect><x>10</x><y>10</y><width>32</width><height>32</height></rect></property>
+   <property name="BackgroundStyle"><enum>Kelocontrols::keloBackgroundStyle::FixedColor</enum></property>
+   <property name="NewBackColor"><UInt>6710886</UInt></property>
+   <property name="WandStyle"><enum>Starburst</enum></property>
+  </widget>
+ </widget>
+ <customwidgets>
+  <customwidget>
+   <class>Kelochameleon</class>
+   <extends>QWidget</extends>
+   <header>Kelochameleon.h</header>
+  </customwidget>
+ </customwidgets>
+ <resources/>
+ <connections/>
+</ui>
+)";
+
+std::unique_ptr<QWidget> loadForm()
+{
+    QByteArray text(FormFile);
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    ChameleonUiLoader loader;
+    return std::unique_ptr<QWidget>(loader.load(&buffer));
+}
+
+} // namespace
+
+class TestKelochameleon : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void defaultsAndPersistedOrder();
+    void writesOnlyWhatDiffersFromTheDefaults();
+    void loadingKeepsValuesUnclamped();
+    void colourBoundsClampInTheOrderTheyAreSet_data();
+    void colourBoundsClampInTheOrderTheyAreSet();
+    void everyWriteReportsItsExactName();
+    void helpStringsAreExact();
+    void designFaceIsSixteenPixelsAndCrossedWhenDisabled();
+    void runTimeSizeIsZero();
+    void showStartsTimer1OnlyWhenEnabled();
+    void disabledChameleonNeverTouchesTheForm();
+    void setColourStopsAtTheFirstControlWithoutBackColor();
+    void setColourSkipsOnlyTheChameleonsOwnName();
+    void systemDefaultUsesTheButtonFace();
+    void applyFontSkipsTheTimer();
+    void variedColourStartsFromTheFixedSequence();
+    void intervalRoundsUpToWholeTicks_data();
+    void intervalRoundsUpToWholeTicks();
+    void ticksChangeOnlyTheVariedColour();
+    void tiledPictureCoversTheFormAndSurvivesRepaints();
+    void placedPictureAndTheNextFullApply();
+    void pictureStyleNoneOrMissingFile();
+    void refreshReportsOverflowOfUnclampedBounds();
+    void aChameleonWithoutAFormStylesNothing();
+    void mouseIconIsTheControlsCursor();
+    void wandFollowsTheMouseOverTheForm();
+    void formFileLoadedAtRunTimeIsStyled();
+    void formFileLoadedInDesignModeShowsTheFace();
+};
+
+void TestKelochameleon::init()
+{
+    resetRandomGenerator();
+}
+
+void TestKelochameleon::cleanup()
+{
+    WandPool::shared().reset();
+    resetRandomGenerator();
+}
+
+void TestKelochameleon::defaultsAndPersistedOrder()
+{
+    QWidget form;
+    form.setFont(QFont(QStringLiteral("DejaVu Serif"), 13));
+    Kelochameleon chameleon(&form);
+    QCOMPARE(chameleon.ColorMinimum(), 0);
+    QCOMPARE(chameleon.ColorMaximum(), 255);
+    QCOMPARE(chameleon.ColorStepRate(), 10);
+    QVERIFY(chameleon.Enabled());
+    QCOMPARE(chameleon.BackgroundStyle(), keloBackgroundStyle::None);
+    QCOMPARE(chameleon.WandStyle(), keloWandStyle::None);
+    QCOMPARE(chameleon.NewBackColor(), OleColor(0));
+    QCOMPARE(chameleon.Interval(), 1000);
+    QCOMPARE(chameleon.FontStyle(), keloFontStyle::None);
+    QCOMPARE(chameleon.NewFont(), form.font());
+    QCOMPARE(chameleon.BackgroundPicture(), QString());
+    QCOMPARE(chameleon.BackgroundPictureStyle(), keloPictureStyle::None);
+    QCOMPARE(chameleon.ThemeName(), QStringLiteral("DefaultTheme"));
+    QVERIFY(!chameleon.ThemeIsUsed());
+    QVERIFY(chameleon.MouseIcon().isNull());
+
+    QCOMPARE(chameleon.propertyTable().readOrder(), PersistedOrder);
+    QCOMPARE(chameleon.propertyTable().writeOrder(), PersistedOrder);
+
+    auto *timer = chameleon.findChild<QTimer *>(QStringLiteral("Timer1"));
+    QVERIFY(timer);
+    QCOMPARE(timer->interval(), 100);
+    QVERIFY(chameleon.findChild<QWidget *>(QStringLiteral("picBackground")));
+}
+
+void TestKelochameleon::writesOnlyWhatDiffersFromTheDefaults()
+{
+    QWidget form;
+    Kelochameleon chameleon(&form);
+    PropertyBag empty;
+    chameleon.WriteProperties(empty);
+    QVERIFY(empty.isEmpty());
+
+    QPixmap icon(8, 8);
+    icon.fill(Qt::green);
+    chameleon.setMouseIcon(icon);
+    chameleon.setThemeIsUsed(true);
+    chameleon.setThemeName(QString());
+    chameleon.setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    chameleon.setBackgroundPicture(QStringLiteral("/pictures/tile.png"));
+    chameleon.setNewFont(QFont(QStringLiteral("DejaVu Sans Mono"), 9));
+    chameleon.setFontStyle(keloFontStyle::ChangeFont);
+    chameleon.setInterval(500);
+    chameleon.setNewBackColor(0x8000000F);
+    chameleon.setWandStyle(keloWandStyle::Lightning);
+    chameleon.setBackgroundStyle(keloBackgroundStyle::Picture);
+    chameleon.setEnabled(false);
+    chameleon.setColorStepRate(3);
+    chameleon.setColorMaximum(200);
+    chameleon.setColorMinimum(50);
+
+    PropertyBag bag;
+    chameleon.WriteProperties(bag);
+    QCOMPARE(bag.names(), PersistedOrder);
+
+    // Through the text form and back into a fresh control.
+    const PropertyBag reread = PropertyBag::fromText(bag.toText());
+    Kelochameleon copy(&form);
+    copy.ReadProperties(reread);
+    QCOMPARE(copy.ColorMinimum(), 50);
+    QCOMPARE(copy.ColorMaximum(), 200);
+    QCOMPARE(copy.ColorStepRate(), 3);
+    QVERIFY(!copy.Enabled());
+    QCOMPARE(copy.BackgroundStyle(), keloBackgroundStyle::Picture);
+    QCOMPARE(copy.WandStyle(), keloWandStyle::Lightning);
+    QCOMPARE(copy.NewBackColor(), OleColor(0x8000000F));
+    QCOMPARE(copy.Interval(), 500);
+    QCOMPARE(copy.FontStyle(), keloFontStyle::ChangeFont);
+    QCOMPARE(copy.NewFont(), QFont(QStringLiteral("DejaVu Sans Mono"), 9));
+    QCOMPARE(copy.BackgroundPicture(), QStringLiteral("/pictures/tile.png"));
+    QCOMPARE(copy.BackgroundPictureStyle(), keloPictureStyle::Tiled);
+    QCOMPARE(copy.ThemeName(), QString());
+    QVERIFY(copy.ThemeIsUsed());
+    QCOMPARE(copy.MouseIcon().toImage(), icon.toImage());
+    PropertyBag again;
+    copy.WriteProperties(again);
+    QCOMPARE(again, reread);
+}
+
+void TestKelochameleon::loadingKeepsValuesUnclamped()
+{
+    QWidget form;
+    Kelochameleon chameleon(&form);
+    PropertyBag bag;
+    bag.WriteProperty(QStringLiteral("ColorMinimum"), 200);
+    bag.WriteProperty(QStringLiteral("ColorMaximum"), 100);
+    bag.WriteProperty(QStringLiteral("ColorStepRate"), 999);
+    bag.WriteProperty(QStringLiteral("BackgroundStyle"), 7);
+    bag.WriteProperty(QStringLiteral("NewBackColor"), -2147483643);
+    chameleon.ReadProperties(bag);
+    QCOMPARE(chameleon.ColorMinimum(), 200);
+    QCOMPARE(chameleon.ColorMaximum(), 100);
+    QCOMPARE(chameleon.ColorStepRate(), 999);
+    QCOMPARE(int(chameleon.BackgroundStyle()), 7);
+    QCOMPARE(chameleon.NewBackColor(), OleColor(0x80000005));
+
+    PropertyBag bad;
+    bad.WriteProperty(QStringLiteral("Interval"), QStringLiteral("soon"));
+    QCOMPARE(errorNumberOf([&] { chameleon.ReadProperties(bad); }), ErrorNumber::TypeMismatch);
+    PropertyBag tooBig;
+    tooBig.WriteProperty(QStringLiteral("ColorMaximum"), 70000);
+    QCOMPARE(errorNumberOf([&] { chameleon.ReadProperties(tooBig); }), ErrorNumber::Overflow);
+    PropertyBag notAFont;
+    notAFont.WriteProperty(QStringLiteral("NewFont"), 12);
+    QCOMPARE(errorNumberOf([&] { chameleon.ReadProperties(notAFont); }), ErrorNumber::TypeMismatch);
+}
+
+void TestKelochameleon::colourBoundsClampInTheOrderTheyAreSet_data()
+{
+    QTest::addColumn<QStringList>("writes");
+    QTest::addColumn<int>("minimum");
+    QTest::addColumn<int>("maximum");
+    QTest::addColumn<int>("stepRate");
+
+    QTest::newRow("minimum 300 under maximum 255") << QStringList{"ColorMinimum=300"} << 255 << 255 << 10;
+    QTest::newRow("maximum -5 over minimum 0") << QStringList{"ColorMaximum=-5"} << 0 << 0 << 10;
+    QTest::newRow("step rate 1000") << QStringList{"ColorStepRate=1000"} << 0 << 255 << 255;
+    QTest::newRow("step rate -1") << QStringList{"ColorStepRate=-1"} << 0 << 255 << 0;
+    QTest::newRow("minimum -10") << QStringList{"ColorMinimum=-10"} << 0 << 255 << 10;
+    QTest::newRow("maximum 999") << QStringList{"ColorMaximum=999"} << 0 << 255 << 10;
+    QTest::newRow("maximum first, then minimum above it")
+        << QStringList{"ColorMaximum=100", "ColorMinimum=150"} << 100 << 100 << 10;
+    QTest::newRow("minimum first, then maximum below it")
+        << QStringList{"ColorMinimum=150", "ColorMaximum=100"} << 150 << 150 << 10;
+    QTest::newRow("maximum, minimum, maximum again")
+        << QStringList{"ColorMaximum=100", "ColorMinimum=150", "ColorMaximum=200", "ColorMinimum=150"} << 150 << 200
+        << 10;
+}
+
+void TestKelochameleon::colourBoundsClampInTheOrderTheyAreSet()
+{
+    QFETCH(QStringList, writes);
+    QFETCH(int, minimum);
+    QFETCH(int, maximum);
+    QFETCH(int, stepRate);
+
+    QWidget form;
+    Kelochameleon chameleon(&form);
+    for (const QString &write : writes) {
+        const QStringList parts = write.split(QLatin1Char('='));
+        QVERIFY(chameleon.setProperty(parts.at(0).toLatin1().constData(), parts.at(1).toInt()));
+    }
+    QCOMPARE(chameleon.ColorMinimum(), minimum);
+    QCOMPARE(chameleon.ColorMaximum(), maximum);
+    QCOMPARE(chameleon.ColorStepRate(), stepRate);
+
+    // Beyond 16 bits the value cannot even be an Integer.
+    QCOMPARE(errorNumberOf([&] { chameleon.setColorMinimum(40000); }), ErrorNumber::Overflow);
+    QCOMPARE(errorNumberOf([&] { chameleon.setInterval(-40000); }), ErrorNumber::Overflow);
+    QCOMPARE(chameleon.ColorMinimum(), minimum);
+}
+
+void TestKelochameleon::everyWriteReportsItsExactName()
+{
+    QWidget form;
+    Kelochameleon chameleon(&form);
+    QSignalSpy spy(&chameleon, &Kelochameleon::PropertyChanged);
+    const QList<QPair<const char *, QVariant>> writes{{"ColorMinimum", 10}, {"ColorMaximum", 20}, {"ColorStepRate", 5},
+        {"Enabled", false}, {"BackgroundStyle", 3}, {"WandStyle", 2}, {"NewBackColor", uint(0x123456)},
+        {"Interval", 1500}, {"FontStyle", 1}, {"NewFont", QFont()}, {"BackgroundPicture", QStringLiteral("a.png")},
+        {"BackgroundPictureStyle", 8}, {"ThemeName", "Dusk"}, {"ThemeIsUsed", true}, {"MouseIcon", QPixmap()}};
+    for (const auto &[name, value] : writes) {
+        QVERIFY2(chameleon.setProperty(name, value), name);
+    }
+    QCOMPARE(spy.count(), writes.size());
+    for (int i = 0; i < writes.size(); ++i) {
+        QCOMPARE(spy.at(i).at(0).toString(), QString::fromLatin1(writes.at(i).first));
+    }
+    // Late-bound enumerations take plain numbers.
+    QCOMPARE(chameleon.BackgroundStyle(), keloBackgroundStyle::VariedColor);
+    QCOMPARE(chameleon.WandStyle(), keloWandStyle::Ripples);
+    QCOMPARE(chameleon.BackgroundPictureStyle(), keloPictureStyle::Tiled);
+    QCOMPARE(chameleon.property("NewBackColor").toUInt(), 0x123456u);
+}
+
+void TestKelochameleon::helpStringsAreExact()
+{
+    const QMetaObject &meta = Kelochameleon::staticMetaObject;
+    const auto help = [&](const char *member) {
+        const int i = meta.indexOfClassInfo(QByteArray("Help:").append(member).constData());
+        return i < 0 ? QString() : QString::fromLatin1(meta.classInfo(i).value());
+    };
+    QCOMPARE(help("ColorMinimum"), QStringLiteral("The mimumum RGB value for the color settings"));
+    QCOMPARE(help("ColorMaximum"), QStringLiteral("The maximum value for the RGB color setting"));
+    QCOMPARE(help("ColorStepRate"), QStringLiteral("The maximum rate at which the color changes for each step"));
+    QCOMPARE(help("Enabled"),
+        QStringLiteral("Returns/sets a value that determines whether an object can respond to user-generated events."));
+    QCOMPARE(help("BackgroundStyle"), QStringLiteral("Style to be set for the background of the form and controls"));
+    QCOMPARE(help("WandStyle"), QStringLiteral("Style to be used for the wand"));
+    QCOMPARE(help("NewBackColor"), QStringLiteral("Background colour to be set for all controls"));
+    QCOMPARE(help("Interval"), QStringLiteral("Interval for the color step."));
+    QCOMPARE(help("FontStyle"), QStringLiteral("The style of font to be applied to the form."));
+    QCOMPARE(help("NewFont"), QStringLiteral("New font to replace font on form"));
+    QCOMPARE(help("BackgroundPicture"), QStringLiteral("Picture to be displayed on the background of the form"));
+    QCOMPARE(
+        help("BackgroundPictureStyle"), QStringLiteral("Change the appearance of the background picture if used."));
+    QCOMPARE(help("ThemeName"), QStringLiteral("Name of the current theme"));
+    QCOMPARE(
+        help("ThemeIsUsed"), QStringLiteral("If set to TRUE a theme is read when the control is shown at run time."));
+    QCOMPARE(help("MouseIcon"), QStringLiteral("Sets a custom mouse icon."));
+    QCOMPARE(help("WandMovement"), QStringLiteral("Called from controls MouseMove event"));
+    for (const QString &name : PersistedOrder) {
+        QVERIFY2(meta.indexOfProperty(name.toLatin1().constData()) >= 0, qPrintable(name));
+    }
+    QVERIFY(meta.indexOfMethod("Refresh()") >= 0);
+    QVERIFY(meta.indexOfMethod("WandMovement(QObject*,float,float)") >= 0);
+}
+
+void TestKelochameleon::designFaceIsSixteenPixelsAndCrossedWhenDisabled()
+{
+    QWidget form;
+    form.resize(100, 100);
+    Kelochameleon *chameleon = nullptr;
+    {
+        ControlBase::DesignModeScope designer;
+        chameleon = new Kelochameleon(&form);
+    }
+    QVERIFY(!chameleon->UserMode());
+    chameleon->setGeometry(10, 10, 50, 40);
+    QCOMPARE(chameleon->size(), QSize(16, 16));
+    QCOMPARE(chameleon->sizeHint(), QSize(16, 16));
+    form.show();
+    QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+
+    const QColor red(255, 0, 0);
+    QImage face = chameleon->grab().toImage();
+    QCOMPARE(face.size(), QSize(16, 16));
+    QVERIFY(face.pixelColor(0, 0) != red);
+    QVERIFY(face.pixelColor(15, 15) != red);
+
+    chameleon->setEnabled(false);
+    face = chameleon->grab().toImage();
+    for (int i = 0; i < 16; ++i) {
+        QCOMPARE(face.pixelColor(i, i), red);
+        QCOMPARE(face.pixelColor(i, 15 - i), red);
+    }
+    QVERIFY(face.pixelColor(8, 2) != red);
+    // Showing again in design mode keeps the timer off and the form untouched.
+    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    chameleon->Refresh();
+    QVERIFY(!form.autoFillBackground());
+    QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+
+    // Switched to run mode it takes no room.
+    chameleon->setUserMode(true);
+    QCOMPARE(chameleon->size(), QSize(0, 0));
+}
+
+void TestKelochameleon::runTimeSizeIsZero()
+{
+    Form form;
+    form.chameleon->setGeometry(5, 5, 120, 80);
+    form.widget->show();
+    QCOMPARE(form.chameleon->size(), QSize(0, 0));
+    QCOMPARE(form.chameleon->sizeHint(), QSize(0, 0));
+}
+
+void TestKelochameleon::showStartsTimer1OnlyWhenEnabled()
+{
+    Form form;
+    auto *timer = form.chameleon->findChild<QTimer *>(QStringLiteral("Timer1"));
+    QVERIFY(!timer->isActive());
+    form.widget->show();
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 100);
+    form.chameleon->setEnabled(false);
+    QVERIFY(timer->isActive());
+    form.chameleon->Refresh();
+    QVERIFY(!timer->isActive());
+    form.chameleon->setEnabled(true);
+    form.chameleon->Refresh();
+    QVERIFY(timer->isActive());
+    delete form.chameleon;
+}
+
+void TestKelochameleon::disabledChameleonNeverTouchesTheForm()
+{
+    Form form;
+    auto *label = new QLabel(QStringLiteral("Name"), form.widget.get());
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00336699);
+    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
+    form.chameleon->setNewFont(QFont(QStringLiteral("DejaVu Serif"), 30));
+    form.chameleon->setEnabled(false);
+    const QFont labelFont = label->font();
+    form.widget->show();
+    tick(form.chameleon, 20);
+    QVERIFY(!form.widget->autoFillBackground());
+    QVERIFY(!label->autoFillBackground());
+    QCOMPARE(label->font(), labelFont);
+    QVERIFY(!form.chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+}
+
+void TestKelochameleon::setColourStopsAtTheFirstControlWithoutBackColor()
+{
+    Form form;
+    QWidget *f = form.widget.get();
+    auto *text = new QLineEdit(f);
+    auto *label = new QLabel(QStringLiteral("Name"), f);
+    auto *card = new KeloscoreCard(f);
+    auto *timer = new QTimer(f);
+    auto *late = new QLabel(QStringLiteral("After the timer"), f);
+    auto *lateCard = new KeloscoreCard(f);
+    Q_UNUSED(timer);
+    text->setGeometry(10, 10, 100, 24);
+    label->setGeometry(10, 50, 100, 24);
+    late->setGeometry(10, 90, 100, 24);
+    card->move(150, 10);
+    lateCard->move(150, 90);
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00336699);
+    form.widget->show();
+
+    const QColor colour = qColorOf(0x00336699);
+    QCOMPARE(form.chameleon->backColor(), OleColor(0x00336699));
+    QCOMPARE(windowColour(f), colour);
+    QVERIFY(f->autoFillBackground());
+    QCOMPARE(ControlAccess::backColor(text), ControlAccess::WindowBackground);
+    QCOMPARE(ControlAccess::backColor(label), OleColor(0x00336699));
+    QVERIFY(label->autoFillBackground());
+    QCOMPARE(card->BackColor(), OleColor(0x00336699));
+    // The timer ended the pass.
+    QVERIFY(!late->autoFillBackground());
+    QCOMPARE(ControlAccess::backColor(late), ControlAccess::ButtonFace);
+    QCOMPARE(lateCard->BackColor(), OleColor(0x8000000F));
+
+    // What the form shows: the text box keeps its white face.
+    const QImage shot = f->grab().toImage();
+    QCOMPARE(shot.pixelColor(label->geometry().topRight() + QPoint(-2, 2)), colour);
+    QCOMPARE(shot.pixelColor(text->geometry().topRight() + QPoint(-4, 4)), text->palette().color(QPalette::Base));
+    QCOMPARE(shot.pixelColor(f->width() - 2, f->height() - 2), colour);
+}
+
+void TestKelochameleon::setColourSkipsOnlyTheChameleonsOwnName()
+{
+    Form form;
+    QWidget *f = form.widget.get();
+    auto *namesake = new QLabel(f);
+    namesake->setObjectName(QStringLiteral("Kelochameleon1"));
+    auto *unnamed = new QLabel(f);
+    auto *other = new QLabel(f);
+    other->setObjectName(QStringLiteral("labOther"));
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00010203);
+    form.widget->show();
+    QVERIFY(!namesake->autoFillBackground());
+    QCOMPARE(ControlAccess::backColor(unnamed), OleColor(0x00010203));
+    QCOMPARE(ControlAccess::backColor(other), OleColor(0x00010203));
+
+    // An unnamed chameleon is told apart from unnamed controls by identity.
+    Form second;
+    second.chameleon->setObjectName(QString());
+    auto *plain = new QLabel(second.widget.get());
+    second.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    second.chameleon->setNewBackColor(0x00040506);
+    second.widget->show();
+    QCOMPARE(ControlAccess::backColor(plain), OleColor(0x00040506));
+}
+
+void TestKelochameleon::systemDefaultUsesTheButtonFace()
+{
+    Form form;
+    auto *label = new QLabel(form.widget.get());
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::SystemDefault);
+    form.widget->show();
+    QCOMPARE(form.chameleon->backColor(), ControlAccess::ButtonFace);
+    QCOMPARE(windowColour(label), toQColor(ControlAccess::ButtonFace));
+    QVERIFY(label->autoFillBackground());
+    QVERIFY(!WandPool::shared().pictureMode());
+}
+
+void TestKelochameleon::applyFontSkipsTheTimer()
+{
+    Form form;
+    QWidget *f = form.widget.get();
+    auto *first = new QLabel(f);
+    auto *timer = new QTimer(f);
+    auto *second = new QLabel(f);
+    auto *card = new KeloscoreCard(f);
+    Q_UNUSED(timer);
+    const QFont font(QStringLiteral("DejaVu Serif"), 19, QFont::Bold);
+    form.chameleon->setNewFont(font);
+    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
+    form.widget->show();
+    QCOMPARE(f->font(), font);
+    QCOMPARE(first->font(), font);
+    QCOMPARE(second->font(), font);
+    QCOMPARE(card->Font(), font);
+
+    // Any other style changes nothing, and restores nothing.
+    form.chameleon->setNewFont(QFont(QStringLiteral("DejaVu Sans"), 7));
+    form.chameleon->setFontStyle(keloFontStyle::None);
+    form.chameleon->Refresh();
+    QCOMPARE(second->font(), font);
+    QCOMPARE(card->Font(), font);
+}
+
+void TestKelochameleon::variedColourStartsFromTheFixedSequence()
+{
+    Form form;
+    auto *label = new QLabel(form.widget.get());
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::VariedColor);
+    form.chameleon->setColorMinimum(40);
+    form.chameleon->setColorMaximum(220);
+    form.chameleon->setColorStepRate(25);
+
+    ColorEngine reference;
+    const ColorRange range{40, 220, 25};
+    reference.seed(range);
+    const OleColor first = reference.step(range);
+    const OleColor second = reference.step(range);
+    resetRandomGenerator();
+
+    form.widget->show();
+    QCOMPARE(form.chameleon->backColor(), first);
+    QCOMPARE(windowColour(form.widget.get()), qColorOf(first));
+    QCOMPARE(windowColour(label), qColorOf(first));
+    tick(form.chameleon, 9);
+    QCOMPARE(form.chameleon->backColor(), first);
+    tick(form.chameleon);
+    QCOMPARE(form.chameleon->backColor(), second);
+    QCOMPARE(windowColour(label), qColorOf(second));
+
+    // Equal bounds: grey for ever.
+    form.chameleon->setColorMinimum(128);
+    form.chameleon->setColorMaximum(128);
+    form.chameleon->setInterval(0);
+    form.chameleon->Refresh();
+    for (int i = 0; i < 30; ++i) {
+        tick(form.chameleon);
+        QCOMPARE(form.chameleon->backColor(), OleColor(0x00808080));
+    }
+}
+
+void TestKelochameleon::intervalRoundsUpToWholeTicks_data()
+{
+    QTest::addColumn<int>("interval");
+    QTest::addColumn<QList<int>>("changes");
+    QTest::newRow("1000") << 1000 << QList<int>{10, 20, 30};
+    QTest::newRow("1050") << 1050 << QList<int>{11, 22, 33};
+    QTest::newRow("50") << 50 << QList<int>{1, 2, 3};
+    QTest::newRow("0") << 0 << QList<int>{1, 2, 3};
+}
+
+void TestKelochameleon::intervalRoundsUpToWholeTicks()
+{
+    QFETCH(int, interval);
+    QFETCH(QList<int>, changes);
+    Form form;
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::VariedColor);
+    form.chameleon->setInterval(interval);
+    form.widget->show();
+    // The elapsed time is kept across shows: start counting from a step.
+    while (form.chameleon->colorEngine().elapsed() != 0) {
+        tick(form.chameleon);
+    }
+    QList<int> seen;
+    OleColor last = form.chameleon->backColor();
+    for (int n = 1; n <= 33 && seen.size() < changes.size(); ++n) {
+        tick(form.chameleon);
+        if (form.chameleon->backColor() != last) {
+            seen << n;
+            last = form.chameleon->backColor();
+        }
+    }
+    QCOMPARE(seen, changes);
+}
+
+void TestKelochameleon::ticksChangeOnlyTheVariedColour()
+{
+    Form form;
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00204060);
+    form.chameleon->setInterval(0);
+    form.widget->show();
+    QPalette own = form.widget->palette();
+    own.setColor(QPalette::Window, Qt::yellow);
+    form.widget->setPalette(own);
+    tick(form.chameleon, 15);
+    QCOMPARE(windowColour(form.widget.get()), QColor(Qt::yellow));
+    QCOMPARE(form.chameleon->backColor(), OleColor(0x00204060));
+}
+
+void TestKelochameleon::tiledPictureCoversTheFormAndSurvivesRepaints()
+{
+    QTemporaryDir dir;
+    Form form;
+    auto *label = new QLabel(QStringLiteral("On the picture"), form.widget.get());
+    label->setGeometry(110, 110, 30, 20);
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
+    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
+    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    form.widget->show();
+    QVERIFY(WandPool::shared().pictureMode());
+
+    // 100 x 100 pixels (1500 twips) on 250 x 250: three columns of three.
+    QCOMPARE(form.chameleon->pictureLayer().copies(), 9);
+    for (int pass = 0; pass < 2; ++pass) {
+        const QImage shot = form.widget->grab().toImage();
+        for (int x : {0, 100, 200}) {
+            for (int y : {0, 100, 200}) {
+                QVERIFY2(isMarker(shot, x, y), qPrintable(QStringLiteral("copy at %1,%2").arg(x).arg(y)));
+            }
+        }
+        QVERIFY(!isMarker(shot, 50, 50));
+        QCOMPARE(shot.pixelColor(249, 249), QColor(255, 0, 0));
+        form.widget->repaint();
+    }
+    // The picture stays on the surface; the form keeps its own colour below it.
+    QVERIFY(!form.widget->autoFillBackground());
+}
+
+void TestKelochameleon::placedPictureAndTheNextFullApply()
+{
+    QTemporaryDir dir;
+    Form form;
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
+    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
+    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::Center);
+    form.widget->setProperty("ScaleMode", 3);
+    form.widget->show();
+    QCOMPARE(form.chameleon->pictureLayer().copies(), 1);
+    QImage shot = form.widget->grab().toImage();
+    QVERIFY(isMarker(shot, 75, 75));
+    QCOMPARE(shot.pixelColor(174, 174), QColor(255, 0, 0));
+    QVERIFY(shot.pixelColor(176, 176) != QColor(255, 0, 0));
+    // The form's scale is put back once the picture is placed.
+    QCOMPARE(form.widget->property("ScaleMode").toInt(), 3);
+
+    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::BottomRight);
+    form.chameleon->Refresh();
+    shot = form.widget->grab().toImage();
+    QVERIFY(isMarker(shot, 150, 150));
+    QVERIFY(!isMarker(shot, 75, 75));
+
+    // The next full apply with another style clears the picture.
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00FF00);
+    form.chameleon->Refresh();
+    QCOMPARE(form.chameleon->pictureLayer().copies(), 0);
+    QVERIFY(!WandPool::shared().pictureMode());
+    shot = form.widget->grab().toImage();
+    QCOMPARE(shot.pixelColor(150, 150), QColor(0, 255, 0));
+    QCOMPARE(shot.pixelColor(200, 200), QColor(0, 255, 0));
+}
+
+void TestKelochameleon::pictureStyleNoneOrMissingFile()
+{
+    QTemporaryDir dir;
+    Form form;
+    form.widget->setProperty("ScaleMode", 3);
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
+    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
+    form.widget->show();
+    // No placement: nothing drawn, the form's scale not even touched.
+    QCOMPARE(form.chameleon->pictureLayer().copies(), 0);
+    QVERIFY(!isMarker(form.widget->grab().toImage(), 0, 0));
+    QCOMPARE(form.widget->property("ScaleMode").toInt(), 3);
+
+    // A missing file: nothing drawn, no error, and the form left in twips.
+    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::TopLeft);
+    form.chameleon->setBackgroundPicture(dir.filePath(QStringLiteral("missing.png")));
+    form.chameleon->Refresh();
+    QCOMPARE(form.chameleon->pictureLayer().copies(), 0);
+    QCOMPARE(form.widget->property("ScaleMode").toInt(), 1);
+
+    // A file that is not a picture, and an empty path, fail the same way.
+    QFile junk(dir.filePath(QStringLiteral("junk.png")));
+    QVERIFY(junk.open(QIODevice::WriteOnly));
+    junk.write("not a picture");
+    junk.close();
+    for (const QString &path : {junk.fileName(), QString()}) {
+        form.widget->setProperty("ScaleMode", 3);
+        form.chameleon->setBackgroundPicture(path);
+        form.chameleon->Refresh();
+        QCOMPARE(form.chameleon->pictureLayer().copies(), 0);
+        QCOMPARE(form.widget->property("ScaleMode").toInt(), 1);
+    }
+}
+
+void TestKelochameleon::refreshReportsOverflowOfUnclampedBounds()
+{
+    Form form;
+    PropertyBag bag;
+    bag.WriteProperty(QStringLiteral("ColorMinimum"), -32768);
+    bag.WriteProperty(QStringLiteral("ColorMaximum"), 32767);
+    bag.WriteProperty(QStringLiteral("BackgroundStyle"), 3);
+    form.chameleon->ReadProperties(bag);
+    QCOMPARE(errorNumberOf([&] { form.chameleon->Refresh(); }), ErrorNumber::Overflow);
+    QVERIFY(!form.widget->autoFillBackground());
+}
+
+void TestKelochameleon::aChameleonWithoutAFormStylesNothing()
+{
+    Kelochameleon chameleon;
+    chameleon.setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    chameleon.setNewBackColor(0x00123456);
+    chameleon.setFontStyle(keloFontStyle::ChangeFont);
+    chameleon.show();
+    // Its own colour is set; the form it lacks ends the pass quietly.
+    QCOMPARE(chameleon.backColor(), OleColor(0x00123456));
+    chameleon.setBackgroundStyle(keloBackgroundStyle::Picture);
+    chameleon.setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    chameleon.Refresh();
+    QCOMPARE(chameleon.pictureLayer().copies(), 0);
+    tick(&chameleon, 3);
+}
+
+void TestKelochameleon::mouseIconIsTheControlsCursor()
+{
+    QWidget form;
+    Kelochameleon chameleon(&form);
+    QPixmap icon(16, 16);
+    icon.fill(Qt::blue);
+    chameleon.setMouseIcon(icon);
+    QVERIFY(chameleon.testAttribute(Qt::WA_SetCursor));
+    QCOMPARE(chameleon.cursor().pixmap().toImage(), icon.toImage());
+    chameleon.setMouseIcon(QPixmap());
+    QVERIFY(!chameleon.testAttribute(Qt::WA_SetCursor));
+}
+
+void TestKelochameleon::wandFollowsTheMouseOverTheForm()
+{
+    Form form;
+    form.chameleon->setWandStyle(keloWandStyle::Ripples);
+    form.widget->setProperty("ScaleMode", 1);
+    form.widget->show();
+    QVERIFY(form.widget->hasMouseTracking());
+    WandPool &wand = WandPool::shared();
+    tick(form.chameleon);
+    QVERIFY(wand.mayStart());
+
+    QMouseEvent move(QEvent::MouseMove, QPointF(40, 50), form.widget->mapToGlobal(QPointF(40, 50)), Qt::NoButton,
+        Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(form.widget.get(), &move);
+    // Reported in the form's twips, drawn at the pointer's pixels.
+    QCOMPARE(wand.templateElement().surface.data(), form.widget.get());
+    QCOMPARE(wand.templateElement().x, 600.0f);
+    QCOMPARE(wand.templateElement().y, 750.0f);
+    QVERIFY(wand.element(20).isActive());
+    QCOMPARE(wand.element(20).x, 40.0f);
+    QCOMPARE(wand.element(20).y, 50.0f);
+    QCOMPARE(wand.element(20).style, keloWandStyle::Ripples);
+
+    // A disabled chameleon passes movements over.
+    form.chameleon->setEnabled(false);
+    tick(form.chameleon);
+    form.chameleon->WandMovement(form.widget.get(), 10, 10);
+    QCOMPARE(wand.activeCount(), 1);
+    QCOMPARE(errorNumberOf([&] {
+        form.chameleon->setEnabled(true);
+        form.chameleon->WandMovement(new QTimer(form.widget.get()), 10, 10);
+    }),
+        438);
+    wand.reset();
+}
+
+void TestKelochameleon::formFileLoadedAtRunTimeIsStyled()
+{
+    std::unique_ptr<QWidget> form = loadForm();
+    QVERIFY(form);
+    auto *chameleon = form->findChild<Kelochameleon *>(QStringLiteral("Kelochameleon1"));
+    QVERIFY(chameleon);
+    QVERIFY(chameleon->UserMode());
+    QCOMPARE(chameleon->BackgroundStyle(), keloBackgroundStyle::FixedColor);
+    QCOMPARE(chameleon->WandStyle(), keloWandStyle::Starburst);
+    QCOMPARE(chameleon->NewBackColor(), OleColor(6710886));
+    form->show();
+    QCOMPARE(chameleon->size(), QSize(0, 0));
+    const QColor colour = qColorOf(6710886);
+    QCOMPARE(windowColour(form.get()), colour);
+    auto *label = form->findChild<QLabel *>(QStringLiteral("labName"));
+    QCOMPARE(windowColour(label), colour);
+    QVERIFY(label->autoFillBackground());
+    auto *text = form->findChild<QLineEdit *>(QStringLiteral("txtName"));
+    QCOMPARE(ControlAccess::backColor(text), ControlAccess::WindowBackground);
+    QCOMPARE(form->grab().toImage().pixelColor(5, 100), colour);
+}
+
+void TestKelochameleon::formFileLoadedInDesignModeShowsTheFace()
+{
+    std::unique_ptr<QWidget> form;
+    {
+        ControlBase::DesignModeScope designer;
+        form = loadForm();
+    }
+    QVERIFY(form);
+    auto *chameleon = form->findChild<Kelochameleon *>(QStringLiteral("Kelochameleon1"));
+    QVERIFY(chameleon);
+    QVERIFY(!chameleon->UserMode());
+    form->show();
+    QCOMPARE(chameleon->geometry(), QRect(10, 10, 16, 16));
+    QVERIFY(!form->autoFillBackground());
+    QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+    QCOMPARE(chameleon->grab().size(), QSize(16, 16));
+}
+
+QTEST_MAIN(TestKelochameleon)
+#include "tst_kelochameleon.moc"
