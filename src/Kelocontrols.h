@@ -18,6 +18,7 @@
 #include "OleColor.h"
 #include "PictureBox.h"
 #include "PropertyBag.h"
+#include "PropertyValues.h"
 #include "Random.h"
 #include "Recordset.h"
 #include "RuntimeError.h"

@@ -5,6 +5,7 @@
 #include "FormPictureLayer.h"
 #include "PictureBox.h"
 #include "PicturePlacement.h"
+#include "PropertyValues.h"
 #include "RuntimeError.h"
 #include "WandPool.h"
 #include "WandSurface.h"
@@ -49,35 +50,6 @@ qint16 clampValue(int value, int lower, int upper)
         result = qint16(upper);
     }
     return result;
-}
-
-// A saved colour may come back as a signed or unsigned 32-bit number.
-OleColor colorFromVariant(const QVariant &value)
-{
-    const double number = CDbl(value);
-    if (number < -2147483648.0 || number > 4294967295.0) {
-        throw RuntimeError(ErrorNumber::Overflow);
-    }
-    return OleColor(qint64(number) & 0xFFFFFFFF);
-}
-
-QString textFromVariant(const QVariant &value)
-{
-    if (!value.isValid()) {
-        return QString();
-    }
-    if (!value.canConvert<QString>()) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.toString();
-}
-
-QFont fontFromVariant(const QVariant &value)
-{
-    if (value.typeId() != QMetaType::QFont) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.value<QFont>();
 }
 
 QPixmap pictureFromVariant(const QVariant &value)

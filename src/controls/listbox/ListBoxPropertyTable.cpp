@@ -2,6 +2,7 @@
 
 #include "Conversions.h"
 #include "KelolistBox.h"
+#include "PropertyValues.h"
 #include "RuntimeError.h"
 
 #include <QFont>
@@ -9,39 +10,6 @@
 #include <QWidget>
 
 namespace Kelocontrols {
-
-namespace {
-
-// A saved colour may come back as a signed or an unsigned 32-bit number.
-OleColor colorFromVariant(const QVariant &value)
-{
-    const double number = CDbl(value);
-    if (number < -2147483648.0 || number > 4294967295.0) {
-        throw RuntimeError(ErrorNumber::Overflow);
-    }
-    return OleColor(qint64(number) & 0xFFFFFFFF);
-}
-
-QString textFromVariant(const QVariant &value)
-{
-    if (!value.isValid()) {
-        return QString();
-    }
-    if (!value.canConvert<QString>()) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.toString();
-}
-
-QFont fontFromVariant(const QVariant &value)
-{
-    if (value.typeId() != QMetaType::QFont) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.value<QFont>();
-}
-
-} // namespace
 
 const ListBoxPropertyTable &ListBoxPropertyTable::instance()
 {

@@ -4,6 +4,7 @@
 #include "GaugePainter.h"
 #include "ImageList.h"
 #include "PictureBox.h"
+#include "PropertyValues.h"
 #include "RuntimeError.h"
 #include "ScoreCardArtwork.h"
 #include "StockEventFilter.h"
@@ -17,35 +18,6 @@ namespace {
 constexpr int kFlashCard = int(keloScoreCardStyle::FlashCard);
 constexpr int kGauge = int(keloScoreCardStyle::Gauge);
 constexpr int kGaugeRainbow = int(keloScoreCardStyle::GaugeRainbow);
-
-// A saved colour may come back as a signed or unsigned 32-bit number.
-OleColor colorFromVariant(const QVariant &value)
-{
-    const double number = CDbl(value);
-    if (number < -2147483648.0 || number > 4294967295.0) {
-        throw RuntimeError(ErrorNumber::Overflow);
-    }
-    return OleColor(qint64(number) & 0xFFFFFFFF);
-}
-
-QString textFromVariant(const QVariant &value)
-{
-    if (!value.isValid()) {
-        return QString();
-    }
-    if (!value.canConvert<QString>()) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.toString();
-}
-
-QFont fontFromVariant(const QVariant &value)
-{
-    if (value.typeId() != QMetaType::QFont) {
-        throw RuntimeError(ErrorNumber::TypeMismatch);
-    }
-    return value.value<QFont>();
-}
 
 float single(double value)
 {
