@@ -1,5 +1,6 @@
 #include "KelocontrolsDesignerCollection.h"
 
+#include "ChameleonDesignerInterface.h"
 #include "ControlDesignerInterface.h"
 #include "ToolboxIcons.h"
 
@@ -38,8 +39,14 @@ QList<ControlEntry> controlEntries()
 KelocontrolsDesignerCollection::KelocontrolsDesignerCollection(QObject *parent)
     : QObject(parent)
 {
+    // The chameleon's entry also brings its task menu into Designer.
+    const QString chameleon = QString::fromLatin1(Kelochameleon::staticMetaObject.className());
     for (ControlEntry &entry : controlEntries()) {
-        m_widgets.append(new ControlDesignerInterface(std::move(entry), this));
+        if (entry.className == chameleon) {
+            m_widgets.append(new ChameleonDesignerInterface(std::move(entry), this));
+        } else {
+            m_widgets.append(new ControlDesignerInterface(std::move(entry), this));
+        }
     }
 }
 

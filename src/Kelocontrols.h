@@ -2,6 +2,7 @@
 
 // Umbrella header: everything a host needs to use the Kelocontrols widgets.
 
+#include "ChameleonPropertyPage.h"
 #include "CommonFile.h"
 #include "Conversions.h"
 #include "ImageList.h"
@@ -22,4 +23,5 @@
 #include "Random.h"
 #include "Recordset.h"
 #include "RuntimeError.h"
+#include "SettingsStore.h"
 #include "SqlQueryRecordset.h"

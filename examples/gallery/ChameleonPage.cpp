@@ -2,6 +2,7 @@
 
 #include <Kelocontrols/Kelochameleon.h>
 #include <Kelocontrols/KeloscoreCard.h>
+#include <Kelocontrols/RuntimeError.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -170,6 +171,25 @@ QWidget *createChameleonPage(QWidget *parent)
     choosers->addStretch(1);
     layout->addLayout(choosers);
 
+    // Themes: the left chameleon saves its look under a name; loading gives
+    // it to both, as they share one name (and so one settings file).
+    auto *themes = new QHBoxLayout;
+    auto *themeName = new QLineEdit(QStringLiteral("Gallery"));
+    themeName->setObjectName(QStringLiteral("txtThemeName"));
+    themeName->setMaximumWidth(180);
+    auto *saveTheme = new QPushButton(QStringLiteral("Save theme"));
+    saveTheme->setObjectName(QStringLiteral("cmdSaveTheme"));
+    auto *loadTheme = new QPushButton(QStringLiteral("Load theme"));
+    loadTheme->setObjectName(QStringLiteral("cmdLoadTheme"));
+    auto *themeStatus = new QLabel;
+    themeStatus->setObjectName(QStringLiteral("labThemeStatus"));
+    themes->addWidget(new QLabel(QStringLiteral("Theme")));
+    themes->addWidget(themeName);
+    themes->addWidget(saveTheme);
+    themes->addWidget(loadTheme);
+    themes->addWidget(themeStatus, 1);
+    layout->addLayout(themes);
+
     auto *forms = new QHBoxLayout;
     forms->addWidget(variedForm, 1);
     forms->addWidget(pictureForm, 1);
@@ -190,6 +210,34 @@ QWidget *createChameleonPage(QWidget *parent)
         const auto style = keloWandStyle(wand->currentData().toInt());
         varied->setWandStyle(style);
         pictured->setWandStyle(style);
+    });
+    QObject::connect(saveTheme, &QPushButton::clicked, page, [varied, themeName, themeStatus] {
+        try {
+            varied->setThemeName(themeName->text());
+            varied->SaveTheme();
+            themeName->setText(varied->ThemeName()); // "DefaultTheme" for an empty name
+            themeStatus->setText(QStringLiteral("Saved \"%1\" for %2").arg(varied->ThemeName(), varied->objectName()));
+        } catch (const RuntimeError &error) {
+            themeStatus->setText(error.description());
+        }
+    });
+    QObject::connect(loadTheme, &QPushButton::clicked, page, [varied, pictured, background, themeName, themeStatus] {
+        try {
+            for (Kelochameleon *chameleon : {varied, pictured}) {
+                chameleon->setThemeName(themeName->text());
+                if (!chameleon->GetTheme()) {
+                    themeStatus->setText(QStringLiteral("No theme \"%1\" yet").arg(chameleon->ThemeName()));
+                    return;
+                }
+                chameleon->Refresh();
+            }
+            const QSignalBlocker quiet(background);
+            background->setCurrentIndex(background->findData(int(varied->BackgroundStyle())));
+            themeName->setText(varied->ThemeName());
+            themeStatus->setText(QStringLiteral("Loaded \"%1\"").arg(varied->ThemeName()));
+        } catch (const RuntimeError &error) {
+            themeStatus->setText(error.description());
+        }
     });
     return page;
 }

@@ -7,6 +7,7 @@
 #include "PicturePlacement.h"
 #include "PropertyValues.h"
 #include "RuntimeError.h"
+#include "SettingsStore.h"
 #include "WandPool.h"
 #include "WandSurface.h"
 
@@ -26,6 +27,31 @@ namespace {
 constexpr char ScaleModeName[] = "ScaleMode";
 constexpr int InvalidPicture = 481;
 constexpr OleColor FaceCrossColour = 0x000000FFu;
+
+// The theme an empty ThemeName stands for.
+const QString DefaultThemeName = QStringLiteral("DefaultTheme");
+
+// A theme as read from the store: every value converted before any is
+// stored, so that a bad value leaves the control as it was.
+struct ThemeValues
+{
+    QString backgroundPicture;
+    int backgroundPictureStyle = 0;
+    int fontStyle = 0;
+    qint16 interval = 1000;
+    int backgroundStyle = 0;
+    int wandStyle = 0;
+    OleColor newBackColor = 0;
+    bool enabled = true;
+    qint16 colorMaximum = 255;
+    qint16 colorMinimum = 0;
+    qint16 colorStepRate = 10;
+};
+
+QString booleanText(bool value)
+{
+    return value ? QStringLiteral("True") : QStringLiteral("False");
+}
 
 // A statement of the styling: its failure is passed over and the next
 // statement runs.
@@ -342,13 +368,104 @@ void Kelochameleon::runShow()
         m_timer1->stop();
         return;
     }
+    if (m_themeIsUsed) {
+        GetTheme();
+    }
     m_engine.seed(m_range);
     applyBackground(false);
     applyFont();
     watchForm();
     trackMouse();
     m_timer1->setInterval(TimerInterval);
-    m_timer1->start();
+    // A theme read above may have disabled the chameleon.
+    if (Enabled()) {
+        m_timer1->start();
+    } else {
+        m_timer1->stop();
+    }
+}
+
+// ---- themes ---------------------------------------------------------------------
+
+// Fetched afresh at every theme call: the name may have changed since.
+QString Kelochameleon::fetchSettingsApplicationName()
+{
+    m_settingsAppName = objectName().isEmpty() ? QString::fromLatin1(staticMetaObject.className()) : objectName();
+    return m_settingsAppName;
+}
+
+// The property itself changes, so a designer saves the name the theme went under.
+void Kelochameleon::ensureThemeName()
+{
+    if (m_themeName.isEmpty()) {
+        setThemeName(DefaultThemeName);
+    }
+}
+
+QVariant Kelochameleon::SaveTheme()
+{
+    const QString appName = fetchSettingsApplicationName();
+    ensureThemeName();
+    const QString section = m_themeName;
+    const auto save = [&](const char *key, const QString &value) {
+        SaveSetting(appName, section, QString::fromLatin1(key), value);
+    };
+    save("ThemeExists", booleanText(true));
+    save("BackgroundPicture", m_backgroundPicture);
+    save("BackgroundPictureStyle", QString::number(m_backgroundPictureStyle));
+    save("FontStyle", QString::number(m_fontStyle));
+    save("Interval", QString::number(m_interval));
+    save("BackgroundStyle", QString::number(m_backgroundStyle));
+    save("WandStyle", QString::number(m_wandStyle));
+    save("NewBackColor", QString::number(qint32(m_newBackColor)));
+    save("Enabled", booleanText(Enabled()));
+    save("ColorMinimum", QString::number(m_range.minimum));
+    save("ColorMaximum", QString::number(m_range.maximum));
+    save("ColorStepRate", QString::number(m_range.stepRate));
+    return QVariant();
+}
+
+bool Kelochameleon::GetTheme()
+{
+    const QString appName = fetchSettingsApplicationName();
+    ensureThemeName();
+    const QString section = m_themeName;
+    const auto read = [&](const char *key, const QString &fallback) {
+        return QVariant(GetSetting(appName, section, QString::fromLatin1(key), fallback));
+    };
+    if (!CBool(read("ThemeExists", booleanText(false)))) {
+        Q_EMIT ThemeMissing();
+        return false;
+    }
+    ThemeValues theme;
+    theme.backgroundPicture = read("BackgroundPicture", QString()).toString();
+    theme.backgroundPictureStyle = CLng(read("BackgroundPictureStyle", QStringLiteral("0")));
+    theme.fontStyle = CLng(read("FontStyle", QStringLiteral("0")));
+    theme.interval = CInt(read("Interval", QStringLiteral("1000")));
+    theme.backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
+    theme.wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
+    theme.newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
+    theme.enabled = CBool(read("Enabled", booleanText(true)));
+    // The maximum is read on both sides of the minimum; both reads give the same text.
+    theme.colorMaximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    theme.colorMinimum = CInt(read("ColorMinimum", QStringLiteral("0")));
+    theme.colorMaximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    theme.colorStepRate = CInt(read("ColorStepRate", QStringLiteral("10")));
+
+    // Straight into the fields: no clamping, no PropertyChanged.
+    m_backgroundPicture = theme.backgroundPicture;
+    m_backgroundPictureStyle = theme.backgroundPictureStyle;
+    m_fontStyle = theme.fontStyle;
+    m_interval = theme.interval;
+    m_backgroundStyle = theme.backgroundStyle;
+    m_wandStyle = theme.wandStyle;
+    m_newBackColor = theme.newBackColor;
+    QWidget::setEnabled(theme.enabled);
+    m_range.maximum = theme.colorMaximum;
+    m_range.minimum = theme.colorMinimum;
+    m_range.stepRate = theme.colorStepRate;
+    update();
+    return true;
 }
 
 void Kelochameleon::onTimer1Tick()

@@ -29,7 +29,9 @@ class PictureBox;
  *
  * When the form is shown (a chameleon added to a form that is already
  * visible needs its own show()) and on Refresh(), at run time, an enabled
- * chameleon:
+ * chameleon first reads its theme with GetTheme() when `ThemeIsUsed` is set
+ * (a missing theme emits ThemeMissing() and the chameleon goes on with its
+ * own values), then:
  * 1. seeds its drifting colour from Kelocontrols::Rnd(), without reseeding
  *    the generator, so every run starts from the same colours unless the
  *    program reseeds it;
@@ -44,7 +46,8 @@ class PictureBox;
  *    boxes) keep it;
  * 3. gives the form and its controls `NewFont` when `FontStyle` is
  *    `ChangeFont`;
- * 4. starts `Timer1` (100 ms), which steps the colour and animates the wand.
+ * 4. starts `Timer1` (100 ms), which steps the colour and animates the wand,
+ *    unless the theme just read disabled the chameleon.
  *
  * The wand follows the mouse over the form by itself; a host can feed it the
  * mouse movements of any other surface with WandMovement(). All chameleons
@@ -57,6 +60,16 @@ class PictureBox;
  *
  * Inner objects: `picBackground` (a hidden picture box holding the loaded
  * picture) and `Timer1`.
+ *
+ * Themes: SaveTheme() keeps the look (picture, placement, font style,
+ * interval, background and wand styles, colour, Enabled and the colour
+ * range) under the name `ThemeName` in the user's settings store (see
+ * Kelocontrols::SaveSetting), GetTheme() takes it up again, and a chameleon
+ * whose `ThemeIsUsed` is set reads its theme each time it is shown at run
+ * time, before it applies the look. The store's application name is the
+ * chameleon's objectName(), or "Kelochameleon" when it has none: chameleons
+ * with the same name share their themes, across forms, programs and runs.
+ * An empty `ThemeName` becomes "DefaultTheme" first.
  *
  * \code
  * auto *chameleon = new Kelochameleon(form);
@@ -88,6 +101,12 @@ class Kelochameleon : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:ThemeIsUsed", "If set to TRUE a theme is read when the control is shown at run time.")
     Q_CLASSINFO("Help:MouseIcon", "Sets a custom mouse icon.")
     Q_CLASSINFO("Help:WandMovement", "Called from controls MouseMove event")
+    Q_CLASSINFO("Help:SaveTheme", "Saves the chameleon settings as a theme.")
+    Q_CLASSINFO("Help:GetTheme", "Gets a theme from the system")
+    Q_CLASSINFO("Help:ThemeMissing",
+        "Fires when the ThemeIsUsed flag is set TRUE or when the GetTheme method invoked and the theme can not be "
+        "found.")
+    Q_CLASSINFO("DispId:ThemeMissing", "1")
 
     Q_PROPERTY(int ColorMinimum READ ColorMinimum WRITE setColorMinimum)
     Q_PROPERTY(int ColorMaximum READ ColorMaximum WRITE setColorMaximum)
@@ -165,7 +184,8 @@ public:
     /**
      * Applies everything again, as when the form is shown.
      * @throws RuntimeError 6 when unclamped colour bounds (loaded from a
-     *         saved control) overflow the 16-bit range.
+     *         saved control) overflow the 16-bit range; any error of
+     *         GetTheme() when `ThemeIsUsed` is set.
      */
     Q_INVOKABLE void Refresh();
 
@@ -178,6 +198,45 @@ public:
      */
     Q_INVOKABLE void WandMovement(QObject *MyControl, float X, float Y);
 
+    /**
+     * Saves the theme: writes "ThemeExists" ("True"), "BackgroundPicture",
+     * "BackgroundPictureStyle", "FontStyle", "Interval", "BackgroundStyle",
+     * "WandStyle", "NewBackColor" (signed decimal: 0x8000000F is
+     * "-2147483633"), "Enabled" ("True" / "False"), "ColorMinimum",
+     * "ColorMaximum" and "ColorStepRate", in this order, as texts under
+     * (settingsApplicationName(), `ThemeName`). An empty `ThemeName` is set to
+     * "DefaultTheme" first. The form keeps its look.
+     * @return always an empty QVariant.
+     * @throws RuntimeError from Kelocontrols::SaveSetting when the store
+     *         cannot be written; keys written before the failure stay.
+     */
+    Q_INVOKABLE QVariant SaveTheme();
+
+    /**
+     * Reads the theme `ThemeName` (an empty name is set to "DefaultTheme"
+     * first) back into the properties, unclamped (a hand-edited minimum above
+     * the maximum stays so) and without PropertyChanged; keys that are
+     * missing give the defaults of a new control. It does not re-apply the
+     * look: call Refresh() afterwards (Show does this by itself).
+     *
+     * Numbers may be written as the classic conversions read them (" 12 ",
+     * "1e3", "12.5" rounds half to even); truth values are "True" / "False"
+     * in any case, or numbers, where any non-zero number is True ("-1", "1",
+     * " 12 ") and 0 False.
+     *
+     * @return true when the theme exists; false, after emitting ThemeMissing(),
+     *         when it does not, with every property unchanged.
+     * @throws RuntimeError TypeMismatch (13) when a stored value is not a
+     *         number or truth value, Overflow (6) when it does not fit its
+     *         property, or an error of Kelocontrols::GetSetting; the
+     *         properties are then unchanged.
+     */
+    Q_INVOKABLE bool GetTheme();
+
+    /// The application name of the settings store that the last SaveTheme() or
+    /// GetTheme() used: the objectName(), or "Kelochameleon" when it is empty.
+    QString settingsApplicationName() const { return m_settingsAppName; }
+
     /// The drifting colour's state.
     const Kelocontrols::ColorEngine &colorEngine() const { return m_engine; }
     /// The colour the chameleon last gave the form (the control's own background).
@@ -188,6 +247,10 @@ public:
     const Kelocontrols::PropertyTableBase &propertyTable() const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The theme named by `ThemeName` is not in the store (GetTheme(), or Show with `ThemeIsUsed`).
+    void ThemeMissing();
 
 protected:
     void propertiesLoaded() override;
@@ -205,6 +268,8 @@ private:
 
     void applyModeSize();
     void runShow();
+    QString fetchSettingsApplicationName();
+    void ensureThemeName();
     void applyBackground(bool fromTimer);
     void setColour(Kelocontrols::OleColor colour);
     void applyFont();
@@ -230,6 +295,7 @@ private:
     Kelocontrols::OleColor m_newBackColor = 0;
     Kelocontrols::ColorRange m_range;
     QPixmap m_mouseIcon;
+    QString m_settingsAppName;
 
     Kelocontrols::OleColor m_backColor = 0x8000000F;
     Kelocontrols::ColorEngine m_engine;

@@ -1,0 +1,723 @@
+// Themes of the chameleon in a real settings file under a temporary
+// XDG_CONFIG_HOME. Run with "--theme-helper" the binary is the second
+// process of the shared-store test instead.
+
+#include "ControlAccess.h"
+#include "Kelochameleon.h"
+#include "Random.h"
+#include "RuntimeError.h"
+#include "SettingsStore.h"
+#include "WandPool.h"
+
+#include "KeloTestSupport.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMetaClassInfo>
+#include <QMetaProperty>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <cstring>
+#include <memory>
+
+using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
+
+namespace {
+
+const QStringList ThemeKeysInWriteOrder{"ThemeExists", "BackgroundPicture", "BackgroundPictureStyle", "FontStyle",
+    "Interval", "BackgroundStyle", "WandStyle", "NewBackColor", "Enabled", "ColorMinimum", "ColorMaximum",
+    "ColorStepRate"};
+
+const QStringList ThemeKeysInReadOrder{"ThemeExists", "BackgroundPicture", "BackgroundPictureStyle", "FontStyle",
+    "Interval", "BackgroundStyle", "WandStyle", "NewBackColor", "Enabled", "ColorMaximum", "ColorMinimum",
+    "ColorMaximum", "ColorStepRate"};
+
+QString readText(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void writeText(const QString &path, const QString &text)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text.toUtf8());
+}
+
+// Every property of the chameleon, by name, as late-bound callers see them.
+QVariantMap snapshot(const QObject &object)
+{
+    QVariantMap values;
+    const QMetaObject *meta = object.metaObject();
+    for (int i = 0; i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        const QString name = QString::fromLatin1(property.name());
+        // A picture has no equality to compare by; the theme never touches it.
+        if (name.front().isUpper() && name != u"MouseIcon") {
+            values.insert(name, property.read(&object));
+        }
+    }
+    return values;
+}
+
+// A chameleon configured away from every default.
+void configure(Kelochameleon &chameleon)
+{
+    chameleon.setColorMaximum(200);
+    chameleon.setColorMinimum(20);
+    chameleon.setColorStepRate(7);
+    chameleon.setInterval(1500);
+    chameleon.setBackgroundStyle(keloBackgroundStyle::VariedColor);
+    chameleon.setWandStyle(keloWandStyle::Atom);
+    chameleon.setNewBackColor(0x8000000Fu);
+    chameleon.setEnabled(false);
+    chameleon.setFontStyle(keloFontStyle::ChangeFont);
+    chameleon.setBackgroundPicture(QStringLiteral("/pics/sea side, blue.png"));
+    chameleon.setBackgroundPictureStyle(keloPictureStyle::Tiled);
+}
+
+// The second process: saves a theme, or reads one and prints its interval.
+//   --theme-helper save <name> <theme> <interval>   exit 0
+//   --theme-helper get <name> <theme>                prints Interval, exit 0 found / 1 missing
+int runHelper(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    if (argc < 5) {
+        return 2;
+    }
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QString::fromLocal8Bit(argv[3]));
+    chameleon.setThemeName(QString::fromLocal8Bit(argv[4]));
+    if (std::strcmp(argv[2], "save") == 0 && argc >= 6) {
+        chameleon.setInterval(QString::fromLocal8Bit(argv[5]).toInt());
+        chameleon.setBackgroundStyle(keloBackgroundStyle::FixedColor);
+        chameleon.SaveTheme();
+        return 0;
+    }
+    if (std::strcmp(argv[2], "get") == 0) {
+        const bool found = chameleon.GetTheme();
+        std::printf("%d\n", chameleon.Interval());
+        return found ? 0 : 1;
+    }
+    return 2;
+}
+
+} // namespace
+
+class TestChameleonThemes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void membersAndHelpStrings();
+    void saveWritesEveryKeyAsText();
+    void getReadsEveryKeyBackWithoutSideEffects();
+    void emptyThemeNameBecomesDefaultTheme();
+    void missingThemeRaisesThemeMissingOnce();
+    void handEditedBoundsStayUnclamped();
+    void badValuesChangeNothing_data();
+    void badValuesChangeNothing();
+    void truthAndNumberTexts_data();
+    void truthAndNumberTexts();
+    void applicationNameIsTheObjectName();
+    void twoProcessesShareOneStore();
+    void showReadsTheThemeWhenUsed();
+    void showReportsAMissingTheme();
+    void storeErrorsReachTheCaller();
+
+private:
+    QString iniPath(const QString &appName) const
+    {
+        return m_config->path() + QStringLiteral("/Kelocontrols/") + appName + QStringLiteral(".ini");
+    }
+
+    std::unique_ptr<QTemporaryDir> m_config;
+    QByteArray m_savedXdg;
+    QStringList m_accesses;
+};
+
+void TestChameleonThemes::init()
+{
+    resetRandomGenerator();
+    m_savedXdg = qgetenv("XDG_CONFIG_HOME");
+    m_config = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_config->isValid());
+    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+    m_accesses.clear();
+    setSettingsAccessHook(
+        [this](SettingsAccess access, const QString &app, const QString &section, const QString &key) {
+            m_accesses.append((access == SettingsAccess::Write ? QStringLiteral("W ") : QStringLiteral("R ")) + app
+                + QLatin1Char('/') + section + QLatin1Char('/') + key);
+        });
+}
+
+void TestChameleonThemes::cleanup()
+{
+    setSettingsAccessHook({});
+    qputenv("XDG_CONFIG_HOME", m_savedXdg);
+    WandPool::shared().reset();
+}
+
+void TestChameleonThemes::membersAndHelpStrings()
+{
+    const QMetaObject &meta = Kelochameleon::staticMetaObject;
+    const auto info = [&](const char *name) {
+        const int i = meta.indexOfClassInfo(name);
+        return i < 0 ? QString() : QString::fromLatin1(meta.classInfo(i).value());
+    };
+    QCOMPARE(info("Help:SaveTheme"), QStringLiteral("Saves the chameleon settings as a theme."));
+    QCOMPARE(info("Help:GetTheme"), QStringLiteral("Gets a theme from the system"));
+    QCOMPARE(info("Help:ThemeMissing"),
+        QStringLiteral("Fires when the ThemeIsUsed flag is set TRUE or when the GetTheme method invoked and the "
+                       "theme can not be found."));
+    QCOMPARE(info("DispId:ThemeMissing"), QStringLiteral("1"));
+
+    const QMetaMethod save = meta.method(meta.indexOfMethod("SaveTheme()"));
+    const QMetaMethod get = meta.method(meta.indexOfMethod("GetTheme()"));
+    const QMetaMethod missing = meta.method(meta.indexOfSignal("ThemeMissing()"));
+    QVERIFY(save.isValid() && get.isValid() && missing.isValid());
+    QCOMPARE(save.returnMetaType(), QMetaType::fromType<QVariant>());
+    QCOMPARE(get.returnMetaType(), QMetaType::fromType<bool>());
+    QCOMPARE(save.methodType(), QMetaMethod::Method);
+    QCOMPARE(missing.parameterCount(), 0);
+
+    // Late-bound, as a host calls them.
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QStringLiteral("Late"));
+    QVariant saved = QStringLiteral("not empty");
+    QVERIFY(QMetaObject::invokeMethod(&chameleon, "SaveTheme", Q_RETURN_ARG(QVariant, saved)));
+    QVERIFY(!saved.isValid());
+    bool found = false;
+    QVERIFY(QMetaObject::invokeMethod(&chameleon, "GetTheme", Q_RETURN_ARG(bool, found)));
+    QVERIFY(found);
+}
+
+void TestChameleonThemes::saveWritesEveryKeyAsText()
+{
+    QWidget form;
+    auto *chameleon = new Kelochameleon(&form);
+    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    configure(*chameleon);
+    chameleon->setThemeName(QStringLiteral("Sea Side"));
+    const QVariantMap before = snapshot(*chameleon);
+    QSignalSpy changes(chameleon, &Kelochameleon::PropertyChanged);
+
+    QVERIFY(!chameleon->SaveTheme().isValid());
+
+    QStringList expected;
+    for (const QString &key : ThemeKeysInWriteOrder) {
+        expected << QStringLiteral("W Kelochameleon1/Sea Side/") + key;
+    }
+    QCOMPARE(m_accesses, expected);
+    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))),
+        QStringLiteral("[Sea%20Side]\n"
+                       "BackgroundPicture=\"/pics/sea side, blue.png\"\n"
+                       "BackgroundPictureStyle=8\n"
+                       "BackgroundStyle=3\n"
+                       "ColorMaximum=200\n"
+                       "ColorMinimum=20\n"
+                       "ColorStepRate=7\n"
+                       "Enabled=False\n"
+                       "FontStyle=1\n"
+                       "Interval=1500\n"
+                       "NewBackColor=-2147483633\n"
+                       "ThemeExists=True\n"
+                       "WandStyle=3\n"));
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(snapshot(*chameleon), before);
+    QCOMPARE(chameleon->settingsApplicationName(), QStringLiteral("Kelochameleon1"));
+    // Nothing is applied: the form keeps its own look.
+    QVERIFY(!form.autoFillBackground());
+
+    // The defaults as texts; saving again replaces the values in place.
+    Kelochameleon fresh;
+    fresh.setObjectName(QStringLiteral("Kelochameleon1"));
+    fresh.setThemeName(QStringLiteral("Sea Side"));
+    fresh.SaveTheme();
+    const QString text = readText(iniPath(QStringLiteral("Kelochameleon1")));
+    QVERIFY2(text.contains(QStringLiteral("\nEnabled=True\n")), qPrintable(text));
+    QVERIFY(text.contains(QStringLiteral("\nNewBackColor=0\n")));
+    QVERIFY(text.contains(QStringLiteral("\nBackgroundPicture=\n")));
+    QVERIFY(text.contains(QStringLiteral("\nInterval=1000\n")));
+    QCOMPARE(text.count(QStringLiteral("Interval=")), 1);
+}
+
+void TestChameleonThemes::getReadsEveryKeyBackWithoutSideEffects()
+{
+    Kelochameleon source;
+    source.setObjectName(QStringLiteral("Kelochameleon1"));
+    configure(source);
+    source.setThemeName(QStringLiteral("Sea Side"));
+    source.SaveTheme();
+    m_accesses.clear();
+
+    QWidget form;
+    auto *target = new Kelochameleon(&form);
+    target->setObjectName(QStringLiteral("Kelochameleon1"));
+    target->setThemeName(QStringLiteral("sea side")); // found without regard to case
+    target->setThemeIsUsed(true);
+    QSignalSpy changes(target, &Kelochameleon::PropertyChanged);
+    QSignalSpy missing(target, &Kelochameleon::ThemeMissing);
+
+    QVERIFY(target->GetTheme());
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(missing.count(), 0);
+    QStringList expected;
+    for (const QString &key : ThemeKeysInReadOrder) {
+        expected << QStringLiteral("R Kelochameleon1/sea side/") + key;
+    }
+    QCOMPARE(m_accesses, expected);
+
+    QCOMPARE(target->ColorMinimum(), 20);
+    QCOMPARE(target->ColorMaximum(), 200);
+    QCOMPARE(target->ColorStepRate(), 7);
+    QCOMPARE(target->Interval(), 1500);
+    QCOMPARE(target->BackgroundStyle(), keloBackgroundStyle::VariedColor);
+    QCOMPARE(target->WandStyle(), keloWandStyle::Atom);
+    QCOMPARE(target->NewBackColor(), 0x8000000Fu);
+    QVERIFY(!target->Enabled());
+    QCOMPARE(target->FontStyle(), keloFontStyle::ChangeFont);
+    QCOMPARE(target->BackgroundPicture(), QStringLiteral("/pics/sea side, blue.png"));
+    QCOMPARE(target->BackgroundPictureStyle(), keloPictureStyle::Tiled);
+    // Not part of a theme.
+    QCOMPARE(target->ThemeName(), QStringLiteral("sea side"));
+    QVERIFY(target->ThemeIsUsed());
+    QCOMPARE(target->NewFont(), form.font());
+    // Not applied either.
+    QVERIFY(!form.autoFillBackground());
+    QVERIFY(!target->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+}
+
+void TestChameleonThemes::emptyThemeNameBecomesDefaultTheme()
+{
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
+    chameleon.setInterval(700);
+    chameleon.setThemeName(QString());
+    QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
+    chameleon.SaveTheme();
+    QCOMPARE(chameleon.ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(changes.at(0).at(0).toString(), QStringLiteral("ThemeName"));
+    QVERIFY(readText(iniPath(QStringLiteral("Kelochameleon1"))).startsWith(QStringLiteral("[DefaultTheme]\n")));
+
+    Kelochameleon reader;
+    reader.setObjectName(QStringLiteral("Kelochameleon1"));
+    reader.setThemeName(QString());
+    changes.clear();
+    QSignalSpy readerChanges(&reader, &Kelochameleon::PropertyChanged);
+    m_accesses.clear();
+    QVERIFY(reader.GetTheme());
+    QCOMPARE(reader.ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(reader.Interval(), 700);
+    QCOMPARE(readerChanges.count(), 1);
+    QCOMPARE(m_accesses.first(), QStringLiteral("R Kelochameleon1/DefaultTheme/ThemeExists"));
+
+    // Missing as well: the name still changes.
+    Kelochameleon stranger;
+    stranger.setObjectName(QStringLiteral("Stranger"));
+    stranger.setThemeName(QString());
+    QVERIFY(!stranger.GetTheme());
+    QCOMPARE(stranger.ThemeName(), QStringLiteral("DefaultTheme"));
+}
+
+void TestChameleonThemes::missingThemeRaisesThemeMissingOnce()
+{
+    // A file with other themes, and one section whose ThemeExists is not true.
+    writeText(iniPath(QStringLiteral("Kelochameleon1")),
+        QStringLiteral("[Other]\nThemeExists=True\nInterval=300\n\n[Half]\nInterval=300\n\n"
+                       "[Withdrawn]\nThemeExists=False\nInterval=300\n"));
+    const QString fileBefore = readText(iniPath(QStringLiteral("Kelochameleon1")));
+    for (const QString &theme : {QStringLiteral("Nowhere"), QStringLiteral("Half"), QStringLiteral("Withdrawn")}) {
+        Kelochameleon chameleon;
+        chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
+        configure(chameleon);
+        chameleon.setThemeName(theme);
+        const QVariantMap before = snapshot(chameleon);
+        QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
+        QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
+        m_accesses.clear();
+        QVERIFY(!chameleon.GetTheme());
+        QCOMPARE(missing.count(), 1);
+        QCOMPARE(changes.count(), 0);
+        QCOMPARE(snapshot(chameleon), before);
+        QCOMPARE(m_accesses, QStringList{QStringLiteral("R Kelochameleon1/") + theme + QStringLiteral("/ThemeExists")});
+    }
+    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+}
+
+void TestChameleonThemes::handEditedBoundsStayUnclamped()
+{
+    writeText(iniPath(QStringLiteral("Kelochameleon1")),
+        QStringLiteral("[Hand]\nThemeExists=True\nColorMinimum=200\nColorMaximum=100\nColorStepRate=300\n"
+                       "Interval=-5\nBackgroundStyle=9\n"));
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
+    configure(chameleon);
+    chameleon.setThemeName(QStringLiteral("Hand"));
+    QVERIFY(chameleon.GetTheme());
+    QCOMPARE(chameleon.ColorMinimum(), 200);
+    QCOMPARE(chameleon.ColorMaximum(), 100);
+    QCOMPARE(chameleon.ColorStepRate(), 300);
+    QCOMPARE(chameleon.Interval(), -5);
+    QCOMPARE(int(chameleon.BackgroundStyle()), 9);
+    // Keys left out take the defaults, not the values the control had.
+    QCOMPARE(chameleon.NewBackColor(), 0u);
+    QVERIFY(chameleon.Enabled());
+    QCOMPARE(chameleon.WandStyle(), keloWandStyle::None);
+    QCOMPARE(chameleon.FontStyle(), keloFontStyle::None);
+    QCOMPARE(chameleon.BackgroundPicture(), QString());
+    QCOMPARE(chameleon.BackgroundPictureStyle(), keloPictureStyle::None);
+    // Saved again, the unclamped pair goes back as it is.
+    chameleon.setThemeName(QStringLiteral("Copy"));
+    chameleon.SaveTheme();
+    QCOMPARE(GetSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Copy"), QStringLiteral("ColorMinimum")),
+        QStringLiteral("200"));
+    QCOMPARE(GetSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Copy"), QStringLiteral("ColorMaximum")),
+        QStringLiteral("100"));
+}
+
+void TestChameleonThemes::badValuesChangeNothing_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("error");
+
+    QTest::newRow("Interval abc") << "Interval"
+                                  << "abc" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("Interval empty") << "Interval"
+                                    << "" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("Interval beyond 16 bits") << "Interval"
+                                             << "40000" << int(ErrorNumber::Overflow);
+    QTest::newRow("ColorStepRate abc (last key)") << "ColorStepRate"
+                                                  << "abc" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("ColorMinimum 1,5.5") << "ColorMinimum"
+                                        << "1,5.5" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("Enabled yes") << "Enabled"
+                                 << "yes" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("NewBackColor red") << "NewBackColor"
+                                      << "red" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("NewBackColor beyond 32 bits") << "NewBackColor"
+                                                 << "4294967296" << int(ErrorNumber::Overflow);
+    QTest::newRow("WandStyle nan") << "WandStyle"
+                                   << "nan" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("ThemeExists maybe") << "ThemeExists"
+                                       << "maybe" << int(ErrorNumber::TypeMismatch);
+}
+
+void TestChameleonThemes::badValuesChangeNothing()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, text);
+    QFETCH(int, error);
+
+    Kelochameleon writer;
+    writer.setObjectName(QStringLiteral("Kelochameleon1"));
+    writer.setThemeName(QStringLiteral("Bad"));
+    writer.setInterval(2500);
+    writer.setColorMinimum(40);
+    writer.SaveTheme();
+    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Bad"), key, text);
+    const QString fileBefore = readText(iniPath(QStringLiteral("Kelochameleon1")));
+
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
+    configure(chameleon);
+    chameleon.setThemeName(QStringLiteral("Bad"));
+    const QVariantMap before = snapshot(chameleon);
+    QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
+    QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
+
+    QCOMPARE(errorNumberOf([&] { chameleon.GetTheme(); }), error);
+    QCOMPARE(snapshot(chameleon), before);
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(missing.count(), 0);
+    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+    // The same error late-bound.
+    QCOMPARE(errorNumberOf([&] { QMetaObject::invokeMethod(&chameleon, "GetTheme"); }), error);
+}
+
+void TestChameleonThemes::truthAndNumberTexts_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("expected");
+
+    // Truth values: True / False in any case, or a number (non-zero is True).
+    QTest::newRow("Enabled True") << "Enabled"
+                                  << "True" << QVariant(true);
+    QTest::newRow("Enabled false") << "Enabled"
+                                   << "false" << QVariant(false);
+    QTest::newRow("Enabled TRUE blanks") << "Enabled"
+                                         << "  TRUE " << QVariant(true);
+    QTest::newRow("Enabled 1") << "Enabled"
+                               << "1" << QVariant(true);
+    QTest::newRow("Enabled -1") << "Enabled"
+                                << "-1" << QVariant(true);
+    QTest::newRow("Enabled 0") << "Enabled"
+                               << "0" << QVariant(false);
+    QTest::newRow("Enabled ' 12 '") << "Enabled"
+                                    << " 12 " << QVariant(true);
+    QTest::newRow("Enabled 0.0") << "Enabled"
+                                 << "0.0" << QVariant(false);
+    QTest::newRow("ThemeExists 0 means missing") << "ThemeExists"
+                                                 << "0" << QVariant();
+    QTest::newRow("ThemeExists -1 means found") << "ThemeExists"
+                                                << "-1" << QVariant(true);
+    QTest::newRow("ThemeExists false means missing") << "ThemeExists"
+                                                     << "false" << QVariant();
+    // Numbers as the classic conversions read them.
+    QTest::newRow("Interval ' 1500 '") << "Interval"
+                                       << " 1500 " << QVariant(1500);
+    QTest::newRow("Interval 1e3") << "Interval"
+                                  << "1e3" << QVariant(1000);
+    QTest::newRow("Interval 12.5 halves to even") << "Interval"
+                                                  << "12.5" << QVariant(12);
+    QTest::newRow("NewBackColor unsigned") << "NewBackColor"
+                                           << "2147483663" << QVariant(0x8000000Fu);
+    QTest::newRow("NewBackColor signed") << "NewBackColor"
+                                         << "-2147483633" << QVariant(0x8000000Fu);
+    QTest::newRow("NewBackColor RGB") << "NewBackColor"
+                                      << "3368601" << QVariant(0x00336699u);
+}
+
+void TestChameleonThemes::truthAndNumberTexts()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, text);
+    QFETCH(QVariant, expected);
+
+    Kelochameleon writer;
+    writer.setObjectName(QStringLiteral("Kelochameleon1"));
+    writer.setThemeName(QStringLiteral("Texts"));
+    writer.SaveTheme();
+    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Texts"), key, text);
+
+    Kelochameleon chameleon;
+    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
+    chameleon.setThemeName(QStringLiteral("Texts"));
+    chameleon.setInterval(4321);
+    const bool found = chameleon.GetTheme();
+    if (key == u"ThemeExists") {
+        QCOMPARE(found, expected.isValid());
+        QCOMPARE(chameleon.Interval(), found ? 1000 : 4321);
+        return;
+    }
+    QVERIFY(found);
+    if (key == u"Enabled") {
+        QCOMPARE(chameleon.Enabled(), expected.toBool());
+    } else if (key == u"Interval") {
+        QCOMPARE(chameleon.Interval(), expected.toInt());
+    } else {
+        QCOMPARE(chameleon.NewBackColor(), expected.toUInt());
+    }
+}
+
+void TestChameleonThemes::applicationNameIsTheObjectName()
+{
+    Kelochameleon unnamed;
+    QCOMPARE(unnamed.objectName(), QString());
+    unnamed.setThemeName(QStringLiteral("Plain"));
+    unnamed.setInterval(300);
+    unnamed.SaveTheme();
+    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("Kelochameleon"));
+    QVERIFY(QFileInfo::exists(iniPath(QStringLiteral("Kelochameleon"))));
+
+    // Fetched afresh at each call: a renamed chameleon uses its new name.
+    unnamed.setObjectName(QStringLiteral("frmMain_Chameleon"));
+    QVERIFY(!unnamed.GetTheme());
+    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("frmMain_Chameleon"));
+    unnamed.setObjectName(QString());
+    QVERIFY(unnamed.GetTheme());
+    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("Kelochameleon"));
+
+    // Chameleons with the same name share their themes, whatever their form.
+    QWidget formA;
+    QWidget formB;
+    auto *a = new Kelochameleon(&formA);
+    auto *b = new Kelochameleon(&formB);
+    a->setObjectName(QStringLiteral("Kelochameleon1"));
+    b->setObjectName(QStringLiteral("Kelochameleon1"));
+    a->setThemeName(QStringLiteral("Shared"));
+    b->setThemeName(QStringLiteral("Shared"));
+    a->setColorStepRate(99);
+    a->SaveTheme();
+    QVERIFY(b->GetTheme());
+    QCOMPARE(b->ColorStepRate(), 99);
+    auto *c = new Kelochameleon(&formB);
+    c->setObjectName(QStringLiteral("Kelochameleon2"));
+    c->setThemeName(QStringLiteral("Shared"));
+    QVERIFY(!c->GetTheme());
+}
+
+void TestChameleonThemes::twoProcessesShareOneStore()
+{
+    const auto run = [this](const QStringList &arguments, QByteArray *output) {
+        QProcess helper;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_config->path());
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        helper.setProcessEnvironment(environment);
+        helper.start(
+            QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--theme-helper")} + arguments);
+        if (!helper.waitForFinished(60000)) {
+            return -1;
+        }
+        if (output) {
+            *output = helper.readAllStandardOutput().trimmed();
+        }
+        return helper.exitStatus() == QProcess::NormalExit ? helper.exitCode() : -1;
+    };
+
+    Kelochameleon here;
+    here.setObjectName(QStringLiteral("Kelochameleon1"));
+    here.setThemeName(QStringLiteral("Dusk"));
+    QVERIFY(!here.GetTheme());
+
+    // The other process saves; this one sees it at once.
+    QCOMPARE(
+        run({QStringLiteral("save"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk"), QStringLiteral("2200")},
+            nullptr),
+        0);
+    QVERIFY(here.GetTheme());
+    QCOMPARE(here.Interval(), 2200);
+    QCOMPARE(here.BackgroundStyle(), keloBackgroundStyle::FixedColor);
+
+    // Overwritten there with a value of the same length: no stale copy here.
+    QCOMPARE(
+        run({QStringLiteral("save"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk"), QStringLiteral("3300")},
+            nullptr),
+        0);
+    QVERIFY(here.GetTheme());
+    QCOMPARE(here.Interval(), 3300);
+
+    // And the other way round.
+    here.setInterval(4400);
+    here.SaveTheme();
+    QByteArray printed;
+    QCOMPARE(run({QStringLiteral("get"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk")}, &printed), 0);
+    QCOMPARE(printed, QByteArray("4400"));
+    QCOMPARE(run({QStringLiteral("get"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dawn")}, &printed), 1);
+}
+
+void TestChameleonThemes::showReadsTheThemeWhenUsed()
+{
+    Kelochameleon writer;
+    writer.setObjectName(QStringLiteral("Kelochameleon1"));
+    writer.setThemeName(QStringLiteral("Teal"));
+    writer.setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    writer.setNewBackColor(0x00808000u);
+    writer.SaveTheme();
+
+    QWidget form;
+    form.resize(200, 150);
+    auto *chameleon = new Kelochameleon(&form);
+    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    chameleon->setThemeName(QStringLiteral("Teal"));
+    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    chameleon->setNewBackColor(0x000000FFu);
+    chameleon->setThemeIsUsed(true);
+    form.show();
+    QCOMPARE(chameleon->NewBackColor(), 0x00808000u);
+    QCOMPARE(form.palette().color(QPalette::Window), QColor(0x00, 0x80, 0x80));
+    QVERIFY(chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+
+    // The theme is read at every Show: a change in the store shows at Refresh.
+    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Teal"), QStringLiteral("NewBackColor"),
+        QStringLiteral("255"));
+    chameleon->Refresh();
+    QCOMPARE(form.palette().color(QPalette::Window), QColor(0xFF, 0x00, 0x00));
+
+    // A theme that disables the chameleon leaves its timer off.
+    SaveSetting(
+        QStringLiteral("Kelochameleon1"), QStringLiteral("Teal"), QStringLiteral("Enabled"), QStringLiteral("False"));
+    chameleon->Refresh();
+    QVERIFY(!chameleon->Enabled());
+    QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+
+    // Without ThemeIsUsed, or disabled, or in a designer, the store is not read.
+    for (int variant = 0; variant < 3; ++variant) {
+        QWidget other;
+        Kelochameleon *c = nullptr;
+        if (variant == 2) {
+            ControlBase::DesignModeScope designer;
+            c = new Kelochameleon(&other);
+        } else {
+            c = new Kelochameleon(&other);
+        }
+        c->setObjectName(QStringLiteral("Kelochameleon1"));
+        c->setThemeName(QStringLiteral("Teal"));
+        c->setThemeIsUsed(variant != 0);
+        c->setEnabled(variant != 1);
+        m_accesses.clear();
+        other.show();
+        c->Refresh();
+        QVERIFY2(m_accesses.isEmpty(), qPrintable(QString::number(variant)));
+    }
+}
+
+void TestChameleonThemes::showReportsAMissingTheme()
+{
+    QWidget form;
+    auto *chameleon = new Kelochameleon(&form);
+    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    chameleon->setThemeName(QStringLiteral("Nowhere"));
+    chameleon->setThemeIsUsed(true);
+    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    chameleon->setNewBackColor(0x00336699u);
+    QSignalSpy missing(chameleon, &Kelochameleon::ThemeMissing);
+    form.show();
+    QCOMPARE(missing.count(), 1);
+    // It goes on with its own values.
+    QCOMPARE(form.palette().color(QPalette::Window), QColor(0x99, 0x66, 0x33));
+    QVERIFY(chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+    chameleon->Refresh();
+    QCOMPARE(missing.count(), 2);
+}
+
+void TestChameleonThemes::storeErrorsReachTheCaller()
+{
+    writeText(iniPath(QStringLiteral("Kelochameleon1")), QStringLiteral("[Bad]\nThemeExists=True\nInterval=abc\n"));
+    QWidget form;
+    auto *chameleon = new Kelochameleon(&form);
+    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    chameleon->setThemeName(QStringLiteral("Bad"));
+    chameleon->setThemeIsUsed(true);
+    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    chameleon->setNewBackColor(0x00336699u);
+    // Show cannot let it cross the event loop: it warns and styles nothing.
+    QTest::ignoreMessage(QtWarningMsg, "Kelochameleon Kelochameleon1: Type mismatch");
+    form.show();
+    QVERIFY(!form.autoFillBackground());
+    QCOMPARE(errorNumberOf([&] { chameleon->Refresh(); }), ErrorNumber::TypeMismatch);
+    QCOMPARE(chameleon->Interval(), 1000);
+
+    // A store that cannot be written.
+    QVERIFY(QDir().mkpath(iniPath(QStringLiteral("Blocked"))));
+    chameleon->setObjectName(QStringLiteral("Blocked"));
+    QCOMPARE(errorNumberOf([&] { chameleon->SaveTheme(); }), ErrorNumber::PermissionDenied);
+    QCOMPARE(errorNumberOf([&] { chameleon->GetTheme(); }), ErrorNumber::PermissionDenied);
+}
+
+int main(int argc, char **argv)
+{
+    if (argc > 1 && std::strcmp(argv[1], "--theme-helper") == 0) {
+        return runHelper(argc, argv);
+    }
+    QApplication app(argc, argv);
+    TestChameleonThemes test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_chameleonthemes.moc"
