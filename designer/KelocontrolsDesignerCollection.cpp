@@ -5,6 +5,7 @@
 #include "ToolboxIcons.h"
 
 #include "Kelochameleon.h"
+#include "KelofileView.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
@@ -17,6 +18,11 @@ namespace {
 QList<ControlEntry> controlEntries()
 {
     return {
+        controlEntry<KelofileView>(QStringLiteral("File view: an explorer-like list of a folder's files"),
+            QStringLiteral("Lists a folder (or the drives of \"My Computer\", or the host's \"My Folders\") with "
+                           "icons, sizes, types and dates in large icon, small icon, list or details view; set "
+                           "PathRoot to show a folder."),
+            ToolboxIcons::fileView),
         controlEntry<KeloscoreCard>(QStringLiteral("Score card: a score as a grade picture, a colour card or a gauge"),
             QStringLiteral("Shows a numeric score graded against four thresholds (ScoreBad, ScoreMaybe, ScoreGood, "
                            "ScoreStar) as a score card, smiley or traffic light picture, a flash card in the grade "

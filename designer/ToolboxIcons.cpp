@@ -50,6 +50,11 @@ QIcon listBox()
     return badge(QStringLiteral("LB"), QColor(0x1e, 0x88, 0xe5));
 }
 
+QIcon fileView()
+{
+    return badge(QStringLiteral("FV"), QColor(0xf5, 0x7c, 0x00));
+}
+
 QIcon chameleon()
 {
     return badge(QStringLiteral("Ch"), QColor(0x43, 0xa0, 0x47));

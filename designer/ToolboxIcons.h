@@ -18,6 +18,9 @@ QIcon scoreCard();
 /// The data-aware list box: a list badge.
 QIcon listBox();
 
+/// The file view: a file-list badge.
+QIcon fileView();
+
 /// The chameleon: a colour badge.
 QIcon chameleon();
 

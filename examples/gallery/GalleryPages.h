@@ -16,3 +16,4 @@ struct GalleryPage
 QWidget *createScoreCardPage(QWidget *parent);
 QWidget *createListBoxPage(QWidget *parent);
 QWidget *createChameleonPage(QWidget *parent);
+QWidget *createFileViewPage(QWidget *parent);

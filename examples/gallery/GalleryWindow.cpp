@@ -14,6 +14,7 @@ namespace {
 const QList<GalleryPage> &pages()
 {
     static const QList<GalleryPage> list = {
+        {QStringLiteral("File view"), &createFileViewPage, QStringLiteral("fileview")},
         {QStringLiteral("Score cards"), &createScoreCardPage, QStringLiteral("scorecards")},
         {QStringLiteral("List box"), &createListBoxPage, QStringLiteral("listbox")},
         {QStringLiteral("Chameleon"), &createChameleonPage, QStringLiteral("chameleon")},

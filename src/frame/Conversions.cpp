@@ -172,4 +172,51 @@ QString formatPercent(double value)
     return locale.toString(whole, 'f', 0) + QLatin1Char('%');
 }
 
+namespace {
+
+// The locale's long time format without its time-zone part ("t", "tt" ...),
+// which the classic date text never showed.
+QString longTimeFormatWithoutZone(const QLocale &locale)
+{
+    const QString format = locale.timeFormat(QLocale::LongFormat);
+    QString result;
+    bool quoted = false;
+    for (const QChar c : format) {
+        if (c == QLatin1Char('\'')) {
+            quoted = !quoted;
+        }
+        if (!quoted && c == QLatin1Char('t')) {
+            continue;
+        }
+        result += c;
+    }
+    return result.trimmed();
+}
+
+} // namespace
+
+QString formatGeneralDate(const QDateTime &dateTime)
+{
+    if (!dateTime.isValid()) {
+        return QString();
+    }
+    const QLocale locale;
+    const QString date = locale.toString(dateTime.date(), QLocale::ShortFormat);
+    if (dateTime.time() == QTime(0, 0)) {
+        return date;
+    }
+    return date + QLatin1Char(' ') + locale.toString(dateTime.time(), longTimeFormatWithoutZone(locale));
+}
+
+QString formatSortableDateTime(const QDateTime &dateTime)
+{
+    if (!dateTime.isValid()) {
+        return QString();
+    }
+    const QDate d = dateTime.date();
+    const QTime t = dateTime.time();
+    return QString::asprintf(
+        "%04d-%02d-%02d %02d:%02d:%02d", d.year(), d.month(), d.day(), t.hour(), t.minute(), t.second());
+}
+
 } // namespace Kelocontrols

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <QVariant>
 #include <QtGlobal>
@@ -80,5 +81,17 @@ bool CBool(const QVariant &value);
  * them, followed by "%".
  */
 QString formatPercent(double value);
+
+/**
+ * The default text of a date and time: the process QLocale's short date
+ * followed by one blank and its long time without the time-zone name
+ * ("3/14/26 1:05:09 PM" in en_US, "14/03/2026 13:05:09" in en_GB). A time of
+ * exactly midnight is left out, as the classic runtime did; an invalid
+ * date-time gives "".
+ */
+QString formatGeneralDate(const QDateTime &dateTime);
+
+/// The locale-free sortable form "yyyy-mm-dd hh:nn:ss" (24-hour clock), "" for an invalid date-time.
+QString formatSortableDateTime(const QDateTime &dateTime);
 
 } // namespace Kelocontrols

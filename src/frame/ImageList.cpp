@@ -20,6 +20,9 @@ int ImageList::add(const QPixmap &picture, const QString &key, const QVariant &t
         fitted = picture.scaled(m_imageSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     m_items.append({key, fitted, tag});
+    if (!key.isEmpty() && !m_keyIndexStale) {
+        m_keyIndex.insert(foldedKey(key), count());
+    }
     return count();
 }
 
@@ -27,6 +30,7 @@ void ImageList::remove(int index)
 {
     itemAt(index);
     m_items.removeAt(index - 1);
+    m_keyIndexStale = true;
 }
 
 void ImageList::remove(const QString &key)
@@ -37,6 +41,8 @@ void ImageList::remove(const QString &key)
 void ImageList::clear()
 {
     m_items.clear();
+    m_keyIndex.clear();
+    m_keyIndexStale = false;
 }
 
 int ImageList::indexOf(const QString &key) const
@@ -44,12 +50,21 @@ int ImageList::indexOf(const QString &key) const
     if (key.isEmpty()) {
         return 0;
     }
+    if (m_keyIndexStale) {
+        rebuildKeyIndex();
+    }
+    return m_keyIndex.value(foldedKey(key), 0);
+}
+
+void ImageList::rebuildKeyIndex() const
+{
+    m_keyIndex.clear();
     for (int i = 0; i < m_items.size(); ++i) {
-        if (m_items.at(i).key.compare(key, Qt::CaseInsensitive) == 0) {
-            return i + 1;
+        if (!m_items.at(i).key.isEmpty()) {
+            m_keyIndex.insert(foldedKey(m_items.at(i).key), i + 1);
         }
     }
-    return 0;
+    m_keyIndexStale = false;
 }
 
 QPixmap ImageList::picture(int index) const
@@ -65,6 +80,17 @@ QPixmap ImageList::picture(const QString &key) const
 QString ImageList::key(int index) const
 {
     return itemAt(index).key;
+}
+
+void ImageList::setKey(int index, const QString &key)
+{
+    itemAt(index);
+    const int holder = indexOf(key);
+    if (holder != 0 && holder != index) {
+        throw RuntimeError(ErrorNumber::KeyNotUnique);
+    }
+    m_items[index - 1].key = key;
+    m_keyIndexStale = true;
 }
 
 QVariant ImageList::tag(int index) const

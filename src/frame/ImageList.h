@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPixmap>
@@ -39,6 +40,8 @@ public:
     QPixmap picture(int index) const;
     QPixmap picture(const QString &key) const;
     QString key(int index) const;
+    /// Renames the image at `index`; raises KeyNotUnique when another image has `key`.
+    void setKey(int index, const QString &key);
     QVariant tag(int index) const;
     void setTag(int index, const QVariant &tag);
 
@@ -51,9 +54,16 @@ private:
     };
     const Item &itemAt(int index) const;
     int requireKey(const QString &key) const;
+    void rebuildKeyIndex() const;
+    static QString foldedKey(const QString &key) { return key.toCaseFolded(); }
 
     QSize m_imageSize;
     QList<Item> m_items;
+    // Case-folded key -> 1-based index. Controls look keys up for every row
+    // they paint, so this is a hash; it is rebuilt lazily after a removal
+    // shifts the indexes.
+    mutable QHash<QString, int> m_keyIndex;
+    mutable bool m_keyIndexStale = false;
 };
 
 } // namespace Kelocontrols

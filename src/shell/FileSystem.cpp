@@ -1,17 +1,32 @@
 #include "FileSystem.h"
 
+#include "FileNameCodec.h"
 #include "RuntimeError.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 #include <QUrl>
+#include <QtEndian>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Kelocontrols {
 
@@ -89,13 +104,13 @@ QString unescapeMountField(const QByteArray &field)
             bytes += field[i];
         }
     }
-    return QFile::decodeName(bytes);
+    return FileNameCodec::decode(bytes);
 }
 
 /// Undoes the "\x20" escapes udev uses in by-label link names.
 QString unescapeUdevName(const QString &name)
 {
-    const QByteArray encoded = QFile::encodeName(name);
+    const QByteArray encoded = FileNameCodec::encode(name);
     QByteArray bytes;
     for (qsizetype i = 0; i < encoded.size(); ++i) {
         bool ok = false;
@@ -109,7 +124,7 @@ QString unescapeUdevName(const QString &name)
         if (!ok)
             bytes += encoded[i];
     }
-    return QFile::decodeName(bytes);
+    return FileNameCodec::decode(bytes);
 }
 
 /// One mountinfo line: "ID PARENT MAJ:MIN ROOT MOUNTPOINT OPTIONS [OPTIONAL...] - TYPE SOURCE SUPEROPTIONS".
@@ -209,9 +224,9 @@ DriveInfo containingDrive(const QList<DriveInfo> &drives, const QString &path)
     QString target = FileSystem::cleanPath(path);
     if (target.isEmpty())
         throw RuntimeError(ErrorNumber::PathNotFound);
-    const QString canonical = QFileInfo(target).canonicalFilePath();
-    if (!canonical.isEmpty())
-        target = canonical;
+    char canonical[PATH_MAX];
+    if (::realpath(FileNameCodec::encode(target).constData(), canonical))
+        target = FileNameCodec::decode(QByteArray(canonical));
     const DriveInfo *best = nullptr;
     for (const DriveInfo &drive : drives) {
         if (isUnder(target, drive.rootPath) && (!best || drive.rootPath.size() > best->rootPath.size()))
@@ -227,11 +242,360 @@ bool statvfsVolume(const QString &mountPoint, qint64 &totalBytes, qint64 &freeBy
     struct statvfs info
     {
     };
-    if (::statvfs(QFile::encodeName(mountPoint).constData(), &info) != 0)
+    if (::statvfs(FileNameCodec::encode(mountPoint).constData(), &info) != 0)
         return false;
     totalBytes = qint64(info.f_blocks) * qint64(info.f_frsize);
     freeBytes = qint64(info.f_bavail) * qint64(info.f_frsize);
     return true;
+}
+
+// ---- Files and folders -------------------------------------------------
+
+/// What statx is asked for: enough for kind, attributes, size and the three dates.
+constexpr unsigned int entryStatxMask = STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME;
+/// Never wake an automounter and never wait for a network server to confirm cached attributes.
+constexpr int entryStatxFlags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+
+/// Closes a descriptor when it goes out of scope.
+class FileDescriptor
+{
+public:
+    explicit FileDescriptor(int fd)
+        : m_fd(fd)
+    {
+    }
+    ~FileDescriptor()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    FileDescriptor(const FileDescriptor &) = delete;
+    FileDescriptor &operator=(const FileDescriptor &) = delete;
+
+    int get() const { return m_fd; }
+    bool isValid() const { return m_fd >= 0; }
+
+private:
+    int m_fd;
+};
+
+struct DirCloser
+{
+    void operator()(DIR *dir) const { ::closedir(dir); }
+};
+using DirHandle = std::unique_ptr<DIR, DirCloser>;
+
+int errorNumberForErrno(int error)
+{
+    return error == EACCES || error == EPERM ? ErrorNumber::PermissionDenied : ErrorNumber::PathNotFound;
+}
+
+bool isDotOrDotDot(const char *name)
+{
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+qint64 millisecondsOf(const struct statx_timestamp &time)
+{
+    return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+}
+
+/// The names of a folder's ".hidden" file, one a line, trailing blanks and CR removed.
+QSet<QByteArray> readHiddenList(int folderFd)
+{
+    QSet<QByteArray> names;
+    const FileDescriptor file(::openat(folderFd, ".hidden", O_RDONLY | O_CLOEXEC));
+    if (!file.isValid())
+        return names;
+    QByteArray content;
+    char buffer[4096];
+    constexpr qsizetype maximumSize = 4 * 1024 * 1024; // a list, not a data file: read no further
+    for (ssize_t got; content.size() < maximumSize && (got = ::read(file.get(), buffer, sizeof buffer)) > 0;)
+        content.append(buffer, got);
+    for (QByteArray line : content.split('\n')) {
+        while (!line.isEmpty() && (line.endsWith(' ') || line.endsWith('\t') || line.endsWith('\r')))
+            line.chop(1);
+        if (!line.isEmpty())
+            names.insert(line);
+    }
+    return names;
+}
+
+/// The canonical form of a path given as bytes, or "" when it cannot be resolved.
+QByteArray canonicalBytes(const QByteArray &path)
+{
+    char resolved[PATH_MAX];
+    if (!::realpath(path.constData(), resolved))
+        return QByteArray();
+    return QByteArray(resolved);
+}
+
+/// The mount points (as bytes) of pseudo file systems and system plumbing, read once from the mount table.
+class SystemMounts
+{
+public:
+    explicit SystemMounts(QString mountInfoPath)
+        : m_mountInfoPath(std::move(mountInfoPath))
+    {
+    }
+
+    bool contains(const QByteArray &canonicalPath)
+    {
+        if (!m_loaded)
+            load();
+        return m_points.contains(canonicalPath);
+    }
+
+private:
+    void load()
+    {
+        m_loaded = true;
+        QFile table(m_mountInfoPath);
+        if (!table.open(QIODevice::ReadOnly))
+            return;
+        for (const MountEntry &entry : topMounts(table.readAll())) {
+            if (isPseudoFileSystem(entry.fsType) || isSystemPlumbing(entry))
+                m_points.insert(FileNameCodec::encode(entry.mountPoint));
+        }
+    }
+
+    QString m_mountInfoPath;
+    bool m_loaded = false;
+    QSet<QByteArray> m_points;
+};
+
+/// How looking up one entry of a folder went.
+enum class Lookup { Found, Missing, Denied };
+
+/**
+ * Reads entries of one folder by name, relative to its descriptor: one
+ * statx for plain entries, a second one for symbolic links (the link is
+ * described by its target). Knows the folder's ".hidden" list and, when a
+ * mount point turns up, which mounts are system ones.
+ */
+class FolderReader
+{
+public:
+    /// @p folderFd stays owned by the caller; @p folderPath is its absolute path as bytes.
+    FolderReader(int folderFd, QByteArray folderPath, const QString &mountInfoPath)
+        : m_fd(folderFd)
+        , m_folderPath(std::move(folderPath))
+        , m_hidden(readHiddenList(folderFd))
+        , m_systemMounts(mountInfoPath)
+    {
+        struct stat folder
+        {
+        };
+        if (::fstat(folderFd, &folder) == 0)
+            m_folderDevice = folder.st_dev;
+    }
+
+    /// Fills @p entry for the entry @p name (of @p length bytes, readdir type @p dType, DT_UNKNOWN when not known).
+    Lookup read(const char *name, size_t length, unsigned char dType, FileEntry &entry)
+    {
+        struct statx info;
+        bool isLink = dType == DT_LNK;
+        if (!isLink) {
+            if (::statx(m_fd, name, entryStatxFlags | AT_SYMLINK_NOFOLLOW, entryStatxMask, &info) != 0)
+                return lookupFailure(errno);
+            isLink = S_ISLNK(info.stx_mode);
+        }
+        // A link whose target cannot be reached (missing, a loop, no access) stays described by itself.
+        if (isLink && ::statx(m_fd, name, entryStatxFlags, entryStatxMask, &info) != 0
+            && ::statx(m_fd, name, entryStatxFlags | AT_SYMLINK_NOFOLLOW, entryStatxMask, &info) != 0)
+            return lookupFailure(errno);
+        fill(entry, info, isLink);
+        entry.name = FileNameCodec::decode(name, qsizetype(length));
+        if (isHidden(name, length))
+            entry.attributes |= FileAttribute::Hidden;
+        if (entry.isFolder() && isMountRoot(info) && isSystemMount(name, length))
+            entry.attributes |= FileAttribute::System;
+        return Lookup::Found;
+    }
+
+private:
+    static Lookup lookupFailure(int error)
+    {
+        return error == EACCES || error == EPERM ? Lookup::Denied : Lookup::Missing;
+    }
+
+    static void fill(FileEntry &entry, const struct statx &info, bool isLink)
+    {
+        if (S_ISDIR(info.stx_mode)) {
+            entry.attributes = FileAttribute::Directory;
+            entry.size = 0;
+        } else {
+            entry.attributes = S_ISREG(info.stx_mode) ? FileAttribute::Archive : FileAttribute::System;
+            entry.size = qint64(info.stx_size);
+        }
+        if (isLink)
+            entry.attributes |= FileAttribute::Alias;
+        if (!(info.stx_mode & S_IWUSR))
+            entry.attributes |= FileAttribute::ReadOnly;
+        entry.modified = millisecondsOf(info.stx_mtime);
+        entry.accessed = millisecondsOf(info.stx_atime);
+        entry.createdKnown = (info.stx_mask & STATX_BTIME) != 0;
+        entry.created = entry.createdKnown ? millisecondsOf(info.stx_btime) : entry.modified;
+    }
+
+    bool isHidden(const char *name, size_t length) const
+    {
+        return name[0] == '.'
+            || (!m_hidden.isEmpty() && m_hidden.contains(QByteArray::fromRawData(name, qsizetype(length))));
+    }
+
+    bool isMountRoot(const struct statx &info) const
+    {
+        if (info.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT)
+            return info.stx_attributes & STATX_ATTR_MOUNT_ROOT;
+        // Older kernels do not say; a change of device is the next best sign.
+        return m_folderDevice != 0 && makedev(info.stx_dev_major, info.stx_dev_minor) != m_folderDevice;
+    }
+
+    bool isSystemMount(const char *name, size_t length)
+    {
+        QByteArray path = m_folderPath;
+        if (!path.endsWith('/'))
+            path += '/';
+        path.append(name, qsizetype(length));
+        const QByteArray canonical = canonicalBytes(path);
+        return !canonical.isEmpty() && m_systemMounts.contains(canonical);
+    }
+
+    int m_fd;
+    QByteArray m_folderPath;
+    QSet<QByteArray> m_hidden;
+    SystemMounts m_systemMounts;
+    dev_t m_folderDevice = 0;
+};
+
+/**
+ * Puts the entries of a listing in order: folders before files, each by
+ * name without regard to case, ties broken by the exact name.
+ *
+ * The case-folded name of every entry is computed once, as bytes: ASCII
+ * names are lower-cased byte by byte, others are case-folded and encoded
+ * with FileNameCodec (so UTF-8 names compare by code point and undecodable
+ * bytes by byte value). The first sixteen key bytes are kept in the sort
+ * item itself as two big-endian words, which decides most comparisons
+ * without touching the key buffer.
+ */
+class NameOrder
+{
+public:
+    /// Adds the next entry, whose raw name is @p name (@p length bytes) and whose decoded record is @p entry.
+    void add(const char *name, size_t length, const FileEntry &entry)
+    {
+        const size_t offset = m_keys.size();
+        if (isAscii(name, length)) {
+            m_keys.append(name, length);
+            for (size_t i = offset; i < m_keys.size(); ++i) {
+                if (m_keys[i] >= 'A' && m_keys[i] <= 'Z')
+                    m_keys[i] = char(m_keys[i] + ('a' - 'A'));
+            }
+        } else {
+            const QByteArray folded = FileNameCodec::encode(entry.name.toCaseFolded());
+            m_keys.append(folded.constData(), size_t(folded.size()));
+        }
+        SortItem item;
+        item.offset = offset;
+        item.length = m_keys.size() - offset;
+        item.index = m_items.size();
+        item.isFolder = entry.isFolder();
+        m_items.push_back(item);
+    }
+
+    /// Moves the entries (added in the order of @p entries) into @p folders and @p files, sorted.
+    void sortInto(QList<FileEntry> &entries, QList<FileEntry> &folders, QList<FileEntry> &files)
+    {
+        for (SortItem &item : m_items) {
+            item.head = bigEndianWord(item.offset, item.length, 0);
+            item.next = bigEndianWord(item.offset, item.length, 8);
+        }
+        std::sort(m_items.begin(), m_items.end(),
+            [&](const SortItem &a, const SortItem &b) { return isBefore(a, b, entries); });
+        const auto folderCount
+            = std::count_if(m_items.cbegin(), m_items.cend(), [](const SortItem &item) { return item.isFolder; });
+        folders.reserve(folderCount);
+        files.reserve(qsizetype(m_items.size()) - folderCount);
+        for (const SortItem &item : m_items)
+            (item.isFolder ? folders : files).append(std::move(entries[qsizetype(item.index)]));
+    }
+
+private:
+    struct SortItem
+    {
+        quint64 head = 0; ///< key bytes 0..7, big-endian, zero-padded
+        quint64 next = 0; ///< key bytes 8..15
+        size_t offset = 0; ///< of the key in m_keys
+        size_t length = 0;
+        size_t index = 0; ///< of the entry
+        bool isFolder = false;
+    };
+    static constexpr size_t wordBytes = 2 * sizeof(quint64);
+
+    static bool isAscii(const char *name, size_t length)
+    {
+        for (size_t i = 0; i < length; ++i) {
+            if (static_cast<unsigned char>(name[i]) >= 0x80)
+                return false;
+        }
+        return true;
+    }
+
+    quint64 bigEndianWord(size_t offset, size_t length, size_t from) const
+    {
+        unsigned char bytes[sizeof(quint64)] = {};
+        if (length > from)
+            std::memcpy(bytes, m_keys.data() + offset + from, std::min(length - from, sizeof bytes));
+        return qFromBigEndian<quint64>(bytes);
+    }
+
+    bool isBefore(const SortItem &a, const SortItem &b, const QList<FileEntry> &entries) const
+    {
+        if (a.isFolder != b.isFolder)
+            return a.isFolder;
+        if (a.head != b.head)
+            return a.head < b.head;
+        if (a.next != b.next)
+            return a.next < b.next;
+        // Names hold no NUL byte, so equal padded words mean equal first sixteen bytes.
+        const size_t common = std::min(a.length, b.length);
+        if (common > wordBytes) {
+            const int byTail = std::memcmp(
+                m_keys.data() + a.offset + wordBytes, m_keys.data() + b.offset + wordBytes, common - wordBytes);
+            if (byTail != 0)
+                return byTail < 0;
+        }
+        if (a.length != b.length)
+            return a.length < b.length;
+        return entries.at(qsizetype(a.index)).name < entries.at(qsizetype(b.index)).name;
+    }
+
+    std::string m_keys;
+    std::vector<SortItem> m_items;
+};
+
+/// The cleaned path of @p path as bytes for the system, or "" for "".
+QByteArray systemPath(const QString &path)
+{
+    return FileNameCodec::encode(FileSystem::cleanPath(path));
+}
+
+/// Whether the entry @p name of a folder counts as a folder (a link to one included); nullopt when it is gone.
+std::optional<bool> isFolderEntry(int folderFd, const char *name, unsigned char dType)
+{
+    if (dType == DT_DIR)
+        return true;
+    if (dType != DT_LNK && dType != DT_UNKNOWN)
+        return false;
+    struct statx info;
+    if (::statx(folderFd, name, entryStatxFlags, STATX_TYPE, &info) == 0)
+        return S_ISDIR(info.stx_mode);
+    // A broken link is still there, as a file.
+    if (::statx(folderFd, name, entryStatxFlags | AT_SYMLINK_NOFOLLOW, STATX_TYPE, &info) == 0)
+        return false;
+    return std::nullopt;
 }
 
 } // namespace
@@ -241,8 +605,9 @@ FileSystem::Probes FileSystem::Probes::system()
     Probes probes;
     probes.mountInfoPath = QStringLiteral("/proc/self/mountinfo");
     probes.isFileMount = [](const QString &mountPoint) {
-        const QFileInfo info(mountPoint);
-        return info.exists() && !info.isDir();
+        struct statx info;
+        return ::statx(AT_FDCWD, FileNameCodec::encode(mountPoint).constData(), entryStatxFlags, STATX_TYPE, &info) == 0
+            && !S_ISDIR(info.stx_mode);
     };
     probes.statVolume = statvfsVolume;
     probes.volumeLabel
@@ -333,7 +698,9 @@ DriveInfo FileSystem::getDrive(const QString &path) const
     if (const std::optional<DriveInfo> drive = driveWithRoot(list, path))
         return *drive;
     const QString cleaned = cleanPath(path);
-    if (cleaned.isEmpty() || !QFileInfo::exists(cleaned))
+    struct statx info;
+    if (cleaned.isEmpty()
+        || ::statx(AT_FDCWD, FileNameCodec::encode(cleaned).constData(), entryStatxFlags, STATX_TYPE, &info) != 0)
         throw RuntimeError(ErrorNumber::PathNotFound);
     return containingDrive(list, cleaned);
 }
@@ -351,16 +718,19 @@ FolderInfo FileSystem::folder(const QString &path) const
         return info;
     if (info.path != QLatin1String("/"))
         info.name = info.path.mid(info.path.lastIndexOf(QLatin1Char('/')) + 1);
-    info.exists = QFileInfo(info.path).isDir();
+    info.exists = folderExists(info.path);
     return info;
 }
 
 qint64 FileSystem::fileSize(const QString &path) const
 {
-    const QFileInfo info(cleanPath(path));
-    if (path.isEmpty() || !info.exists() || info.isDir())
+    const QByteArray encoded = systemPath(path);
+    struct statx info;
+    if (encoded.isEmpty()
+        || ::statx(AT_FDCWD, encoded.constData(), entryStatxFlags, STATX_TYPE | STATX_SIZE, &info) != 0
+        || S_ISDIR(info.stx_mode))
         throw RuntimeError(ErrorNumber::FileNotFound);
-    return info.size();
+    return qint64(info.stx_size);
 }
 
 QString FileSystem::cleanPath(const QString &path)
@@ -422,6 +792,139 @@ QString FileSystem::shareNameFromSource(const QString &source)
     while (path.startsWith(QLatin1Char('/')))
         path.remove(0, 1);
     return backslashes + host + QLatin1Char('\\') + path;
+}
+
+FolderContents FileSystem::listFolder(const QString &path) const
+{
+    FolderContents contents;
+    contents.path = cleanPath(path);
+    if (contents.path.isEmpty())
+        throw RuntimeError(ErrorNumber::PathNotFound);
+    const QByteArray folderPath = FileNameCodec::encode(contents.path);
+    const DirHandle dir(::opendir(folderPath.constData()));
+    if (!dir)
+        throw RuntimeError(errorNumberForErrno(errno));
+    FolderReader reader(::dirfd(dir.get()), folderPath, m_probes.mountInfoPath);
+    QList<FileEntry> entries;
+    NameOrder order;
+    FileEntry entry;
+    errno = 0;
+    while (const dirent *found = ::readdir(dir.get())) {
+        if (isDotOrDotDot(found->d_name))
+            continue;
+        const size_t length = std::strlen(found->d_name);
+        const Lookup lookup = reader.read(found->d_name, length, found->d_type, entry);
+        if (lookup == Lookup::Denied)
+            throw RuntimeError(ErrorNumber::PermissionDenied);
+        if (lookup == Lookup::Found) {
+            order.add(found->d_name, length, entry);
+            entries.append(std::move(entry));
+        }
+        errno = 0;
+    }
+    if (errno != 0)
+        throw RuntimeError(errorNumberForErrno(errno));
+    order.sortInto(entries, contents.folders, contents.files);
+    return contents;
+}
+
+std::optional<FileEntry> FileSystem::entry(const QString &path) const
+{
+    const QByteArray encoded = systemPath(path);
+    if (encoded.isEmpty())
+        return std::nullopt;
+    const qsizetype slash = encoded.lastIndexOf('/');
+    const bool isRoot = encoded == "/";
+    // The root has no folder to be read from; it is looked up by its own path.
+    const QByteArray folderPath = isRoot ? encoded : (slash == 0 ? QByteArray("/") : encoded.left(slash));
+    const QByteArray name = isRoot ? encoded : encoded.mid(slash + 1);
+    const FileDescriptor folder(::open(folderPath.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isValid())
+        return std::nullopt;
+    FolderReader reader(folder.get(), isRoot ? QByteArray() : folderPath, m_probes.mountInfoPath);
+    FileEntry found;
+    if (reader.read(name.constData(), size_t(name.size()), DT_UNKNOWN, found) != Lookup::Found)
+        return std::nullopt;
+    if (isRoot)
+        found.name.clear();
+    return found;
+}
+
+bool FileSystem::fileExists(const QString &path) const
+{
+    const QByteArray encoded = systemPath(path);
+    if (encoded.isEmpty())
+        return false;
+    struct statx info;
+    if (::statx(AT_FDCWD, encoded.constData(), entryStatxFlags, STATX_TYPE, &info) == 0)
+        return !S_ISDIR(info.stx_mode);
+    // A broken link is listed among the files, so it exists as one.
+    return ::statx(AT_FDCWD, encoded.constData(), entryStatxFlags | AT_SYMLINK_NOFOLLOW, STATX_TYPE, &info) == 0;
+}
+
+bool FileSystem::folderExists(const QString &path) const
+{
+    const QByteArray encoded = systemPath(path);
+    struct statx info;
+    return !encoded.isEmpty() && ::statx(AT_FDCWD, encoded.constData(), entryStatxFlags, STATX_TYPE, &info) == 0
+        && S_ISDIR(info.stx_mode);
+}
+
+int FileSystem::fileCount(const QString &folderPath) const
+{
+    const QByteArray encoded = systemPath(folderPath);
+    if (encoded.isEmpty())
+        return 0;
+    const DirHandle dir(::opendir(encoded.constData()));
+    if (!dir)
+        return 0;
+    int count = 0;
+    while (const dirent *found = ::readdir(dir.get())) {
+        if (isDotOrDotDot(found->d_name))
+            continue;
+        if (isFolderEntry(::dirfd(dir.get()), found->d_name, found->d_type) == false)
+            ++count;
+    }
+    return count;
+}
+
+QString FileSystem::extensionName(const QString &path)
+{
+    qsizetype end = path.size();
+    while (end > 0 && path.at(end - 1) == QLatin1Char('/'))
+        --end;
+    const QStringView name = QStringView(path).first(end);
+    const qsizetype slash = name.lastIndexOf(QLatin1Char('/'));
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    if (dot <= slash || dot == name.size() - 1)
+        return QString();
+    return name.mid(dot + 1).toString();
+}
+
+QString FileSystem::parentFolderName(const QString &path)
+{
+    if (path.isEmpty())
+        return QString();
+    const QString cleaned = QDir::cleanPath(path);
+    const qsizetype slash = cleaned.lastIndexOf(QLatin1Char('/'));
+    if (cleaned == QLatin1String("/") || slash < 0)
+        return QString();
+    return slash == 0 ? QStringLiteral("/") : cleaned.left(slash);
+}
+
+QString FileSystem::buildPath(const QString &folder, const QString &name)
+{
+    if (folder.isEmpty())
+        return name;
+    if (name.isEmpty())
+        return folder;
+    qsizetype folderEnd = folder.size();
+    while (folderEnd > 0 && folder.at(folderEnd - 1) == QLatin1Char('/'))
+        --folderEnd;
+    qsizetype nameStart = 0;
+    while (nameStart < name.size() && name.at(nameStart) == QLatin1Char('/'))
+        ++nameStart;
+    return QStringView(folder).first(folderEnd) + QLatin1Char('/') + QStringView(name).mid(nameStart);
 }
 
 } // namespace Kelocontrols

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "DriveInfo.h"
+#include "FileEntry.h"
+#include "FolderContents.h"
 #include "FolderInfo.h"
 
 #include <QByteArray>
@@ -8,6 +10,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace Kelocontrols {
 
@@ -54,6 +57,27 @@ namespace Kelocontrols {
  * Paths are compared exactly (Linux file names are case-sensitive), after
  * cleaning: relative paths are made absolute against the current folder,
  * "." and ".." and doubled or trailing "/" are removed.
+ *
+ * @par Files and folders
+ * listFolder() and entry() describe entries as FileEntry records. Every path
+ * reaches the system through FileNameCodec::encode(), and names come back
+ * through FileNameCodec::decode(), so names that are not valid UTF-8 survive
+ * the round trip. Attributes:
+ * - ReadOnly when the owner's write bit is clear (of the target, for a link).
+ * - Hidden when the name begins with "." or is a line of the folder's
+ *   ".hidden" file (blanks and a CR at the end of a line are ignored).
+ * - System for what is neither a regular file nor a folder, nor a link to
+ *   one: devices, sockets, FIFOs and broken links (a link whose target is
+ *   missing or unreachable cannot be opened as a file or folder); and for
+ *   folders that are the mount points of pseudo file systems (/proc, /sys,
+ *   /dev, /dev/pts ...).
+ * - Directory for folders and links to folders.
+ * - Archive for regular files and links to them, as a fresh file carries it
+ *   on Windows.
+ * - Alias for every symbolic link, broken or not.
+ * A link is described by its target (size, dates); a broken link by itself.
+ * The creation time is the birth time where the file system records it
+ * (statx); elsewhere it is the modification time and createdKnown is false.
  */
 class FileSystem
 {
@@ -117,6 +141,43 @@ public:
 
     /// @p path absolute and cleaned as the class notes say; "" for "".
     static QString cleanPath(const QString &path);
+
+    /**
+     * The sub-folders and files of the folder @p path, each list sorted by
+     * name without regard to case, ties broken by the exact name; "." and
+     * ".." are left out, and so is an entry that vanishes while it is read.
+     * Raises RuntimeError PathNotFound (76) when the folder is missing or
+     * not a folder, PermissionDenied (70) when it cannot be read.
+     */
+    FolderContents listFolder(const QString &path) const;
+
+    /// The entry for one path (attributes as in listFolder(), its folder's ".hidden" included); nullopt when missing.
+    std::optional<FileEntry> entry(const QString &path) const;
+
+    /// True when @p path is an existing file: anything but a folder or a link to one (broken links included).
+    bool fileExists(const QString &path) const;
+
+    /// True when @p path is an existing folder or a link to one.
+    bool folderExists(const QString &path) const;
+
+    /**
+     * The number of files directly in the folder @p folderPath (everything
+     * listFolder() would put in its file list); 0 when it cannot be read.
+     */
+    int fileCount(const QString &folderPath) const;
+
+    /**
+     * The extension of the last component of @p path: the text after its
+     * last "." ("a.tar.gz" gives "gz", ".bashrc" gives "bashrc"); "" when it
+     * has no "." or ends with one.
+     */
+    static QString extensionName(const QString &path);
+
+    /// The cleaned path of the folder holding @p path; "" for "/" and for "".
+    static QString parentFolderName(const QString &path);
+
+    /// @p folder and @p name joined by one "/"; @p name alone when @p folder is "".
+    static QString buildPath(const QString &folder, const QString &name);
 
     /// The label of @p device from a by-label folder of symbolic links (such as /dev/disk/by-label), or "".
     static QString labelFromDirectory(const QString &labelDirectory, const QString &device);

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void percentFormat_data();
     void percentFormat();
     void percentFormatFollowsLocale();
+    void dateTexts();
 };
 
 void TestConversions::roundHalfEvenRounds_data()
@@ -330,6 +331,26 @@ void TestConversions::percentFormatFollowsLocale()
         LocaleScope arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
         QCOMPARE(formatPercent(0.5), QStringLiteral("\u0665\u0660%"));
     }
+}
+
+void TestConversions::dateTexts()
+{
+    const QLocale saved;
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    const QDateTime afternoon(QDate(2026, 3, 14), QTime(13, 5, 9));
+    QCOMPARE(formatGeneralDate(afternoon), QStringLiteral("14/03/2026 13:05:09"));
+    QCOMPARE(formatGeneralDate(QDateTime(QDate(2026, 3, 14), QTime(0, 0))), QStringLiteral("14/03/2026"));
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    const QString us = formatGeneralDate(afternoon);
+    QVERIFY2(us.startsWith(QStringLiteral("3/14/26 1:05:09")), qPrintable(us));
+    QVERIFY2(us.endsWith(QStringLiteral("PM")), qPrintable(us)); // no time-zone name after it
+    QLocale::setDefault(saved);
+
+    QCOMPARE(formatSortableDateTime(afternoon), QStringLiteral("2026-03-14 13:05:09"));
+    QCOMPARE(
+        formatSortableDateTime(QDateTime(QDate(987, 1, 2), QTime(23, 59, 59))), QStringLiteral("0987-01-02 23:59:59"));
+    QCOMPARE(formatSortableDateTime(QDateTime()), QString());
+    QCOMPARE(formatGeneralDate(QDateTime()), QString());
 }
 
 QTEST_MAIN(TestConversions)

@@ -39,6 +39,7 @@ class TestImageList : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void renamingAndLookupsAfterRemoval();
     void indexesCountFromOne();
     void keysIgnoreCase();
     void duplicateKeyIsRefused();
@@ -263,6 +264,27 @@ void TestImageList::badIndexOrKeyRaises()
     QCOMPARE(list.key(2), QStringLiteral("doc"));
     QCOMPARE(list.tag(1), QVariant(1));
     QCOMPARE(list.tag(2), QVariant(2));
+}
+
+void TestImageList::renamingAndLookupsAfterRemoval()
+{
+    ImageList list(QSize(16, 16));
+    list.add(filled(QSize(16, 16), Qt::red), QStringLiteral("Red"));
+    list.add(filled(QSize(16, 16), Qt::green), QStringLiteral("Green"));
+    list.add(filled(QSize(16, 16), Qt::blue), QStringLiteral("Blue"));
+    list.remove(1);
+    QCOMPARE(list.indexOf(QStringLiteral("blue")), 2); // the key index follows the shift
+    QCOMPARE(list.indexOf(QStringLiteral("red")), 0);
+    list.setKey(2, QStringLiteral("Navy"));
+    QCOMPARE(list.indexOf(QStringLiteral("NAVY")), 2);
+    QCOMPARE(list.indexOf(QStringLiteral("Blue")), 0);
+    list.setKey(2, QStringLiteral("navy")); // its own key in another case is no clash
+    QCOMPARE(errorNumberOf([&] { list.setKey(2, QStringLiteral("green")); }), int(ErrorNumber::KeyNotUnique));
+    QCOMPARE(errorNumberOf([&] { list.setKey(3, QStringLiteral("x")); }), int(ErrorNumber::ElementNotFound));
+    list.add(filled(QSize(16, 16), Qt::red), QStringLiteral("Red"));
+    QCOMPARE(list.indexOf(QStringLiteral("Red")), 3);
+    list.clear();
+    QCOMPARE(list.indexOf(QStringLiteral("Red")), 0);
 }
 
 QTEST_MAIN(TestImageList)

@@ -1,0 +1,186 @@
+// Listing a folder of 100,000 entries into KelofileView, against the raw
+// floor (readdir + statx of the same entries) and QFileSystemModel, in the
+// same run. KELO_BENCH_SMOKE=1 (scripts/bench --smoke) uses 2,000 entries.
+#include <Kelocontrols/KelofileView.h>
+#include <Kelocontrols/ListView.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFileSystemModel>
+#include <QTest>
+#include <QTimer>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace {
+
+const char *const Extensions[]
+    = {"txt", "pdf", "png", "jpg", "html", "css", "js", "json", "xml", "csv", "md", "c", "cpp", "h", "py", "sh", "zip",
+        "gz", "tar", "mp3", "ogg", "wav", "mp4", "svg", "odt", "ods", "doc", "xls", "log", "ini"};
+
+int entryCount()
+{
+    return qEnvironmentVariableIntValue("KELO_BENCH_SMOKE") ? 2000 : 100000;
+}
+
+// One folder per 300 entries, the rest files spread over the extensions.
+QString ensureFixture(int entries)
+{
+    const QString folder = QDir::tempPath() + QStringLiteral("/kelo-bench-fileview-%1").arg(entries);
+    const QString done = folder + QStringLiteral("/.complete");
+    if (QFile::exists(done)) {
+        return folder;
+    }
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+    const QByteArray base = QFile::encodeName(folder);
+    const int folders = entries / 300;
+    for (int i = 0; i < entries - 1; ++i) { // the marker file is the last entry
+        QByteArray name = base + '/';
+        if (i < folders) {
+            name += "Folder " + QByteArray::number(i);
+            ::mkdir(name.constData(), 0755);
+            continue;
+        }
+        name += "File " + QByteArray::number(i * 7919 % 1000003) + '.' + Extensions[i % std::size(Extensions)];
+        const int fd = ::open(name.constData(), O_CREAT | O_WRONLY, 0644);
+        if (fd >= 0) {
+            if (i % 5 == 0) {
+                (void)::write(fd, name.constData(), size_t(name.size()));
+            }
+            ::close(fd);
+        }
+    }
+    QFile marker(done);
+    marker.open(QIODevice::WriteOnly);
+    return folder;
+}
+
+// The floor: what any listing must do, read the names and stat each entry.
+int rawListing(const QByteArray &folder)
+{
+    DIR *dir = ::opendir(folder.constData());
+    if (!dir) {
+        return 0;
+    }
+    const int fd = ::dirfd(dir);
+    int count = 0;
+    while (const dirent *e = ::readdir(dir)) {
+        if (e->d_name[0] == '.' && (e->d_name[1] == 0 || (e->d_name[1] == '.' && e->d_name[2] == 0))) {
+            continue;
+        }
+        struct statx st;
+        if (::statx(fd, e->d_name, AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &st) == 0) {
+            ++count;
+        }
+    }
+    ::closedir(dir);
+    return count;
+}
+
+size_t heapInUse()
+{
+    return mallinfo2().uordblks;
+}
+
+} // namespace
+
+class BenchFileView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_entries = entryCount();
+        m_folder = ensureFixture(m_entries);
+        rawListing(QFile::encodeName(m_folder)); // warm the cache
+    }
+
+    void rawFloor()
+    {
+        const QByteArray folder = QFile::encodeName(m_folder);
+        int count = 0;
+        QBENCHMARK
+        {
+            QElapsedTimer t;
+            t.start();
+            count = rawListing(folder);
+            m_raw = std::min(m_raw, t.nsecsElapsed() / 1e6);
+        }
+        QCOMPARE(count, m_entries);
+    }
+
+    void fillView()
+    {
+        int items = 0;
+        QBENCHMARK
+        {
+            KelofileView view;
+            view.resize(800, 600);
+            view.setAllowHiddenFiles(true);
+            const size_t before = heapInUse();
+            QElapsedTimer t;
+            t.start();
+            view.setPathRoot(m_folder);
+            view.grab(); // lays the rows out and paints the visible ones
+            m_fill = std::min(m_fill, t.nsecsElapsed() / 1e6);
+            m_heapMB = (heapInUse() - before) / 1048576.0;
+            items = view.ItemCount();
+        }
+        QCOMPARE(items, m_entries);
+    }
+
+    void fileSystemModel()
+    {
+        int rows = 0;
+        QBENCHMARK_ONCE
+        {
+            QElapsedTimer t;
+            t.start();
+            QFileSystemModel model;
+            model.setFilter(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+            QEventLoop loop;
+            QTimer poll;
+            QModelIndex root;
+            connect(&poll, &QTimer::timeout, &loop, [&] {
+                if (root.isValid() && model.rowCount(root) >= m_entries) {
+                    loop.quit();
+                }
+            });
+            poll.start(5);
+            root = model.setRootPath(m_folder);
+            QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+            loop.exec();
+            rows = model.rowCount(root);
+            m_model = t.nsecsElapsed() / 1e6;
+            qInfo("QFileSystemModel run: %.0f ms, %d rows", m_model, rows);
+        }
+        QCOMPARE(rows, m_entries);
+    }
+
+    void cleanupTestCase()
+    {
+        qInfo("entries %d: raw floor %.1f ms, KelofileView fill %.1f ms (%.2fx the floor), QFileSystemModel %.0f ms "
+              "(%.1fx the fill); heap for the filled list %.1f MB",
+            m_entries, m_raw, m_fill, m_fill / m_raw, m_model, m_model / m_fill, m_heapMB);
+    }
+
+private:
+    int m_entries = 0;
+    QString m_folder;
+    double m_raw = 1e12;
+    double m_fill = 1e12;
+    double m_model = 0;
+    double m_heapMB = 0;
+};
+
+QTEST_MAIN(BenchFileView)
+#include "bench_fileview.moc"

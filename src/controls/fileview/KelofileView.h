@@ -1,0 +1,411 @@
+#pragma once
+
+#include "ControlBase.h"
+#include "OleColor.h"
+
+#include <QFont>
+#include <QPixmap>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class QLineEdit;
+class QTimer;
+
+namespace Kelocontrols {
+class FileItemSource;
+class FileViewImages;
+class ImageList;
+class ListView;
+class PictureBox;
+struct FileEntry;
+struct DriveInfo;
+} // namespace Kelocontrols
+
+/**
+ * An explorer-like file list: the sub-folders and files of a folder with
+ * their icons, sizes, types and dates; or the drives ("My Computer"); or a
+ * set of favourite folders the host supplies ("My Folders").
+ *
+ * Set PathRoot to a folder and the list shows it at once; Path alone is
+ * stored and shown at the next fill (showing the control, PathRoot,
+ * ShowFolders). In a form designer (UserMode false) the list shows a
+ * message instead of listing files.
+ *
+ * A fill raises ChangedFolder(Cancel) and BeforePaint(Cancel) (either may
+ * stop it, leaving the list as it was), clears the list, then adds the
+ * sub-folders (when ShowFolders) and files whose names match Filter (the
+ * Like pattern language, without regard to case), each with
+ * BeforeAddItem(Cancel) and AfterAddItem(Index), and ends with AfterPaint.
+ * Entries come in name order without regard to case, folders first. Hidden
+ * (dot files and names in the folder's ".hidden") and system entries
+ * (devices, sockets, FIFOs, pseudo file-system mounts) are left out unless
+ * AllowHiddenFiles / AllowSystemFiles; TotalSize still counts the bytes of
+ * matching hidden and system files.
+ *
+ * Inner widgets, found by objectName: `ListFiles` (a Kelocontrols::ListView
+ * with 13 columns: Name, Size, Type, Modified, Created, Changed and the
+ * hidden Folder, SortedSize, SortedModified, SortedCreated, RealName,
+ * Refresh, SortName), the image lists `Image32` and `Image16` (children of
+ * the control, Kelocontrols::ImageList), the message line `txtMessage`, the
+ * hidden picture box `TempPic` and the timer `RefreshTimer`.
+ *
+ * Item members address the item at ItemIndex (1-based; 0 = none); image
+ * members address the image at ImageIndex of Image16 (ImageSmall) or
+ * Image32. Writing an item member, or calling ItemAddNew / ItemRemove /
+ * ItemClear, in design mode raises RuntimeError 387.
+ *
+ * \code
+ * auto *files = new KelofileView(form);
+ * files->setObjectName("Files");
+ * connect(files, &KelofileView::BeforeAddItem, [](int &Cancel) { ... });
+ * files->setFilter("*.txt");
+ * files->setPathRoot(QDir::homePath());   // lists the folder now
+ * \endcode
+ */
+class KelofileView : public Kelocontrols::ControlBase
+{
+    Q_OBJECT
+    Q_CLASSINFO("Interface", "_KelofileView")
+    Q_CLASSINFO("EventInterface", "__KelofileView")
+    Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
+    Q_CLASSINFO("Help:ItemIndex", "Index for referencing items in the FileView control")
+    Q_CLASSINFO("Help:ItemDisplayName", "Display name of the item referenced by ItemIndex")
+    Q_CLASSINFO("Help:ItemName", "Name of the current (ItemIndex) item")
+    Q_CLASSINFO("Help:ItemCount", "Count of items in the FileView")
+    Q_CLASSINFO("Help:ItemIcon", "Key for the current (ItemIndex) items image.")
+    Q_CLASSINFO("Help:ItemSmallIcon", "Key for the small item used by the current (ItemIndex) item")
+    Q_CLASSINFO("Help:ItemSelected", "Index of the currently selected item in the list (by user not ItemIndex)")
+    Q_CLASSINFO("Help:ItemTag", "Tag of the current (ItemIndex) item.")
+    Q_CLASSINFO("Help:ItemBold", "Causes the current item (ItemIndex) to appear bold.")
+    Q_CLASSINFO("Help:ItemAddNew", "Adds a new file or folder item to the list.  Allows virtual directories.")
+    Q_CLASSINFO("Help:ItemRemove", "Removes the current (ItemIndex) item")
+    Q_CLASSINFO("Help:ItemClear", "Clears all the items from the FileView.")
+    Q_CLASSINFO("Help:ImageIndex", "Index to the current image used for programming")
+    Q_CLASSINFO("Help:ImageCount", "Count of the number of images in the list")
+    Q_CLASSINFO("Help:ImageSmall", "Flag to point to the small image list if set, the large image list if not.")
+    Q_CLASSINFO("Help:ImageKey", "Key of the current image (using ImageIndex)")
+    Q_CLASSINFO("Help:ImageTag", "Tag for the current (ImageIndex) image.")
+    Q_CLASSINFO("Help:ImageAddNew", "Adds a new image to the list of images")
+    Q_CLASSINFO("Help:ImageRemove", "Removes the current (ImageIndex) image from the list of images")
+    Q_CLASSINFO("Help:OLEDragMode",
+        "Returns/Sets whether this control can act as an OLE drag/drop source, and whether this process is started "
+        "automatically or under programmatic control.")
+    Q_CLASSINFO("Help:OLEDropMode", "Returns/Sets whether this control can act as an OLE drop target.")
+    Q_CLASSINFO("DispId:NeedMyFolders", "1")
+    Q_CLASSINFO("DispId:ItemClick", "2")
+    Q_CLASSINFO("DispId:RefreshFoundChanges", "3")
+    Q_CLASSINFO("DispId:ChangedFolder", "4")
+    Q_CLASSINFO("DispId:AfterLabelEdit", "11")
+    Q_CLASSINFO("DispId:BeforeLabelEdit", "12")
+    Q_CLASSINFO("DispId:AfterAddItem", "13")
+    Q_CLASSINFO("DispId:BeforeAddItem", "14")
+    Q_CLASSINFO("DispId:BeforePaint", "15")
+    Q_CLASSINFO("DispId:AfterPaint", "16")
+    Q_CLASSINFO("DispId:Click", "17")
+    Q_CLASSINFO("DispId:DblClick", "18")
+    Q_CLASSINFO("DispId:KeyDown", "19")
+    Q_CLASSINFO("DispId:KeyPress", "20")
+    Q_CLASSINFO("DispId:KeyUp", "21")
+    Q_CLASSINFO("DispId:MouseDown", "22")
+    Q_CLASSINFO("DispId:MouseMove", "23")
+    Q_CLASSINFO("DispId:MouseUp", "24")
+
+    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
+    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
+    Q_PROPERTY(QString Path READ Path WRITE setPath)
+    Q_PROPERTY(QString PathRoot READ PathRoot WRITE setPathRoot)
+    Q_PROPERTY(bool LimitToRoot READ LimitToRoot WRITE setLimitToRoot)
+    Q_PROPERTY(bool ShowFolders READ ShowFolders WRITE setShowFolders)
+    Q_PROPERTY(int MousePointer READ MousePointer WRITE setMousePointer)
+    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+    Q_PROPERTY(QPixmap Picture READ Picture WRITE setPicture)
+    Q_PROPERTY(int PictureAlignment READ PictureAlignment WRITE setPictureAlignment)
+    Q_PROPERTY(int Arrange READ Arrange WRITE setArrange)
+    Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance)
+    Q_PROPERTY(bool HideColumnHeaders READ HideColumnHeaders WRITE setHideColumnHeaders)
+    Q_PROPERTY(bool HideSelection READ HideSelection WRITE setHideSelection)
+    Q_PROPERTY(bool MultiSelect READ MultiSelect WRITE setMultiSelect)
+    Q_PROPERTY(bool AllowColumnReorder READ AllowColumnReorder WRITE setAllowColumnReorder)
+    Q_PROPERTY(bool FlatScrollBar READ FlatScrollBar WRITE setFlatScrollBar)
+    Q_PROPERTY(bool FullRowSelect READ FullRowSelect WRITE setFullRowSelect)
+    Q_PROPERTY(bool GridLines READ GridLines WRITE setGridLines)
+    Q_PROPERTY(bool HotTracking READ HotTracking WRITE setHotTracking)
+    Q_PROPERTY(bool HoverSelection READ HoverSelection WRITE setHoverSelection)
+    Q_PROPERTY(int ItemIndex READ ItemIndex WRITE setItemIndex DESIGNABLE false STORED false)
+    Q_PROPERTY(QString ItemDisplayName READ ItemDisplayName WRITE setItemDisplayName DESIGNABLE false STORED false)
+    Q_PROPERTY(QString ItemName READ ItemName WRITE setItemName DESIGNABLE false STORED false)
+    Q_PROPERTY(int ItemCount READ ItemCount DESIGNABLE false STORED false)
+    Q_PROPERTY(bool LabelWrap READ LabelWrap WRITE setLabelWrap)
+    Q_PROPERTY(int View READ View WRITE setView)
+    Q_PROPERTY(QString ItemIcon READ ItemIcon WRITE setItemIcon DESIGNABLE false STORED false)
+    Q_PROPERTY(QString ItemSmallIcon READ ItemSmallIcon WRITE setItemSmallIcon DESIGNABLE false STORED false)
+    Q_PROPERTY(int ItemSelected READ ItemSelected WRITE setItemSelected DESIGNABLE false STORED false)
+    Q_PROPERTY(QString ItemTag READ ItemTag WRITE setItemTag DESIGNABLE false STORED false)
+    Q_PROPERTY(int ImageIndex READ ImageIndex WRITE setImageIndex DESIGNABLE false STORED false)
+    Q_PROPERTY(int ImageCount READ ImageCount DESIGNABLE false STORED false)
+    Q_PROPERTY(bool ImageSmall READ ImageSmall WRITE setImageSmall DESIGNABLE false STORED false)
+    Q_PROPERTY(QString ImageKey READ ImageKey WRITE setImageKey DESIGNABLE false STORED false)
+    Q_PROPERTY(bool ShowFolderDetails READ ShowFolderDetails WRITE setShowFolderDetails)
+    Q_PROPERTY(bool ItemBold READ ItemBold WRITE setItemBold DESIGNABLE false STORED false)
+    Q_PROPERTY(int OLEDragMode READ OLEDragMode WRITE setOLEDragMode)
+    Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE setOLEDropMode)
+    Q_PROPERTY(int RefreshInterval READ RefreshInterval WRITE setRefreshInterval)
+    Q_PROPERTY(QString Filter READ Filter WRITE setFilter)
+    Q_PROPERTY(int TotalSize READ TotalSize WRITE setTotalSize DESIGNABLE false STORED false)
+    Q_PROPERTY(bool AllowHiddenFiles READ AllowHiddenFiles WRITE setAllowHiddenFiles)
+    Q_PROPERTY(bool AllowSystemFiles READ AllowSystemFiles WRITE setAllowSystemFiles)
+    Q_PROPERTY(bool AllowLabelEdit READ AllowLabelEdit WRITE setAllowLabelEdit)
+    Q_PROPERTY(QString ImageTag READ ImageTag WRITE setImageTag DESIGNABLE false STORED false)
+
+public:
+    /// The pseudo-paths, compared without regard to case.
+    static inline const QString MyComputer = QStringLiteral("My Computer");
+    static inline const QString MyFolders = QStringLiteral("My Folders");
+    /// The message shown when a fill lists nothing.
+    static inline const QString EmptyFolderMessage = QStringLiteral("There are no items to show in this folder.");
+
+    explicit KelofileView(QWidget *parent = nullptr);
+    ~KelofileView() override;
+
+    // Appearance, passed to ListFiles
+    Kelocontrols::OleColor BackColor() const;
+    void setBackColor(Kelocontrols::OleColor color);
+    Kelocontrols::OleColor ForeColor() const;
+    void setForeColor(Kelocontrols::OleColor color);
+    bool Enabled() const;
+    void setEnabled(bool enabled);
+    QFont Font() const;
+    void setFont(const QFont &font);
+    int BorderStyle() const;
+    void setBorderStyle(int style);
+    int MousePointer() const;
+    void setMousePointer(int pointer);
+    QPixmap MouseIcon() const;
+    void setMouseIcon(const QPixmap &icon);
+    QPixmap Picture() const;
+    void setPicture(const QPixmap &picture);
+    int PictureAlignment() const;
+    void setPictureAlignment(int alignment);
+    int Arrange() const;
+    void setArrange(int arrange);
+    int Appearance() const;
+    void setAppearance(int appearance);
+    bool HideColumnHeaders() const;
+    void setHideColumnHeaders(bool hide);
+    bool HideSelection() const;
+    void setHideSelection(bool hide);
+    bool MultiSelect() const;
+    void setMultiSelect(bool multi);
+    bool AllowColumnReorder() const;
+    void setAllowColumnReorder(bool allow);
+    bool FlatScrollBar() const;
+    void setFlatScrollBar(bool flat);
+    bool FullRowSelect() const;
+    void setFullRowSelect(bool full);
+    bool GridLines() const;
+    void setGridLines(bool on);
+    bool HotTracking() const;
+    void setHotTracking(bool on);
+    bool HoverSelection() const;
+    void setHoverSelection(bool on);
+    bool LabelWrap() const;
+    void setLabelWrap(bool wrap);
+    /// 0 large icons, 1 small icons, 2 list, 3 details (report, the default).
+    int View() const;
+    void setView(int view);
+
+    // What is listed
+    QString Path() const { return m_path; }
+    /// Stores the folder to show; the list follows at the next fill.
+    void setPath(const QString &path);
+    QString PathRoot() const { return m_pathRoot; }
+    /// Stores the root, makes it the Path and fills the list.
+    void setPathRoot(const QString &pathRoot);
+    bool LimitToRoot() const { return m_limitToRoot; }
+    void setLimitToRoot(bool limit);
+    bool ShowFolders() const { return m_showFolders; }
+    /// Stores the flag and fills the list.
+    void setShowFolders(bool show);
+    bool ShowFolderDetails() const { return m_showFolderDetails; }
+    void setShowFolderDetails(bool show);
+    QString Filter() const { return m_filter; }
+    void setFilter(const QString &filter);
+    /// Bytes in the files that matched Filter in the last listing, hidden and system ones included.
+    int TotalSize() const { return m_totalSize; }
+    void setTotalSize(int bytes);
+    bool AllowHiddenFiles() const { return m_allowHiddenFiles; }
+    void setAllowHiddenFiles(bool allow);
+    bool AllowSystemFiles() const { return m_allowSystemFiles; }
+    void setAllowSystemFiles(bool allow);
+    bool AllowLabelEdit() const { return m_allowLabelEdit; }
+    void setAllowLabelEdit(bool allow);
+    int OLEDragMode() const { return m_oleDragMode; }
+    void setOLEDragMode(int mode);
+    int OLEDropMode() const { return m_oleDropMode; }
+    void setOLEDropMode(int mode);
+    /// Milliseconds between automatic refreshes, 0 for none.
+    int RefreshInterval() const;
+    void setRefreshInterval(int milliseconds);
+
+    /// The "My Folders" set the host fills in NeedMyFolders.
+    QStringList &MyFoldersList() { return m_myFolders; }
+
+    // Item members (ItemIndex is 1-based; 0 or an index past the end addresses nothing)
+    int ItemIndex() const { return m_itemIndex; }
+    void setItemIndex(int index);
+    int ItemCount() const;
+    QString ItemDisplayName() const;
+    void setItemDisplayName(const QString &text);
+    /// The real name of the item (the file or folder name; a drive's root).
+    QString ItemName() const;
+    void setItemName(const QString &name);
+    QString ItemIcon() const;
+    /// Sets the item's large image key; raises 35601 when Image32 has no such key.
+    void setItemIcon(const QString &key);
+    QString ItemSmallIcon() const;
+    /// Sets the item's small image key; raises 35601 when Image16 has no such key.
+    void setItemSmallIcon(const QString &key);
+    /// The index of the first item the user selected, 0 for none.
+    int ItemSelected() const;
+    /// Selects the item at @p index (0 clears the selection).
+    void setItemSelected(int index);
+    QString ItemTag() const;
+    void setItemTag(const QString &tag);
+    bool ItemBold() const;
+    void setItemBold(bool bold);
+    /**
+     * Adds @p Filename (a full path) as a file item when a file exists
+     * there, else as a folder item; a name with nothing on disk behind it
+     * is added as a folder item anyway (a "virtual" folder, type "Folder").
+     * Raises BeforeAddItem / AfterAddItem; returns the new index, or 0 when
+     * a handler cancelled or the entry is hidden or system and not allowed.
+     */
+    Q_INVOKABLE int ItemAddNew(const QString &Filename);
+    /// Removes the item at @p Index (0: at ItemIndex); nothing happens for an index out of range.
+    Q_INVOKABLE void ItemRemove(int Index = 0);
+    Q_INVOKABLE void ItemClear();
+
+    // Image members (on Image16 when ImageSmall, else Image32)
+    int ImageIndex() const { return m_imageIndex; }
+    void setImageIndex(int index);
+    int ImageCount() const;
+    bool ImageSmall() const { return m_imageSmall; }
+    void setImageSmall(bool small);
+    QString ImageKey() const;
+    void setImageKey(const QString &key);
+    QString ImageTag() const;
+    void setImageTag(const QString &tag);
+    /// Adds @p MyImage under @p MyKey and returns its index; raises 35602 for a key already there.
+    Q_INVOKABLE int ImageAddNew(const QPixmap &MyImage, const QString &MyKey);
+    /// Removes the image with key @p MyKey; nothing happens when there is none.
+    Q_INVOKABLE void ImageRemove(const QString &MyKey);
+
+    /// Repaints the list. (Bringing it up to date with the disk is the automatic refresh's job.)
+    Q_INVOKABLE void Refresh();
+
+    Kelocontrols::ListView *listFiles() const { return m_list; }
+    Kelocontrols::ImageList *image32() const { return m_image32; }
+    Kelocontrols::ImageList *image16() const { return m_image16; }
+
+    const Kelocontrols::PropertyTableBase &propertyTable() const override;
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void NeedMyFolders(QStringList &MyFolders);
+    void ItemClick(int &Index);
+    void RefreshFoundChanges();
+    void ChangedFolder(int &Cancel);
+    void AfterLabelEdit(int &Cancel, QString &NewString);
+    void BeforeLabelEdit(int &Cancel);
+    void AfterAddItem(int &Index);
+    void BeforeAddItem(int &Cancel);
+    void BeforePaint(int &Cancel);
+    void AfterPaint();
+    void Click();
+    void DblClick();
+    void KeyDown(short &KeyCode, short &Shift);
+    void KeyPress(short &KeyAscii);
+    void KeyUp(short &KeyCode, short &Shift);
+    void MouseDown(short &Button, short &Shift, float &X, float &Y);
+    void MouseMove(short &Button, short &Shift, float &X, float &Y);
+    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+
+protected:
+    void propertiesLoaded() override;
+    void userModeChanged() override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    friend class FileViewPropertyTable;
+
+    void buildColumns();
+    void forwardStockEvents();
+    void fill();
+    void fillAfterShow();
+    bool raiseCancellable(void (KelofileView::*signal)(int &));
+    void clearItems();
+    void listFolder();
+    void listMyComputer();
+    void listMyFolders();
+    void finishFill();
+    int addFileItem(const Kelocontrols::FileEntry &entry, const QString &folder);
+    int addFolderItem(const Kelocontrols::FileEntry &entry, const QString &folder, bool driveRoot);
+    int addDriveItem(const Kelocontrols::DriveInfo &drive);
+    void addUnavailableItem(const QString &path);
+    bool passesAttributeRules(const Kelocontrols::FileEntry &entry) const;
+    int appendItem(const QString &text, const QString &key, const QString &path, bool folder, bool hidden, int token,
+        const QString &imageTag = QString());
+    void addToTotalSize(qint64 bytes);
+    bool matchesFilter(const QString &name) const;
+    void showMessage(const QString &text);
+    void placeMessage();
+    bool currentItemValid() const;
+    int currentRow() const { return m_itemIndex - 1; }
+    void requireCurrentImage() const;
+    Kelocontrols::ImageList *currentImageList() const;
+    void requireUserMode() const { requireRunMode(); }
+
+    Kelocontrols::ListView *m_list;
+    Kelocontrols::ImageList *m_image32;
+    Kelocontrols::ImageList *m_image16;
+    QLineEdit *m_message;
+    Kelocontrols::PictureBox *m_tempPic;
+    QTimer *m_refreshTimer;
+    std::unique_ptr<Kelocontrols::FileItemSource> m_rows;
+    std::unique_ptr<Kelocontrols::FileViewImages> m_images;
+
+    QString m_path;
+    QString m_pathRoot;
+    bool m_limitToRoot = true;
+    bool m_showFolders = true;
+    bool m_showFolderDetails = false;
+    QString m_filter;
+    qint32 m_totalSize = 0;
+    bool m_allowHiddenFiles = false;
+    bool m_allowSystemFiles = false;
+    bool m_allowLabelEdit = true;
+    int m_oleDragMode = 1;
+    int m_oleDropMode = 2;
+    QStringList m_myFolders;
+
+    int m_itemIndex = 0;
+    int m_imageIndex = 0;
+    bool m_imageSmall = false;
+    // The values the item and image members were last given (and load and save).
+    QString m_itemName;
+    QString m_itemDisplayName;
+    QString m_itemIcon;
+    QString m_itemSmallIcon;
+    QString m_itemTag;
+    int m_itemSelected = 0;
+    bool m_itemBold = false;
+    QString m_imageKey;
+    QString m_imageTag;
+};

@@ -1,0 +1,771 @@
+#include "KeloTestSupport.h"
+
+#include <Kelocontrols/CommonFile.h>
+#include <Kelocontrols/Conversions.h>
+#include <Kelocontrols/FileNameCodec.h>
+#include <Kelocontrols/FileSystem.h>
+#include <Kelocontrols/FileTypes.h>
+#include <Kelocontrols/ImageList.h>
+#include <Kelocontrols/KelofileView.h>
+#include <Kelocontrols/ListView.h>
+#include <Kelocontrols/ListViewModel.h>
+#include <Kelocontrols/PropertyBag.h>
+#include <Kelocontrols/PropertyTable.h>
+#include <Kelocontrols/ReportView.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
+
+namespace {
+
+enum Column {
+    Name,
+    Size,
+    Type,
+    Modified,
+    Created,
+    Changed,
+    Folder,
+    SortedSize,
+    SortedModified,
+    SortedCreated,
+    RealName,
+    Refresh,
+    SortName
+};
+
+void writeFile(const QString &path, qint64 bytes)
+{
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(QByteArray(bytes, 'x'));
+}
+
+// Sets a file's modification time; the access time follows it.
+void setModified(const QString &path, qint64 msecs)
+{
+    struct timespec times[2];
+    times[0].tv_sec = times[1].tv_sec = msecs / 1000;
+    times[0].tv_nsec = times[1].tv_nsec = (msecs % 1000) * 1000000;
+    QCOMPARE(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+QString cell(KelofileView &view, int row, int column)
+{
+    ListViewModel *m = view.listFiles()->model();
+    return column == 0 ? m->item(row).text : m->subItem(row, column);
+}
+
+QStringList names(KelofileView &view)
+{
+    QStringList list;
+    for (int r = 0; r < view.ItemCount(); ++r) {
+        list << cell(view, r, Name);
+    }
+    return list;
+}
+
+// A control in run mode with a recorder of its fill events.
+struct Recorder
+{
+    explicit Recorder(KelofileView &view)
+    {
+        QObject::connect(&view, &KelofileView::ChangedFolder, [this](int &cancel) { hit("ChangedFolder", cancel); });
+        QObject::connect(&view, &KelofileView::BeforePaint, [this](int &cancel) { hit("BeforePaint", cancel); });
+        QObject::connect(&view, &KelofileView::BeforeAddItem, [this](int &cancel) { hit("BeforeAddItem", cancel); });
+        QObject::connect(&view, &KelofileView::AfterAddItem,
+            [this](int &index) { events << QStringLiteral("AfterAddItem:%1").arg(index); });
+        QObject::connect(&view, &KelofileView::AfterPaint, [this] { events << QStringLiteral("AfterPaint"); });
+    }
+    void hit(const char *name, int &cancel)
+    {
+        events << QString::fromLatin1(name);
+        if (cancelAt == events.size()) {
+            cancel = -1;
+        }
+    }
+    QStringList events;
+    int cancelAt = 0; // 1-based position in events whose handler cancels
+};
+
+} // namespace
+
+class TestKelofileView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_dir.reset(new QTemporaryDir); }
+
+    void freshControlHasItsConstituentsAndDefaults();
+    void eventOrderAndCancel_data();
+    void eventOrderAndCancel();
+    void columnsOfFilesAndFolders();
+    void changedColumnComparesToTheSecond();
+    void folderDetails();
+    void filterAndShowFolders();
+    void hiddenAndSystemEntries();
+    void emptyFolderAndEmptyPath();
+    void designModeShowsAMessage();
+    void myComputerInAnyCase();
+    void myFoldersAsksTheHostAndMarksVanishedEntries();
+    void programImagesAreDroppedAtTheNextFill();
+    void totalSizeOverflows();
+    void missingFolderRaises();
+    void undecodableNamesStayReachable();
+    void persistenceRoundTrip();
+    void messageLinePlacement();
+    void itemMembers();
+    void itemMembersAtDesignTime();
+    void imageMembers();
+    void clickingAnItemRaisesItemClick();
+
+private:
+    QString path(const QString &name) const { return m_dir->filePath(name); }
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+void TestKelofileView::freshControlHasItsConstituentsAndDefaults()
+{
+    KelofileView view;
+    auto *list = view.findChild<ListView *>(QStringLiteral("ListFiles"));
+    QVERIFY(list);
+    QVERIFY(view.findChild<ImageList *>(QStringLiteral("Image32")));
+    QVERIFY(view.findChild<ImageList *>(QStringLiteral("Image16")));
+    QVERIFY(view.findChild<QLineEdit *>(QStringLiteral("txtMessage")));
+    QVERIFY(view.findChild<QObject *>(QStringLiteral("RefreshTimer")));
+
+    const QList<ColumnHeader> &columns = list->model()->columns();
+    const QStringList captions = {"Name", "Size", "Type", "Modified", "Created", "Changed", "Folder", "SortedSize",
+        "SortedModified", "SortedCreated", "RealName", "Refresh", "SortName"};
+    const QList<int> widths = {1305, 2540, 2540, 2540, 582, 6068, 0, 0, 0, 0, 0, 0, 0};
+    const QStringList tags = {"13", "8", "", "9", "10", "", "", "", "", "", "", "", ""};
+    QCOMPARE(columns.size(), 13);
+    for (int c = 0; c < 13; ++c) {
+        QCOMPARE(columns[c].text, captions[c]);
+        QCOMPARE(columns[c].width, widths[c]);
+        QCOMPARE(columns[c].tag, tags[c]);
+        QCOMPARE(list->reportView()->isColumnHidden(c), c >= 6);
+    }
+    QCOMPARE(columns[Folder].key, QStringLiteral("Folder"));
+    QCOMPARE(columns[RealName].key, QStringLiteral("RealName"));
+    QCOMPARE(columns[Refresh].key, QStringLiteral("Refresh"));
+
+    QCOMPARE(view.image32()->count(), 2);
+    QCOMPARE(view.image32()->key(1), QStringLiteral("Drive Unavailable"));
+    QCOMPARE(view.image32()->key(2), QStringLiteral("FolderUnavailable"));
+    QCOMPARE(view.image16()->count(), 4);
+    QCOMPARE(view.image16()->key(1), QStringLiteral("SortDown"));
+    QCOMPARE(view.image16()->key(2), QStringLiteral("SortUp"));
+    QVERIFY(!view.image16()->picture(1).isNull());
+
+    QCOMPARE(view.View(), 3);
+    QCOMPARE(view.BackColor(), 0x80000005u);
+    QCOMPARE(view.ForeColor(), 0x80000008u);
+    QCOMPARE(view.BorderStyle(), 1);
+    QCOMPARE(view.Appearance(), 1);
+    QVERIFY(view.LimitToRoot() && view.ShowFolders() && view.AllowLabelEdit() && view.LabelWrap());
+    QVERIFY(!view.AllowHiddenFiles() && !view.AllowSystemFiles() && !view.ShowFolderDetails());
+    QCOMPARE(view.OLEDragMode(), 1);
+    QCOMPARE(view.OLEDropMode(), 2);
+    QCOMPARE(view.RefreshInterval(), 0);
+    QCOMPARE(view.property("ItemSmallIcon").toString(), QString()); // no current item to report
+    QCOMPARE(view.ItemCount(), 0);
+}
+
+void TestKelofileView::eventOrderAndCancel_data()
+{
+    QTest::addColumn<int>("cancelAt");
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QStringList>("listed");
+    const QStringList old = {"old.txt"};
+    QTest::newRow("no cancel") << 0
+                               << QStringList{"ChangedFolder", "BeforePaint", "BeforeAddItem", "AfterAddItem:1",
+                                      "BeforeAddItem", "AfterAddItem:2", "BeforeAddItem", "AfterAddItem:3",
+                                      "AfterPaint"}
+                               << QStringList{"sub", "a.txt", "B.txt"};
+    QTest::newRow("ChangedFolder") << 1 << QStringList{"ChangedFolder"} << old;
+    QTest::newRow("BeforePaint") << 2 << QStringList{"ChangedFolder", "BeforePaint"} << old;
+    QTest::newRow("second item") << 5
+                                 << QStringList{"ChangedFolder", "BeforePaint", "BeforeAddItem", "AfterAddItem:1",
+                                        "BeforeAddItem", "BeforeAddItem", "AfterAddItem:2", "AfterPaint"}
+                                 << QStringList{"sub", "B.txt"};
+}
+
+void TestKelofileView::eventOrderAndCancel()
+{
+    QFETCH(int, cancelAt);
+    QFETCH(QStringList, expected);
+    QFETCH(QStringList, listed);
+    QDir(m_dir->path()).mkpath(QStringLiteral("old"));
+    writeFile(path("old/old.txt"), 1);
+    QDir(m_dir->path()).mkpath(QStringLiteral("new/sub"));
+    writeFile(path("new/B.txt"), 2);
+    writeFile(path("new/a.txt"), 3);
+
+    KelofileView view;
+    view.setPathRoot(path("old"));
+    QCOMPARE(names(view), QStringList{"old.txt"});
+
+    Recorder recorder(view);
+    recorder.cancelAt = cancelAt;
+    view.setPathRoot(path("new"));
+    QCOMPARE(recorder.events, expected);
+    QCOMPARE(names(view), listed); // folders first, then files in name order without regard to case
+}
+
+void TestKelofileView::columnsOfFilesAndFolders()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("docs"));
+    writeFile(path("empty.txt"), 0);
+    writeFile(path("one.txt"), 1);
+    writeFile(path("big.txt"), 1025);
+    const qint64 when = QDateTime(QDate(2024, 2, 29), QTime(13, 5, 9)).toMSecsSinceEpoch();
+    setModified(path("big.txt"), when);
+
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), (QStringList{"docs", "big.txt", "empty.txt", "one.txt"}));
+    QCOMPARE(cell(view, 2, Size), QStringLiteral("0KB"));
+    QCOMPARE(cell(view, 3, Size), QStringLiteral("1KB"));
+    QCOMPARE(cell(view, 1, Size), QStringLiteral("2KB"));
+    QCOMPARE(cell(view, 1, SortedSize), QStringLiteral("000000001025"));
+    QCOMPARE(cell(view, 1, SortedModified), QStringLiteral("2024-02-29 13:05:09"));
+    QCOMPARE(cell(view, 1, Modified), formatGeneralDate(QDateTime::fromMSecsSinceEpoch(when)));
+    QCOMPARE(cell(view, 1, Type), FileTypes::instance().fileTypeText(QStringLiteral("big.txt")));
+    QVERIFY(!cell(view, 1, Type).isEmpty());
+    const QString folder = FileSystem::cleanPath(m_dir->path());
+    QCOMPARE(cell(view, 1, Folder), folder);
+    QCOMPARE(cell(view, 1, RealName), QStringLiteral("big.txt"));
+    QCOMPARE(cell(view, 1, Refresh), QString());
+    QCOMPARE(cell(view, 1, SortName), QStringLiteral("big.txt"));
+    QCOMPARE(view.TotalSize(), 1026);
+
+    // A folder without details: type, folder, sort keys; no size or dates shown.
+    QCOMPARE(cell(view, 0, Type), FileTypes::instance().folderTypeText());
+    QCOMPARE(cell(view, 0, Size), QString());
+    QCOMPARE(cell(view, 0, Modified), QString());
+    QCOMPARE(cell(view, 0, Changed), QString());
+    QCOMPARE(cell(view, 0, SortedSize), QStringLiteral("000000000000"));
+    QCOMPARE(cell(view, 0, SortName), QStringLiteral(" docs"));
+    QCOMPARE(cell(view, 0, RealName), QStringLiteral("docs"));
+    QCOMPARE(cell(view, 0, Folder), folder);
+
+    // Image keys: one per extension, in both lists; folders get their open form too.
+    ListViewModel *m = view.listFiles()->model();
+    QCOMPARE(m->item(1).icon, QStringLiteral("txt"));
+    QCOMPARE(m->item(1).smallIcon, QStringLiteral("txt"));
+    QCOMPARE(m->item(0).icon, FileTypes::instance().folderTypeText());
+    for (ImageList *list : {view.image32(), view.image16()}) {
+        QVERIFY(list->contains(QStringLiteral("txt")));
+        QVERIFY(list->contains(QStringLiteral("OPEN_") + FileTypes::instance().folderTypeText()));
+    }
+    QCOMPARE(view.image16()->count(), view.image32()->count() + 2); // the two sort arrows are small only
+    QVERIFY(!m->data(m->index(1, 0), Qt::DecorationRole).isNull());
+}
+
+void TestKelofileView::changedColumnComparesToTheSecond()
+{
+    writeFile(path("same.txt"), 1);
+    writeFile(path("later.txt"), 1);
+    const std::optional<FileEntry> same = FileSystem::instance().entry(path("same.txt"));
+    QVERIFY(same);
+    setModified(path("same.txt"), same->created / 1000 * 1000 + 999); // same second as its creation
+    setModified(path("later.txt"), same->created + 3600 * 1000);
+
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), (QStringList{"later.txt", "same.txt"}));
+    QCOMPARE(cell(view, 1, Changed), QString());
+    const std::optional<FileEntry> later = FileSystem::instance().entry(path("later.txt"));
+    QCOMPARE(cell(view, 0, Changed), later->createdKnown ? QStringLiteral("Yes") : QString());
+    QCOMPARE(cell(view, 0, Created), formatGeneralDate(QDateTime::fromMSecsSinceEpoch(later->created)));
+}
+
+void TestKelofileView::folderDetails()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("three/inner"));
+    for (const char *n : {"three/a", "three/b", "three/c"}) {
+        writeFile(path(QString::fromLatin1(n)), 5);
+    }
+    KelofileView view;
+    view.setShowFolderDetails(true);
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(cell(view, 0, Size), QStringLiteral("3")); // files directly inside, not the sub-folder
+    QCOMPARE(cell(view, 0, SortedSize), QStringLiteral("000000000003"));
+    QVERIFY(!cell(view, 0, Modified).isEmpty());
+    QVERIFY(!cell(view, 0, Created).isEmpty());
+}
+
+void TestKelofileView::filterAndShowFolders()
+{
+    QDir dir(m_dir->path());
+    dir.mkpath(QStringLiteral("notes.txt"));
+    dir.mkpath(QStringLiteral("docs"));
+    writeFile(path("a.txt"), 10);
+    writeFile(path("b.TXT"), 20);
+    writeFile(path("c.csv"), 40);
+
+    KelofileView view;
+    view.setFilter(QStringLiteral("*.txt"));
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), (QStringList{"notes.txt", "a.txt", "b.TXT"}));
+    QCOMPARE(view.TotalSize(), 30);
+
+    view.setShowFolders(false); // refills
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.TXT"}));
+
+    view.setFilter(QStringLiteral("[ab].*"));
+    view.setShowFolders(true);
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.TXT"}));
+}
+
+void TestKelofileView::hiddenAndSystemEntries()
+{
+    QDir dir(m_dir->path());
+    dir.mkpath(QStringLiteral(".secret"));
+    writeFile(path(".dotfile"), 100);
+    writeFile(path("listed.txt"), 1000);
+    writeFile(path("plain.txt"), 1);
+    QFile hiddenList(path(".hidden"));
+    QVERIFY(hiddenList.open(QIODevice::WriteOnly));
+    hiddenList.write("listed.txt\n");
+    hiddenList.close();
+    QCOMPARE(mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
+
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), QStringList{"plain.txt"});
+    // Hidden and system files that match still count: .dotfile, .hidden, listed.txt, pipe, plain.txt.
+    QCOMPARE(view.TotalSize(), 100 + 11 + 1000 + 0 + 1);
+
+    view.setAllowHiddenFiles(true);
+    view.setShowFolders(true);
+    QCOMPARE(names(view), (QStringList{".secret", ".dotfile", ".hidden", "listed.txt", "plain.txt"}));
+    ListViewModel *m = view.listFiles()->model();
+    const QString folderKey = FileTypes::instance().folderTypeText();
+    QCOMPARE(m->item(0).icon, QStringLiteral("HIDDEN_") + folderKey);
+    QCOMPARE(m->item(3).icon, QStringLiteral("HIDDEN_txt"));
+    QCOMPARE(m->item(4).icon, QStringLiteral("txt"));
+    for (ImageList *list : {view.image32(), view.image16()}) {
+        QVERIFY(list->contains(QStringLiteral("HIDDEN_txt")));
+        QVERIFY(list->contains(QStringLiteral("HIDDEN_OPEN_") + folderKey));
+    }
+    // The ghosted picture is lighter than the plain one.
+    const QImage plain = view.image32()->picture(QStringLiteral("txt")).toImage();
+    const QImage ghost = view.image32()->picture(QStringLiteral("HIDDEN_txt")).toImage();
+    QVERIFY(plain != ghost);
+
+    view.setAllowSystemFiles(true);
+    view.setShowFolders(true);
+    QVERIFY(names(view).contains(QStringLiteral("pipe")));
+
+    // A drive root is never hidden by the rules: "/" is listed in My Folders even with all rules on.
+    view.setAllowHiddenFiles(false);
+    view.setAllowSystemFiles(false);
+    connect(&view, &KelofileView::NeedMyFolders, [](QStringList &folders) { folders << QStringLiteral("/"); });
+    view.setPathRoot(KelofileView::MyFolders);
+    QCOMPARE(view.ItemCount(), 1);
+}
+
+void TestKelofileView::emptyFolderAndEmptyPath()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("empty"));
+    KelofileView view;
+    view.resize(400, 300);
+    auto *message = view.findChild<QLineEdit *>(QStringLiteral("txtMessage"));
+    QSignalSpy afterPaint(&view, &KelofileView::AfterPaint);
+
+    view.setPathRoot(path("empty"));
+    QCOMPARE(view.ItemCount(), 0);
+    QVERIFY(!message->isHidden());
+    QCOMPARE(message->text(), QStringLiteral("There are no items to show in this folder."));
+    QCOMPARE(afterPaint.count(), 1);
+
+    writeFile(path("empty/a.log"), 1);
+    view.setFilter(QStringLiteral("*.txt")); // everything filtered out counts as empty
+    view.setShowFolders(true);
+    QVERIFY(!message->isHidden());
+    QCOMPARE(afterPaint.count(), 2);
+
+    view.setFilter(QString());
+    view.setShowFolders(true);
+    QVERIFY(message->isHidden());
+
+    view.setPathRoot(QString());
+    QCOMPARE(view.ItemCount(), 0);
+    QCOMPARE(afterPaint.count(), 3); // no AfterPaint, and the message stays as it was
+    QVERIFY(message->isHidden());
+}
+
+void TestKelofileView::designModeShowsAMessage()
+{
+    writeFile(path("x.txt"), 1);
+    KelofileView view;
+    view.setUserMode(false);
+    view.setObjectName(QStringLiteral("FileView1"));
+    Recorder recorder(view);
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(view.ItemCount(), 0);
+    QCOMPARE(recorder.events, QStringList());
+    auto *message = view.findChild<QLineEdit *>(QStringLiteral("txtMessage"));
+    QCOMPARE(message->text(), QStringLiteral("FileView1: PathRoot set to '%1'").arg(m_dir->path()));
+    QVERIFY(!message->isHidden());
+    QCOMPARE(view.Path(), m_dir->path());
+}
+
+void TestKelofileView::myComputerInAnyCase()
+{
+    const QList<DriveInfo> drives = FileSystem::instance().drives();
+    QVERIFY(!drives.isEmpty());
+    KelofileView view;
+    view.setPathRoot(QStringLiteral("mY cOMPUTER"));
+    QCOMPARE(view.ItemCount(), int(drives.size()));
+    for (int i = 0; i < drives.size(); ++i) {
+        QCOMPARE(cell(view, i, Name), drives[i].rootPath);
+        QCOMPARE(cell(view, i, RealName), drives[i].rootPath);
+        QCOMPARE(cell(view, i, Folder), QString());
+        QCOMPARE(view.listFiles()->model()->item(i).icon, DriveTypeName(drives[i]));
+        QVERIFY(view.image16()->contains(DriveTypeName(drives[i])));
+    }
+}
+
+void TestKelofileView::myFoldersAsksTheHostAndMarksVanishedEntries()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("Work"));
+    const QString gone = path("Gone");
+    KelofileView view;
+    int asked = 0;
+    connect(&view, &KelofileView::NeedMyFolders, [&](QStringList &folders) {
+        ++asked;
+        QVERIFY(folders.isEmpty());
+        folders << path("Work") << gone;
+    });
+    Recorder recorder(view);
+    view.setPathRoot(KelofileView::MyFolders);
+    QCOMPARE(asked, 1);
+    QCOMPARE(names(view), (QStringList{"Work", gone + QStringLiteral(" (Unavailable)")}));
+    QCOMPARE(view.listFiles()->model()->item(1).icon, QStringLiteral("FolderUnavailable"));
+    QCOMPARE(view.listFiles()->model()->item(1).smallIcon, QStringLiteral("FolderUnavailable"));
+    QCOMPARE(cell(view, 1, SortName), QLatin1Char(' ') + gone);
+    QCOMPARE(cell(view, 0, Folder), FileSystem::cleanPath(m_dir->path()));
+    // Only the existing folder raises the per-item events.
+    QCOMPARE(recorder.events,
+        (QStringList{"ChangedFolder", "BeforePaint", "BeforeAddItem", "AfterAddItem:1", "AfterPaint"}));
+
+    view.setPathRoot(QStringLiteral("my folders"));
+    QCOMPARE(asked, 1); // the set is filled now
+    QCOMPARE(view.ItemCount(), 2);
+}
+
+void TestKelofileView::programImagesAreDroppedAtTheNextFill()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("other"));
+    writeFile(path("setup.exe"), 10);
+    writeFile(path("TOOL.EXE"), 10);
+    writeFile(path("readme.txt"), 10);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    ListViewModel *m = view.listFiles()->model();
+    QCOMPARE(names(view), (QStringList{"other", "readme.txt", "setup.exe", "TOOL.EXE"}));
+    QCOMPARE(m->item(3).icon, QStringLiteral("TOOL.EXE"));
+    for (ImageList *list : {view.image32(), view.image16()}) {
+        QCOMPARE(list->tag(list->indexOf(QStringLiteral("setup.exe"))).toString(), QStringLiteral("exe"));
+        QVERIFY(list->contains(QStringLiteral("TOOL.EXE")));
+    }
+    view.setPathRoot(path("other"));
+    for (ImageList *list : {view.image32(), view.image16()}) {
+        QVERIFY(!list->contains(QStringLiteral("setup.exe")));
+        QVERIFY(!list->contains(QStringLiteral("TOOL.EXE")));
+        QVERIFY(list->contains(QStringLiteral("txt"))); // images of types stay
+    }
+}
+
+void TestKelofileView::totalSizeOverflows()
+{
+    // Two sparse files of 1.5 GB: the sum passes 2,147,483,647 bytes without using the disk.
+    for (const char *n : {"a.bin", "b.bin"}) {
+        QFile f(path(QString::fromLatin1(n)));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        QVERIFY(f.resize(qint64(1536) * 1024 * 1024));
+    }
+    KelofileView view;
+    QCOMPARE(errorNumberOf([&] { view.setPathRoot(m_dir->path()); }), ErrorNumber::Overflow);
+    QCOMPARE(view.ItemCount(), 1); // the first file was listed before the sum overflowed
+
+    view.setFilter(QStringLiteral("a*"));
+    view.setShowFolders(true);
+    QCOMPARE(view.TotalSize(), 1536 * 1024 * 1024);
+    QCOMPARE(cell(view, 0, Size), QStringLiteral("1572864KB"));
+}
+
+void TestKelofileView::missingFolderRaises()
+{
+    writeFile(path("x.txt"), 1);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(view.ItemCount(), 1);
+    QCOMPARE(errorNumberOf([&] { view.setPathRoot(path("missing")); }), ErrorNumber::PathNotFound);
+    QCOMPARE(view.ItemCount(), 0);
+    // Late-bound writes raise the same error.
+    QCOMPARE(errorNumberOf([&] { view.setProperty("PathRoot", path("missing")); }), ErrorNumber::PathNotFound);
+}
+
+void TestKelofileView::undecodableNamesStayReachable()
+{
+    const QByteArray raw = QFile::encodeName(m_dir->path()) + "/caf\xe9-\xff.txt";
+    const int fd = ::open(raw.constData(), O_CREAT | O_WRONLY, 0644);
+    QVERIFY(fd >= 0);
+    QCOMPARE(::write(fd, "hello", 5), ssize_t(5));
+    ::close(fd);
+
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(view.ItemCount(), 1);
+    view.setItemIndex(1);
+    const QString name = view.ItemName();
+    QVERIFY(name.startsWith(QStringLiteral("caf")));
+    QCOMPARE(cell(view, 0, Size), QStringLiteral("1KB"));
+    const QByteArray back = FileNameCodec::encode(FileSystem::buildPath(cell(view, 0, Folder), name));
+    QCOMPARE(back, raw);
+    struct stat listed, created;
+    QCOMPARE(::stat(back.constData(), &listed), 0);
+    QCOMPARE(::stat(raw.constData(), &created), 0);
+    QCOMPARE(listed.st_ino, created.st_ino);
+    ::unlink(raw.constData()); // QTemporaryDir cannot remove a name it cannot decode
+}
+
+void TestKelofileView::persistenceRoundTrip()
+{
+    writeFile(path("x.txt"), 1);
+    KelofileView original;
+    original.setBackColor(0x00112233);
+    original.setBorderStyle(0);
+    original.setPath(QStringLiteral("/somewhere"));
+    original.setLimitToRoot(false);
+    original.setView(1);
+    original.setGridLines(true);
+    original.setMultiSelect(true);
+    original.setFilter(QStringLiteral("*.doc"));
+    original.setAllowHiddenFiles(true);
+    original.setShowFolderDetails(true);
+    original.setRefreshInterval(1500);
+    original.setOLEDropMode(1);
+    original.setPictureAlignment(5);
+
+    PropertyBag bag;
+    original.WriteProperties(bag);
+    QVERIFY(!bag.contains(QStringLiteral("ForeColor"))); // defaults are not stored
+    QVERIFY(!bag.contains(QStringLiteral("ItemCount")));
+
+    KelofileView copy;
+    Recorder recorder(copy);
+    copy.ReadProperties(PropertyBag::fromText(bag.toText()));
+    QCOMPARE(copy.BackColor(), 0x00112233u);
+    QCOMPARE(copy.BorderStyle(), 0);
+    QCOMPARE(copy.Path(), QStringLiteral("/somewhere"));
+    QVERIFY(!copy.LimitToRoot());
+    QCOMPARE(copy.View(), 1);
+    QVERIFY(copy.GridLines() && copy.MultiSelect() && copy.AllowHiddenFiles() && copy.ShowFolderDetails());
+    QCOMPARE(copy.Filter(), QStringLiteral("*.doc"));
+    QCOMPARE(copy.RefreshInterval(), 1500);
+    QCOMPARE(copy.OLEDropMode(), 1);
+    QCOMPARE(copy.PictureAlignment(), 5);
+    QCOMPARE(recorder.events, QStringList()); // loading lists nothing
+
+    // The run-time counts come back as the contents give them, never as saved.
+    PropertyBag counts;
+    counts.WriteProperty(QStringLiteral("ItemIndex"), 7);
+    counts.WriteProperty(QStringLiteral("ItemCount"), 12);
+    counts.WriteProperty(QStringLiteral("ImageIndex"), 3);
+    counts.WriteProperty(QStringLiteral("ImageCount"), 99);
+    KelofileView loaded;
+    loaded.ReadProperties(counts);
+    QCOMPARE(loaded.ItemIndex(), 0);
+    QCOMPARE(loaded.ItemCount(), 0);
+    QCOMPARE(loaded.ImageIndex(), 0);
+    QCOMPARE(loaded.ImageCount(), 2);
+
+    // Saved in the order of the property table.
+    const QStringList order = loaded.propertyTable().writeOrder();
+    QCOMPARE(order.size(), 49);
+    QCOMPARE(order.first(), QStringLiteral("BackColor"));
+    QCOMPARE(order.indexOf(QStringLiteral("ItemIndex")), 24);
+    QCOMPARE(order.last(), QStringLiteral("ImageTag"));
+    QCOMPARE(loaded.propertyTable().readOrder(), order);
+
+    // A value the list refuses raises its own error out of the load.
+    PropertyBag bad;
+    bad.WriteProperty(QStringLiteral("View"), 9);
+    QCOMPARE(errorNumberOf([&] { loaded.ReadProperties(bad); }), ErrorNumber::InvalidPropertyValue);
+}
+
+void TestKelofileView::messageLinePlacement()
+{
+    KelofileView view;
+    view.resize(600, 400);
+    QFont font = view.Font();
+    font.setPointSize(10);
+    view.setFont(font);
+    view.setPathRoot(m_dir->path()); // empty: the message shows
+    auto *message = view.findChild<QLineEdit *>(QStringLiteral("txtMessage"));
+    QCOMPARE(message->geometry().left(), 8);
+    QCOMPARE(message->width(), 600 - 16);
+    QCOMPARE(message->geometry().top(), (180 + 30 * 10) / 15);
+    view.setView(0);
+    QCOMPARE(message->geometry().top(), 8);
+    QCOMPARE(message->font().pointSize(), 10);
+}
+
+void TestKelofileView::itemMembers()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("folder"));
+    writeFile(path("a.txt"), 1);
+    writeFile(path("b.txt"), 1);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(view.ItemCount(), 3);
+
+    QCOMPARE(view.ItemDisplayName(), QString()); // ItemIndex 0 addresses nothing
+    QCOMPARE(view.ItemIcon(), QString());
+    view.setItemDisplayName(QStringLiteral("ignored"));
+    QCOMPARE(names(view), (QStringList{"folder", "a.txt", "b.txt"}));
+
+    view.setItemIndex(2);
+    QCOMPARE(view.ItemDisplayName(), QStringLiteral("a.txt"));
+    QCOMPARE(view.ItemName(), QStringLiteral("a.txt"));
+    QCOMPARE(view.ItemIcon(), QStringLiteral("txt"));
+    QCOMPARE(view.ItemSmallIcon(), QStringLiteral("txt"));
+    view.setItemDisplayName(QStringLiteral("Shown name"));
+    QCOMPARE(cell(view, 1, Name), QStringLiteral("Shown name"));
+    QCOMPARE(view.ItemName(), QStringLiteral("a.txt")); // the real name stays
+    view.setItemTag(QStringLiteral("tagged"));
+    QCOMPARE(view.ItemTag(), QStringLiteral("tagged"));
+    view.setItemBold(true);
+    QVERIFY(view.ItemBold());
+    QVERIFY(
+        view.listFiles()->model()->data(view.listFiles()->model()->index(1, 0), Qt::FontRole).value<QFont>().bold());
+    view.setItemIcon(QStringLiteral("FolderUnavailable"));
+    QCOMPARE(view.ItemIcon(), QStringLiteral("FolderUnavailable"));
+    QCOMPARE(
+        errorNumberOf([&] { view.setItemSmallIcon(QStringLiteral("no such key")); }), ErrorNumber::ElementNotFound);
+    QCOMPARE(view.ItemSmallIcon(), QStringLiteral("txt"));
+
+    QCOMPARE(view.ItemSelected(), 0);
+    view.setItemSelected(3);
+    QCOMPARE(view.ItemSelected(), 3);
+    QCOMPARE(view.ItemIndex(), 2); // the user's selection and ItemIndex are independent
+
+    view.setItemIndex(9); // past the end: reads empty, writes touch nothing
+    QCOMPARE(view.ItemDisplayName(), QString());
+    view.setItemTag(QStringLiteral("x"));
+    view.ItemRemove(9);
+    QCOMPARE(view.ItemCount(), 3);
+    view.ItemRemove(1);
+    QCOMPARE(names(view), (QStringList{"Shown name", "b.txt"}));
+
+    Recorder recorder(view);
+    QCOMPARE(view.ItemAddNew(path("folder")), 3);
+    QCOMPARE(view.ItemAddNew(path("b.txt")), 4);
+    QCOMPARE(view.ItemAddNew(QStringLiteral("/virtual/Favourites")), 5);
+    QCOMPARE(recorder.events,
+        (QStringList{
+            "BeforeAddItem", "AfterAddItem:3", "BeforeAddItem", "AfterAddItem:4", "BeforeAddItem", "AfterAddItem:5"}));
+    QCOMPARE(cell(view, 2, SortName), QStringLiteral(" folder"));
+    QCOMPARE(cell(view, 3, Size), QStringLiteral("1KB"));
+    QCOMPARE(cell(view, 4, Name), QStringLiteral("Favourites"));
+    QCOMPARE(cell(view, 4, Type), FileTypes::instance().folderTypeText());
+    QVERIFY(!view.listFiles()->model()->data(view.listFiles()->model()->index(4, 0), Qt::DecorationRole).isNull());
+
+    view.ItemClear();
+    QCOMPARE(view.ItemCount(), 0);
+    QCOMPARE(view.ItemDisplayName(), QString());
+}
+
+void TestKelofileView::itemMembersAtDesignTime()
+{
+    KelofileView view;
+    view.setUserMode(false);
+    const int refused = ErrorNumber::SetNotPermitted;
+    QCOMPARE(errorNumberOf([&] { view.setItemIndex(1); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemDisplayName(QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemName(QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemIcon(QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemSmallIcon(QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemSelected(1); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemTag(QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setItemBold(true); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.ItemAddNew(QStringLiteral("/")); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.ItemRemove(1); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.ItemClear(); }), refused);
+    QCOMPARE(errorNumberOf([&] { view.setProperty("ItemTag", QStringLiteral("x")); }), refused);
+    QCOMPARE(errorNumberOf([&] { QMetaObject::invokeMethod(&view, "ItemClear"); }), refused);
+    QCOMPARE(view.ItemTag(), QString());
+}
+
+void TestKelofileView::imageMembers()
+{
+    KelofileView view;
+    QCOMPARE(view.ImageCount(), 2); // the large list
+    view.setImageSmall(true);
+    QCOMPARE(view.ImageCount(), 4);
+    view.setImageIndex(2);
+    QCOMPARE(view.ImageKey(), QStringLiteral("SortUp"));
+    view.setImageTag(QStringLiteral("arrow"));
+    QCOMPARE(view.ImageTag(), QStringLiteral("arrow"));
+    view.setImageIndex(10); // out of range: ignored
+    QCOMPARE(view.ImageIndex(), 2);
+
+    QPixmap star(16, 16);
+    star.fill(Qt::yellow);
+    QCOMPARE(view.ImageAddNew(star, QStringLiteral("Star")), 5);
+    QCOMPARE(errorNumberOf([&] { view.ImageAddNew(star, QStringLiteral("star")); }), ErrorNumber::KeyNotUnique);
+    view.setImageIndex(5);
+    view.setImageKey(QStringLiteral("Bright star"));
+    QVERIFY(view.image16()->contains(QStringLiteral("bright STAR")));
+    QCOMPARE(errorNumberOf([&] { view.setImageKey(QStringLiteral("SortDown")); }), ErrorNumber::KeyNotUnique);
+    view.ImageRemove(QStringLiteral("Bright star"));
+    view.ImageRemove(QStringLiteral("never there"));
+    QCOMPARE(view.ImageCount(), 4);
+    QCOMPARE(view.ImageKey(), QString()); // index 5 is past the end now
+
+    view.setImageSmall(false);
+    QCOMPARE(view.ImageCount(), 2);
+    QCOMPARE(view.image32()->count(), 2);
+}
+
+void TestKelofileView::clickingAnItemRaisesItemClick()
+{
+    writeFile(path("a.txt"), 1);
+    writeFile(path("b.txt"), 1);
+    KelofileView view;
+    view.resize(500, 300);
+    view.show();
+    view.setPathRoot(m_dir->path());
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QList<int> clicks;
+    connect(&view, &KelofileView::ItemClick, [&](int &index) { clicks << index; });
+    QSignalSpy click(&view, &KelofileView::Click);
+    ReportView *report = view.listFiles()->reportView();
+    const QRect second = report->visualRect(view.listFiles()->model()->index(1, 0));
+    QTest::mouseClick(report->viewport(), Qt::LeftButton, {}, second.center());
+    QCOMPARE(clicks, QList<int>{2});
+    QCOMPARE(click.count(), 1);
+    QCOMPARE(view.ItemSelected(), 2);
+}
+
+QTEST_MAIN(TestKelofileView)
+#include "tst_kelofileview.moc"
