@@ -73,12 +73,38 @@ bool FileItemSource::differInSeconds(qint64 a, qint64 b)
     return seconds(a) != seconds(b);
 }
 
+bool FileItemSource::storeSubItemText(int token, int subItem, const QString &text)
+{
+    if (subItem != Refresh || token < 0 || token >= count()) {
+        return false;
+    }
+    m_rows[size_t(token)].refreshMark = text;
+    return true;
+}
+
+QStringList FileItemSource::texts(const Row &row) const
+{
+    QStringList list;
+    list.reserve(SortName);
+    for (int n = Size; n <= SortName; ++n) {
+        list << text(row, n);
+    }
+    return list;
+}
+
 QString FileItemSource::subItemText(int token, int subItem) const
 {
     if (token < 0 || token >= count()) {
         return QString();
     }
-    const Row &r = row(token);
+    return text(row(token), subItem);
+}
+
+QString FileItemSource::text(const Row &r, int subItem) const
+{
+    if (subItem == Refresh) {
+        return r.refreshMark;
+    }
     switch (r.kind) {
     case Kind::File:
         return fileText(r, subItem);

@@ -29,7 +29,7 @@ namespace Kelocontrols {
  * | 7 | SortedSize | bytes, 12 digits | file count, 12 digits |
  * | 8, 9 | SortedModified, SortedCreated | "yyyy-mm-dd hh:nn:ss" | same |
  * | 10 | RealName | name | name |
- * | 11 | Refresh | "" | "" |
+ * | 11 | Refresh | the refresh mark | the refresh mark |
  * | 12 | SortName | name | one blank + name |
  *
  * A drive row has its root as RealName and SortName, its type name as Type
@@ -51,6 +51,7 @@ public:
         mutable qint64 fileCount = -1;
         Kind kind = Kind::File;
         bool details = false; ///< folders: fill the detail columns
+        QString refreshMark; ///< the "Refresh" sub-item, written by the in-place refresh
     };
 
     /// Stores a row and returns its token.
@@ -60,6 +61,10 @@ public:
     int count() const { return int(m_rows.size()); }
 
     QString subItemText(int token, int subItem) const override;
+    /// Stores the "Refresh" sub-item (11) itself, so marking every row for a refresh copies no texts.
+    bool storeSubItemText(int token, int subItem, const QString &text) override;
+    /// The texts of sub-items 1 to 12 of @p row, as a new item would show them.
+    QStringList texts(const Row &row) const;
 
     /// "0KB", "1KB", "2KB" for 0, 1 and 1,025 bytes.
     static QString sizeText(qint64 bytes);
@@ -69,6 +74,7 @@ public:
     static bool differInSeconds(qint64 a, qint64 b);
 
 private:
+    QString text(const Row &row, int subItem) const;
     QString fileText(const Row &row, int subItem) const;
     QString folderText(const Row &row, int subItem) const;
     static qint64 fileCountOf(const Row &row);

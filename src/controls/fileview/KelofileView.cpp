@@ -38,6 +38,7 @@ constexpr int MessageTopOther = 120;
 // Files without an extension share this image key; no extension can hold a dot.
 const QString NoExtensionKey = QStringLiteral(".");
 const QString ExeTag = QStringLiteral("exe");
+constexpr int RealNameSubItem = 10;
 
 bool isPseudoPath(const QString &path, const QString &pseudo)
 {
@@ -116,6 +117,7 @@ KelofileView::KelofileView(QWidget *parent)
     m_list->setFont(ambientFont());
     setFocusProxy(m_list);
 
+    connect(m_refreshTimer, &QTimer::timeout, this, &KelofileView::refreshTick);
     connect(m_list, &ListView::itemClicked, this, [this](int row) {
         int index = row + 1;
         Q_EMIT ItemClick(index);
@@ -162,12 +164,13 @@ void KelofileView::forwardStockEvents()
 
 void KelofileView::propertiesLoaded()
 {
-    m_refreshTimer->setInterval(std::max(0, m_refreshTimer->interval()));
+    applyRefreshTimer();
     placeMessage();
 }
 
 void KelofileView::userModeChanged()
 {
+    applyRefreshTimer();
     if (UserMode() && isVisible()) {
         fillAfterShow();
     }
@@ -652,6 +655,7 @@ int KelofileView::RefreshInterval() const
 void KelofileView::setRefreshInterval(int milliseconds)
 {
     m_refreshTimer->setInterval(std::max(0, milliseconds));
+    applyRefreshTimer();
     propertyChanged("RefreshInterval");
 }
 
@@ -691,10 +695,6 @@ void KelofileView::setItemDisplayName(const QString &text)
         m_list->model()->setText(currentRow(), text);
     }
     propertyChanged("ItemDisplayName");
-}
-
-namespace {
-constexpr int RealNameSubItem = 10;
 }
 
 QString KelofileView::ItemName() const
@@ -909,7 +909,143 @@ void KelofileView::ImageRemove(const QString &MyKey)
     }
 }
 
+// ---------------------------------------------------------------------------
+// Bringing the list up to date in place
+
+namespace {
+constexpr int RefreshSubItem = 11;
+const QString RemoveMark = QStringLiteral("RemoveThis");
+} // namespace
+
 void KelofileView::Refresh()
 {
-    m_list->currentView()->viewport()->update();
+    if (isPseudoPath(m_path, MyFolders)) {
+        m_myFolders.clear(); // the host supplies the folders afresh
+        listMyFolders();
+        finishFill();
+    } else if (!isPseudoPath(m_path, MyComputer)) {
+        refreshInPlace();
+    }
+}
+
+void KelofileView::refreshTick()
+{
+    if (!UserMode() || isPseudoPath(m_path, MyFolders) || isPseudoPath(m_path, MyComputer)) {
+        return;
+    }
+    try {
+        refreshInPlace();
+    } catch (const RuntimeError &error) {
+        showMessage(error.description()); // a tick has no caller to raise to
+    }
+}
+
+void KelofileView::applyRefreshTimer()
+{
+    if (UserMode() && m_refreshTimer->interval() > 0) {
+        m_refreshTimer->start();
+    } else {
+        m_refreshTimer->stop();
+    }
+}
+
+void KelofileView::refreshInPlace()
+{
+    if (m_path.isEmpty()) {
+        return;
+    }
+    const FolderContents contents = FileSystem::instance().listFolder(m_path);
+    ListViewModel *model = m_list->model();
+    model->setSubItemOfAll(RefreshSubItem, RemoveMark);
+    // Folded RealName -> the first row with it (walking backwards, the first row is written last).
+    QHash<QString, int> rowsByName;
+    rowsByName.reserve(model->count());
+    for (int row = model->count() - 1; row >= 0; --row) {
+        rowsByName[model->subItem(row, RealNameSubItem).toCaseFolded()] = row;
+    }
+
+    bool changed = false;
+    {
+        BatchGuard batch(model);
+        if (m_showFolders) {
+            for (const FileEntry &folder : contents.folders) {
+                if (matchesFilter(folder.name)) {
+                    changed |= updateItem(folder, contents.path, true, rowsByName);
+                }
+            }
+        }
+        for (const FileEntry &file : contents.files) {
+            if (matchesFilter(file.name)) {
+                changed |= updateItem(file, contents.path, false, rowsByName);
+            }
+        }
+    }
+    for (int row = model->count() - 1; row >= 0; --row) {
+        if (model->subItem(row, RefreshSubItem) == RemoveMark) {
+            model->remove(row);
+            changed = true;
+        }
+    }
+    model->setSubItemOfAll(RefreshSubItem, QString()); // the marks are spent; one notice for the column
+    finishFill();
+    if (changed) {
+        Q_EMIT RefreshFoundChanges();
+    }
+}
+
+// Whether the item at @p row still shows a file exactly as @p fresh describes it.
+bool KelofileView::sameFileRow(int row, const FileItemSource::Row &fresh) const
+{
+    const ListViewModel *model = m_list->model();
+    const int token = model->item(row).sourceToken;
+    if (token < 0 || model->hasWrittenSubItems(row)) {
+        return false;
+    }
+    const FileItemSource::Row &old = m_rows->row(token);
+    return old.kind == fresh.kind && old.folder == fresh.folder && old.typeText == fresh.typeText
+        && old.entry.name == fresh.entry.name && old.entry.size == fresh.entry.size
+        && old.entry.modified == fresh.entry.modified && old.entry.created == fresh.entry.created;
+}
+
+// Updates the item of one entry on disk, or adds it; true when that changed the list.
+bool KelofileView::updateItem(
+    const FileEntry &entry, const QString &folder, bool folderItem, QHash<QString, int> &rowsByName)
+{
+    ListViewModel *model = m_list->model();
+    const QString key = entry.name.toCaseFolded();
+    const auto found = rowsByName.constFind(key);
+    if (found == rowsByName.constEnd()) {
+        const int countBefore = model->count();
+        folderItem ? addFolderItem(entry, folder, false) : addFileItem(entry, folder);
+        if (model->count() > countBefore) {
+            rowsByName.insert(key, model->count() - 1);
+        }
+        return true;
+    }
+    const int row = *found;
+    FileItemSource::Row fresh;
+    fresh.entry = entry;
+    fresh.folder = folder;
+    fresh.kind = folderItem ? FileItemSource::Kind::Folder : FileItemSource::Kind::File;
+    fresh.typeText
+        = folderItem ? FileTypes::instance().folderTypeText() : FileTypes::instance().fileTypeText(entry.name);
+    fresh.details = m_showFolderDetails;
+    if (!folderItem && sameFileRow(row, fresh)) {
+        model->setSubItem(row, RefreshSubItem, QString(), false);
+        return false; // same facts, same texts: nothing to format and compare
+    }
+    const QStringList texts = m_rows->texts(fresh);
+    bool changed = false;
+    for (int n = 1; n <= texts.size(); ++n) {
+        if (n == RefreshSubItem) {
+            continue;
+        }
+        const QString &now = texts.at(n - 1);
+        if (model->subItem(row, n).compare(now, Qt::CaseInsensitive) != 0) {
+            model->setSubItem(row, n, now);
+            changed = true;
+        }
+    }
+    model->setSubItem(row, RefreshSubItem, QString(), false);
+    return changed;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "ControlBase.h"
+#include "FileItemSource.h"
 #include "OleColor.h"
 
 #include <QFont>
+#include <QHash>
 #include <QPixmap>
 #include <QString>
 #include <QStringList>
@@ -14,7 +16,7 @@ class QLineEdit;
 class QTimer;
 
 namespace Kelocontrols {
-class FileItemSource;
+
 class FileViewImages;
 class ImageList;
 class ListView;
@@ -305,7 +307,16 @@ public:
     /// Removes the image with key @p MyKey; nothing happens when there is none.
     Q_INVOKABLE void ImageRemove(const QString &MyKey);
 
-    /// Repaints the list. (Bringing it up to date with the disk is the automatic refresh's job.)
+    /**
+     * Brings the list up to date in place: for a folder, items whose file
+     * or folder changed get their new texts, new entries are added at the
+     * end (with BeforeAddItem / AfterAddItem), vanished ones removed, then
+     * AfterPaint, and RefreshFoundChanges when anything changed. Items are
+     * matched by their RealName without regard to case. For "My Folders"
+     * the set is dropped and listed again (NeedMyFolders is raised); for
+     * "My Computer" nothing happens. RefreshTimer does the same for
+     * folders every RefreshInterval milliseconds at run time.
+     */
     Q_INVOKABLE void Refresh();
 
     Kelocontrols::ListView *listFiles() const { return m_list; }
@@ -355,6 +366,12 @@ private:
     void listMyComputer();
     void listMyFolders();
     void finishFill();
+    void refreshInPlace();
+    bool updateItem(
+        const Kelocontrols::FileEntry &entry, const QString &folder, bool folderItem, QHash<QString, int> &rowsByName);
+    bool sameFileRow(int row, const Kelocontrols::FileItemSource::Row &fresh) const;
+    void refreshTick();
+    void applyRefreshTimer();
     int addFileItem(const Kelocontrols::FileEntry &entry, const QString &folder);
     int addFolderItem(const Kelocontrols::FileEntry &entry, const QString &folder, bool driveRoot);
     int addDriveItem(const Kelocontrols::DriveInfo &drive);

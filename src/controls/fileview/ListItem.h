@@ -21,6 +21,18 @@ public:
     virtual ~SubItemSource() = default;
     /// The text of sub-item @p subItem (1-based, column 2 is sub-item 1) of the item added with @p token.
     virtual QString subItemText(int token, int subItem) const = 0;
+    /**
+     * Keeps a written text for sub-item @p subItem of the item with
+     * @p token, if the source stores that sub-item itself; false makes the
+     * model copy all the item's texts out and keep them with the item.
+     */
+    virtual bool storeSubItemText(int token, int subItem, const QString &text)
+    {
+        Q_UNUSED(token);
+        Q_UNUSED(subItem);
+        Q_UNUSED(text);
+        return false;
+    }
 };
 
 /**

@@ -194,15 +194,43 @@ void ListViewModel::materialiseSubItems(ListItem &item) const
     }
 }
 
-void ListViewModel::setSubItem(int row, int subItem, const QString &text)
+void ListViewModel::setSubItem(int row, int subItem, const QString &text, bool notify)
 {
     if (subItem < 1 || subItem > subItemCount()) {
         return;
     }
     ListItem &i = m_items[size_t(row)];
+    const bool writtenTexts = i.extras && !i.extras->subItems.isEmpty();
+    if (!writtenTexts && m_source && i.sourceToken >= 0 && m_source->storeSubItemText(i.sourceToken, subItem, text)) {
+        if (notify) {
+            emitRowChanged(row, subItem, subItem);
+        }
+        return;
+    }
     materialiseSubItems(i);
     i.extras->subItems[subItem - 1] = text;
-    emitRowChanged(row, subItem, subItem);
+    if (notify) {
+        emitRowChanged(row, subItem, subItem);
+    }
+}
+
+void ListViewModel::setSubItemOfAll(int subItem, const QString &text)
+{
+    if (subItem < 1 || subItem > subItemCount() || m_items.empty()) {
+        return;
+    }
+    for (int row = 0; row < count(); ++row) {
+        setSubItem(row, subItem, text, false); // one notice below instead of one per row
+    }
+    if (m_published > 0) {
+        Q_EMIT dataChanged(index(0, subItem), index(m_published - 1, subItem));
+    }
+}
+
+bool ListViewModel::hasWrittenSubItems(int row) const
+{
+    const ListItem &i = item(row);
+    return i.extras && !i.extras->subItems.isEmpty();
 }
 
 int ListViewModel::rowCount(const QModelIndex &parent) const

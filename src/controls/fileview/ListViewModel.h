@@ -47,7 +47,7 @@ public:
     void picturesChanged();
 
     /// The source of sub-item texts for items added with a token (not owned; may be null).
-    void setSubItemSource(const SubItemSource *source) { m_source = source; }
+    void setSubItemSource(SubItemSource *source) { m_source = source; }
 
     // Items
     int count() const { return int(m_items.size()); }
@@ -67,7 +67,12 @@ public:
     QString key(int row) const;
     /// Sub-item @p subItem (1-based) of @p row: written text, else the source's, else "".
     QString subItem(int row, int subItem) const;
-    void setSubItem(int row, int subItem, const QString &text);
+    /// Writes a sub-item; with @p notify false the views are not told (bookkeeping columns).
+    void setSubItem(int row, int subItem, const QString &text, bool notify = true);
+    /// Writes @p text into sub-item @p subItem of every item, with one change notice.
+    void setSubItemOfAll(int subItem, const QString &text);
+    /// Whether @p row keeps written sub-item texts of its own (rather than its source's).
+    bool hasWrittenSubItems(int row) const;
 
     void beginBatch();
     void endBatch();
@@ -96,7 +101,7 @@ private:
     std::vector<ListItem> m_items;
     int m_published = 0;
     int m_batchDepth = 0;
-    const SubItemSource *m_source = nullptr;
+    SubItemSource *m_source = nullptr;
     ImageList *m_large = nullptr;
     ImageList *m_small = nullptr;
     bool m_largeIcons = false;

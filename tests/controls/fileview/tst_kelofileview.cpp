@@ -21,6 +21,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -132,6 +133,9 @@ private Q_SLOTS:
     void itemMembersAtDesignTime();
     void imageMembers();
     void clickingAnItemRaisesItemClick();
+    void refreshUpdatesInPlace();
+    void refreshOfPseudoPaths();
+    void refreshTimerRunsOnlyAtRunTime();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -765,6 +769,116 @@ void TestKelofileView::clickingAnItemRaisesItemClick()
     QCOMPARE(clicks, QList<int>{2});
     QCOMPARE(click.count(), 1);
     QCOMPARE(view.ItemSelected(), 2);
+}
+
+void TestKelofileView::refreshUpdatesInPlace()
+{
+    writeFile(path("a.txt"), 1);
+    writeFile(path("b.txt"), 1);
+    writeFile(path("gone.txt"), 1);
+    const qint64 earlier = QDateTime(QDate(2020, 1, 1), QTime(8, 0)).toMSecsSinceEpoch();
+    setModified(path("a.txt"), earlier);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    int found = 0;
+    connect(&view, &KelofileView::RefreshFoundChanges, [&] { ++found; });
+    Recorder recorder(view);
+
+    view.Refresh(); // nothing changed on disk
+    QCOMPARE(found, 0);
+    QCOMPARE(recorder.events, QStringList{"AfterPaint"});
+
+    view.setItemIndex(1);
+    view.setItemBold(true); // survives: the list is not refilled
+    const qint64 later = QDateTime(QDate(2021, 6, 1), QTime(9, 30)).toMSecsSinceEpoch();
+    setModified(path("a.txt"), later);
+    writeFile(path("b.txt"), 2000);
+    QFile::remove(path("gone.txt"));
+    writeFile(path("new.txt"), 3);
+    recorder.events.clear();
+    view.Refresh();
+    QCOMPARE(found, 1);
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.txt", "new.txt"})); // new entries at the end
+    QCOMPARE(recorder.events, (QStringList{"BeforeAddItem", "AfterAddItem:4", "AfterPaint"}));
+    QCOMPARE(cell(view, 0, SortedModified), QStringLiteral("2021-06-01 09:30:00"));
+    QCOMPARE(cell(view, 0, Modified), formatGeneralDate(QDateTime::fromMSecsSinceEpoch(later)));
+    QCOMPARE(cell(view, 1, Size), QStringLiteral("2KB"));
+    QCOMPARE(cell(view, 0, Refresh), QString());
+    QVERIFY(view.ItemBold());
+
+    view.Refresh();
+    QCOMPARE(found, 1); // a pass that finds nothing new raises nothing
+
+    // Two items of one name: both are matched against the first, the second is removed.
+    view.ItemAddNew(path("b.txt"));
+    QCOMPARE(view.ItemCount(), 4);
+    view.Refresh();
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.txt", "new.txt"}));
+    QCOMPARE(found, 2);
+
+    // A change of case only is not a change.
+    QVERIFY(QFile::rename(path("new.txt"), path("NEW.txt")));
+    view.Refresh();
+    QCOMPARE(found, 2);
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.txt", "new.txt"}));
+    QCOMPARE(cell(view, 2, RealName), QStringLiteral("new.txt"));
+
+    // The folder gone: the error reaches the caller.
+    view.setPath(path("missing"));
+    QCOMPARE(errorNumberOf([&] { view.Refresh(); }), ErrorNumber::PathNotFound);
+}
+
+void TestKelofileView::refreshOfPseudoPaths()
+{
+    KelofileView view;
+    int asked = 0;
+    connect(&view, &KelofileView::NeedMyFolders, [&](QStringList &folders) {
+        ++asked;
+        folders << m_dir->path();
+    });
+    view.setPathRoot(KelofileView::MyFolders);
+    QCOMPARE(asked, 1);
+    view.Refresh();
+    view.Refresh();
+    QCOMPARE(asked, 3); // the host is asked afresh every time
+    QCOMPARE(view.ItemCount(), 1);
+
+    view.setPathRoot(KelofileView::MyComputer);
+    const int drives = view.ItemCount();
+    Recorder recorder(view);
+    view.setItemIndex(1);
+    view.setItemDisplayName(QStringLiteral("renamed"));
+    view.Refresh();
+    QCOMPARE(recorder.events, QStringList());
+    QCOMPARE(view.ItemCount(), drives);
+    QCOMPARE(view.ItemDisplayName(), QStringLiteral("renamed"));
+}
+
+void TestKelofileView::refreshTimerRunsOnlyAtRunTime()
+{
+    writeFile(path("a.txt"), 1);
+    KelofileView view;
+    auto *timer = view.findChild<QTimer *>(QStringLiteral("RefreshTimer"));
+    QVERIFY(timer);
+    QVERIFY(!timer->isActive());
+    view.setPathRoot(m_dir->path());
+    view.setRefreshInterval(20);
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 20);
+    writeFile(path("b.txt"), 1);
+    QTRY_COMPARE(view.ItemCount(), 2); // the next tick found it
+    QFile::remove(path("a.txt"));
+    QTRY_COMPARE(names(view), QStringList{"b.txt"});
+
+    view.setRefreshInterval(0);
+    QVERIFY(!timer->isActive());
+
+    KelofileView designed;
+    designed.setUserMode(false);
+    designed.setRefreshInterval(20);
+    QVERIFY(!timer->isActive() && !designed.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
+    designed.setUserMode(true);
+    QVERIFY(designed.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
 }
 
 QTEST_MAIN(TestKelofileView)
