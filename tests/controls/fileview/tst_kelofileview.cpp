@@ -1,7 +1,9 @@
 #include "KeloTestSupport.h"
+#include "shell/XdgTestSandbox.h"
 
 #include <Kelocontrols/CommonFile.h>
 #include <Kelocontrols/Conversions.h>
+#include <Kelocontrols/FileIcon.h>
 #include <Kelocontrols/FileNameCodec.h>
 #include <Kelocontrols/FileSystem.h>
 #include <Kelocontrols/FileTypes.h>
@@ -9,6 +11,7 @@
 #include <Kelocontrols/KelofileView.h>
 #include <Kelocontrols/ListView.h>
 #include <Kelocontrols/ListViewModel.h>
+#include <Kelocontrols/MsgBox.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/PropertyTable.h>
 #include <Kelocontrols/ReportView.h>
@@ -18,6 +21,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -530,26 +534,38 @@ void TestKelofileView::missingFolderRaises()
 
 void TestKelofileView::undecodableNamesStayReachable()
 {
-    const QByteArray raw = QFile::encodeName(m_dir->path()) + "/caf\xe9-\xff.txt";
+    // A name that is not UTF-8, listed, read back from the list and opened with its application.
+    XdgTestSandbox sandbox;
+    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
+    sandbox.addEntry(QStringLiteral("viewer.desktop"), QStringLiteral("kelo-viewer %f"), QStringLiteral("text/plain"));
+    const QString folder = sandbox.path(QStringLiteral("files"));
+    const QByteArray raw = QFile::encodeName(folder) + "/caf\xe9-\xff.txt";
     const int fd = ::open(raw.constData(), O_CREAT | O_WRONLY, 0644);
     QVERIFY(fd >= 0);
+    const auto removeFile = qScopeGuard([&raw] { ::unlink(raw.constData()); }); // QTemporaryDir cannot
     QCOMPARE(::write(fd, "hello", 5), ssize_t(5));
     ::close(fd);
 
     KelofileView view;
-    view.setPathRoot(m_dir->path());
+    view.setPathRoot(folder);
     QCOMPARE(view.ItemCount(), 1);
     view.setItemIndex(1);
     const QString name = view.ItemName();
     QVERIFY(name.startsWith(QStringLiteral("caf")));
     QCOMPARE(cell(view, 0, Size), QStringLiteral("1KB"));
-    const QByteArray back = FileNameCodec::encode(FileSystem::buildPath(cell(view, 0, Folder), name));
-    QCOMPARE(back, raw);
-    struct stat listed, created;
-    QCOMPARE(::stat(back.constData(), &listed), 0);
-    QCOMPARE(::stat(raw.constData(), &created), 0);
-    QCOMPARE(listed.st_ino, created.st_ino);
-    ::unlink(raw.constData()); // QTemporaryDir cannot remove a name it cannot decode
+    QCOMPARE(cell(view, 0, Type), FileTypes::instance().fileTypeText(QStringLiteral("x.txt")));
+    const QString listedPath = FileSystem::buildPath(cell(view, 0, Folder), name);
+    QCOMPARE(FileNameCodec::encode(listedPath), raw);
+
+    int boxes = 0;
+    const auto previous = setMsgBoxHandler([&](const QString &, int, const QString &) {
+        ++boxes;
+        return 1;
+    });
+    OpenWithAssociatedApp(listedPath, &view, false);
+    setMsgBoxHandler(previous);
+    QCOMPARE(boxes, 0);
+    QCOMPARE(sandbox.waitForArguments(QStringLiteral("kelo-viewer")), QList<QByteArray>{raw});
 }
 
 void TestKelofileView::persistenceRoundTrip()
