@@ -6,6 +6,9 @@
 // they use. `kelo-interface --list` prints the known class names.
 
 #include "InterfaceDescription.h"
+#include "Kelochameleon.h"
+#include "KelofileView.h"
+#include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
 #include <QApplication>
@@ -23,6 +26,9 @@ using Factory = std::function<QWidget *()>;
 const std::map<QString, Factory> &controlFactories()
 {
     static const std::map<QString, Factory> factories{
+        {QStringLiteral("Kelochameleon"), [] { return new Kelochameleon; }},
+        {QStringLiteral("KelofileView"), [] { return new KelofileView; }},
+        {QStringLiteral("KelolistBox"), [] { return new KelolistBox; }},
         {QStringLiteral("KeloscoreCard"), [] { return new KeloscoreCard; }},
     };
     return factories;
