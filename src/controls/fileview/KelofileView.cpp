@@ -378,9 +378,10 @@ int KelofileView::addFolderItem(const FileEntry &entry, const QString &folder, b
     const QString path = FileSystem::buildPath(folder, entry.name);
     // A drive's root is never hidden by the attribute rules; asking costs a mount-table read,
     // so only entries the rules would drop are asked.
-    const bool rulesApply = !passesAttributeRules(entry) || (entry.attributes & FileAttribute::Hidden);
-    const bool isDriveRoot = driveRoot || (rulesApply && FileSystem::instance().driveExists(path));
-    if (!isDriveRoot && !passesAttributeRules(entry)) {
+    const bool dropped = !passesAttributeRules(entry);
+    const bool hiddenOrDropped = dropped || (entry.attributes & FileAttribute::Hidden);
+    const bool isDriveRoot = driveRoot || (hiddenOrDropped && FileSystem::instance().driveExists(path));
+    if (dropped && !isDriveRoot) {
         return 0;
     }
     FileItemSource::Row row;
@@ -669,7 +670,7 @@ bool KelofileView::currentItemValid() const
 
 void KelofileView::setItemIndex(int index)
 {
-    requireUserMode();
+    requireRunMode();
     if (index < 0) {
         return;
     }
@@ -689,7 +690,7 @@ QString KelofileView::ItemDisplayName() const
 
 void KelofileView::setItemDisplayName(const QString &text)
 {
-    requireUserMode();
+    requireRunMode();
     m_itemDisplayName = text;
     if (currentItemValid()) {
         m_list->model()->setText(currentRow(), text);
@@ -704,7 +705,7 @@ QString KelofileView::ItemName() const
 
 void KelofileView::setItemName(const QString &name)
 {
-    requireUserMode();
+    requireRunMode();
     m_itemName = name;
     if (currentItemValid()) {
         m_list->model()->setSubItem(currentRow(), RealNameSubItem, name);
@@ -719,7 +720,7 @@ QString KelofileView::ItemIcon() const
 
 void KelofileView::setItemIcon(const QString &key)
 {
-    requireUserMode();
+    requireRunMode();
     if (currentItemValid()) {
         if (!m_image32->contains(key)) {
             throw RuntimeError(ErrorNumber::ElementNotFound);
@@ -737,7 +738,7 @@ QString KelofileView::ItemSmallIcon() const
 
 void KelofileView::setItemSmallIcon(const QString &key)
 {
-    requireUserMode();
+    requireRunMode();
     if (currentItemValid()) {
         if (!m_image16->contains(key)) {
             throw RuntimeError(ErrorNumber::ElementNotFound);
@@ -755,7 +756,7 @@ int KelofileView::ItemSelected() const
 
 void KelofileView::setItemSelected(int index)
 {
-    requireUserMode();
+    requireRunMode();
     if (index < 0 || index > ItemCount()) {
         return;
     }
@@ -771,7 +772,7 @@ QString KelofileView::ItemTag() const
 
 void KelofileView::setItemTag(const QString &tag)
 {
-    requireUserMode();
+    requireRunMode();
     m_itemTag = tag;
     if (currentItemValid()) {
         m_list->model()->setTag(currentRow(), tag);
@@ -786,7 +787,7 @@ bool KelofileView::ItemBold() const
 
 void KelofileView::setItemBold(bool bold)
 {
-    requireUserMode();
+    requireRunMode();
     m_itemBold = bold;
     if (currentItemValid()) {
         m_list->model()->setBold(currentRow(), bold);
@@ -796,7 +797,7 @@ void KelofileView::setItemBold(bool bold)
 
 int KelofileView::ItemAddNew(const QString &Filename)
 {
-    requireUserMode();
+    requireRunMode();
     const FileSystem &fs = FileSystem::instance();
     const QString path = FileSystem::cleanPath(Filename);
     const QString folder = FileSystem::parentFolderName(path);
@@ -819,7 +820,7 @@ int KelofileView::ItemAddNew(const QString &Filename)
 
 void KelofileView::ItemRemove(int Index)
 {
-    requireUserMode();
+    requireRunMode();
     const int index = Index == 0 ? m_itemIndex : Index;
     if (index >= 1 && index <= ItemCount()) {
         m_list->model()->remove(index - 1);
@@ -828,7 +829,7 @@ void KelofileView::ItemRemove(int Index)
 
 void KelofileView::ItemClear()
 {
-    requireUserMode();
+    requireRunMode();
     clearItems();
 }
 
@@ -986,7 +987,6 @@ void KelofileView::refreshInPlace()
             changed = true;
         }
     }
-    model->setSubItemOfAll(RefreshSubItem, QString()); // the marks are spent; one notice for the column
     finishFill();
     if (changed) {
         Q_EMIT RefreshFoundChanges();

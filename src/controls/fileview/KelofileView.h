@@ -391,7 +391,6 @@ protected:
 private:
     friend class FileViewPropertyTable;
 
-    void buildColumns();
     void forwardStockEvents();
     void fill();
     void fillAfterShow();
@@ -420,9 +419,7 @@ private:
     void placeMessage();
     bool currentItemValid() const;
     int currentRow() const { return m_itemIndex - 1; }
-    void requireCurrentImage() const;
     Kelocontrols::ImageList *currentImageList() const;
-    void requireUserMode() const { requireRunMode(); }
 
     Kelocontrols::ListView *m_list;
     Kelocontrols::ImageList *m_image32;
