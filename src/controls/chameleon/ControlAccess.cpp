@@ -4,13 +4,32 @@
 #include "Conversions.h"
 #include "RuntimeError.h"
 
+#include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QAbstractSlider>
 #include <QAbstractSpinBox>
+#include <QCalendarWidget>
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDockWidget>
 #include <QHash>
+#include <QKeySequenceEdit>
+#include <QLCDNumber>
+#include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMetaObject>
+#include <QProgressBar>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QToolBox>
 #include <QWidget>
 
 namespace Kelocontrols::ControlAccess {
@@ -176,16 +195,133 @@ bool isInternal(const QObject *object)
     return object->dynamicPropertyNames().contains(InternalMarker) && object->property(InternalMarker).toBool();
 }
 
+namespace {
+
+// What the walk does with a widget it meets among a form's controls.
+enum class Inside {
+    Parts, ///< a compound widget: whatever it holds is its own make-up
+    Children, ///< a plain container: its children are controls
+    Pages, ///< a paged or scrolled container: the widgets it shows are controls
+};
+
+// The deciding classes, most derived first within each family: the first one
+// a class derives from decides. A class derived from none of them (a custom
+// QWidget subclass, a promoted container) holds controls, as a container
+// placed in a form designer does.
+Inside insideOfClass(const QMetaObject *meta)
+{
+    static const QList<QPair<const QMetaObject *, Inside>> deciding{
+        {&ControlBase::staticMetaObject, Inside::Parts},
+        {&QTabWidget::staticMetaObject, Inside::Pages},
+        {&QToolBox::staticMetaObject, Inside::Pages},
+        {&QScrollArea::staticMetaObject, Inside::Pages},
+        {&QMdiArea::staticMetaObject, Inside::Pages},
+        {&QDockWidget::staticMetaObject, Inside::Pages},
+        {&QAbstractScrollArea::staticMetaObject, Inside::Parts},
+        {&QAbstractSpinBox::staticMetaObject, Inside::Parts},
+        {&QComboBox::staticMetaObject, Inside::Parts},
+        {&QAbstractButton::staticMetaObject, Inside::Parts},
+        {&QAbstractSlider::staticMetaObject, Inside::Parts},
+        {&QLineEdit::staticMetaObject, Inside::Parts},
+        {&QLabel::staticMetaObject, Inside::Parts},
+        {&QLCDNumber::staticMetaObject, Inside::Parts},
+        {&QProgressBar::staticMetaObject, Inside::Parts},
+        {&QDialogButtonBox::staticMetaObject, Inside::Parts},
+        {&QCalendarWidget::staticMetaObject, Inside::Parts},
+        {&QTabBar::staticMetaObject, Inside::Parts},
+        {&QMenu::staticMetaObject, Inside::Parts},
+        {&QMenuBar::staticMetaObject, Inside::Parts},
+        {&QStatusBar::staticMetaObject, Inside::Parts},
+        {&QToolBar::staticMetaObject, Inside::Parts},
+        {&QKeySequenceEdit::staticMetaObject, Inside::Parts},
+    };
+    for (const QMetaObject *m = meta; m; m = m->superClass()) {
+        for (const auto &[decidingClass, inside] : deciding) {
+            if (m == decidingClass) {
+                return inside;
+            }
+        }
+    }
+    return Inside::Children;
+}
+
+// A form of a few hundred controls is walked ten times a second: the answer
+// is remembered per class.
+Inside insideOf(const QObject *object)
+{
+    if (!object->isWidgetType()) {
+        return Inside::Parts;
+    }
+    static QHash<const QMetaObject *, Inside> known;
+    const QMetaObject *meta = object->metaObject();
+    auto it = known.constFind(meta);
+    if (it == known.constEnd()) {
+        it = known.insert(meta, insideOfClass(meta));
+    }
+    return it.value();
+}
+
+// The widgets a paged or scrolled container shows, in the order of its pages.
+QList<QWidget *> pagesOf(const QWidget *container)
+{
+    QList<QWidget *> pages;
+    if (const auto *tabs = qobject_cast<const QTabWidget *>(container)) {
+        for (int i = 0; i < tabs->count(); ++i) {
+            pages.append(tabs->widget(i));
+        }
+    } else if (const auto *toolBox = qobject_cast<const QToolBox *>(container)) {
+        for (int i = 0; i < toolBox->count(); ++i) {
+            pages.append(toolBox->widget(i));
+        }
+    } else if (const auto *scroll = qobject_cast<const QScrollArea *>(container)) {
+        pages.append(scroll->widget());
+    } else if (const auto *mdi = qobject_cast<const QMdiArea *>(container)) {
+        for (const QMdiSubWindow *window : mdi->subWindowList(QMdiArea::CreationOrder)) {
+            pages.append(window->widget());
+        }
+    } else if (const auto *dock = qobject_cast<const QDockWidget *>(container)) {
+        pages.append(dock->widget());
+    }
+    pages.removeAll(nullptr);
+    return pages;
+}
+
+void collectControls(const QObject *container, QList<QObject *> &controls);
+
+void addControl(QObject *control, QList<QObject *> &controls)
+{
+    if (isInternal(control)) {
+        return;
+    }
+    controls.append(control);
+    switch (insideOf(control)) {
+    case Inside::Parts:
+        break;
+    case Inside::Children:
+        collectControls(control, controls);
+        break;
+    case Inside::Pages:
+        for (QWidget *page : pagesOf(static_cast<const QWidget *>(control))) {
+            addControl(page, controls);
+        }
+        break;
+    }
+}
+
+void collectControls(const QObject *container, QList<QObject *> &controls)
+{
+    for (QObject *child : container->children()) {
+        addControl(child, controls);
+    }
+}
+
+} // namespace
+
 QList<QObject *> parentControls(const QWidget *form)
 {
     QList<QObject *> controls;
-    if (!form) {
-        return controls;
-    }
-    for (QObject *child : form->children()) {
-        if (!isInternal(child)) {
-            controls.append(child);
-        }
+    if (form) {
+        collectControls(form, controls);
     }
     return controls;
 }

@@ -16,16 +16,36 @@ namespace Kelocontrols {
  * reaches them: by name, background colour and font only, whatever their
  * class.
  *
- * A form's controls are its QObject children in creation order, without
- * the objects that only serve Qt or this library:
+ * A form's controls are the objects its author placed on it: every widget
+ * and non-widget object (a QTimer, a QAction) of the form, also those inside
+ * frames, group boxes, tab pages and other containers, listed depth first
+ * in creation order (QObject::children() order, which raise() and lower()
+ * change): a container comes first, then what it holds, then the next
+ * object. A widget holds controls in one of three ways, decided by the
+ * first of these classes it derives from:
+ * - compound widgets hold only their own make-up, never controls: the
+ *   library's own controls (a list box's list, a score card's picture),
+ *   buttons, labels, line edits, spin boxes, combo boxes, sliders, item and
+ *   text views (QAbstractScrollArea), tab bars, menus, tool and status bars,
+ *   button boxes, calendars, progress bars, LCD numbers, key sequence edits;
+ * - paged and scrolled containers hold the widgets they show, in the order
+ *   of their pages, but not their machinery (a QTabWidget's tab bar and
+ *   stack, a scroll area's viewport and scroll bars): QTabWidget and
+ *   QToolBox pages, QScrollArea::widget(), the widgets of QMdiArea's sub
+ *   windows, QDockWidget::widget();
+ * - every other widget is a plain container whose children are controls:
+ *   QWidget, QFrame, QGroupBox, QStackedWidget, QSplitter, QDialog, and
+ *   custom classes derived from them (a promoted container of a form
+ *   file).
+ * Left out, with everything they hold, are the objects that only serve Qt
+ * or this library:
  * - layouts (QLayout): the form's geometry, not controls;
  * - Qt's own helpers: objects whose objectName starts with "qt_", and the
  *   helpers QUiLoader leaves in the forms it loads (classes of its
  *   QFormInternal namespace);
  * - objects marked with the dynamic property `_kelo_internal` (the wand's
- *   overlays, see markInternal()).
- * Everything else counts, non-widgets such as a QTimer or a QAction
- * included.
+ *   drawing layers, see markInternal()); a custom composite widget marks
+ *   its inner parts this way to keep them out.
  *
  * A control's `BackColor` and `Font` are, in this order of preference:
  * - its own `BackColor` / `Font` property, when it has one (the library's
@@ -59,7 +79,7 @@ constexpr OleColor ButtonFace = 0x8000000Fu;
 /// The dynamic property that keeps an object out of parentControls().
 inline constexpr char InternalMarker[] = "_kelo_internal";
 
-/// The controls of `form` in creation order (see above); empty for no form.
+/// The controls of `form`, nested ones included, depth first in creation order (see above); empty for no form.
 QList<QObject *> parentControls(const QWidget *form);
 
 /// Keeps `object` out of its parent's controls.

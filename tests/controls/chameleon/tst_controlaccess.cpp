@@ -1,17 +1,22 @@
 #include "ControlAccess.h"
 #include "Kelochameleon.h"
+#include "KelolistBox.h"
 #include "KeloscoreCard.h"
 #include "RuntimeError.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFrame>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
@@ -45,6 +50,7 @@ class TestControlAccess : public QObject
 
 private Q_SLOTS:
     void controlsAreTheFormsChildrenInCreationOrder();
+    void nestedControlsDepthFirstWithoutInnerParts();
     void plainWidgetsReportTheColourOfTheirFace_data();
     void plainWidgetsReportTheColourOfTheirFace();
     void writingAColourFillsTheFace();
@@ -77,6 +83,39 @@ void TestControlAccess::controlsAreTheFormsChildrenInCreationOrder()
     QVERIFY(ControlAccess::isInternal(qtHelper));
     QVERIFY(!ControlAccess::isInternal(timer));
     QVERIFY(ControlAccess::parentControls(nullptr).isEmpty());
+}
+
+void TestControlAccess::nestedControlsDepthFirstWithoutInnerParts()
+{
+    QWidget form;
+    auto *top = new QLabel(&form);
+    auto *group = new QGroupBox(&form);
+    auto *groupLayout = new QVBoxLayout(group);
+    auto *inGroup = new QSpinBox(group);
+    auto *card = new KeloscoreCard(group);
+    auto *frame = new QFrame(group);
+    auto *deep = new QLineEdit(frame);
+    groupLayout->addWidget(inGroup);
+    auto *tabs = new QTabWidget(&form);
+    auto *page1 = new QWidget;
+    auto *onPage1 = new QPushButton(page1);
+    auto *timer = new QTimer(page1);
+    auto *page2 = new QWidget;
+    auto *list = new KelolistBox(page2);
+    tabs->addTab(page1, QStringLiteral("One"));
+    tabs->addTab(page2, QStringLiteral("Two"));
+    auto *scroll = new QScrollArea(&form);
+    auto *contents = new QWidget;
+    auto *inScroll = new QCheckBox(contents);
+    scroll->setWidget(contents);
+    auto *last = new QLabel(&form);
+
+    // The spin box's line edit, the score card's and list box's inner
+    // widgets, the tab widget's bar and stack and the scroll area's viewport
+    // and bars are parts, not controls.
+    const QList<QObject *> expected{top, group, inGroup, card, frame, deep, tabs, page1, onPage1, timer, page2, list,
+        scroll, contents, inScroll, last};
+    QCOMPARE(ControlAccess::parentControls(&form), expected);
 }
 
 void TestControlAccess::plainWidgetsReportTheColourOfTheirFace_data()
