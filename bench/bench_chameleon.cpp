@@ -2,7 +2,7 @@
 // 200 widgets, and one wand advance with all 21 elements alive.
 
 #include "Kelochameleon.h"
-#include "WandOverlayDisplay.h"
+#include "WandLayerDisplay.h"
 #include "WandPool.h"
 
 #include <QCheckBox>
@@ -113,7 +113,7 @@ void BenchChameleon::wandAdvance()
     QWidget surface;
     surface.resize(600, 400);
     surface.show();
-    WandOverlayDisplay display;
+    WandLayerDisplay display;
     WandPool pool(&display);
     for (int i = 0; i < WandPool::Size; ++i) {
         pool.startElement(i, &surface, float(20 + 27 * i), float(50 + 15 * i), keloWandStyle(style));

@@ -146,6 +146,7 @@ QWidget *createChameleonPage(QWidget *parent)
     varied->setBackgroundPicture(tile);
     varied->setBackgroundPictureStyle(keloPictureStyle::Tiled);
     varied->setWandStyle(keloWandStyle::Stars);
+    varied->setWandFollowsMouse(true); // the whole form is the wand's surface
 
     QWidget *pictureForm = makeForm(QStringLiteral("Tiled picture"), QStringLiteral("frmPicture"));
     auto *pictured = new Kelochameleon(pictureForm);
@@ -154,6 +155,7 @@ QWidget *createChameleonPage(QWidget *parent)
     pictured->setBackgroundPicture(tile);
     pictured->setBackgroundPictureStyle(keloPictureStyle::Tiled);
     pictured->setWandStyle(keloWandStyle::Stars);
+    pictured->setWandFollowsMouse(true);
     new RefreshOnResize(pictureForm, pictured);
 
     auto *choosers = new QHBoxLayout;

@@ -31,23 +31,6 @@ constexpr OleColor FaceCrossColour = 0x000000FFu;
 // The theme an empty ThemeName stands for.
 const QString DefaultThemeName = QStringLiteral("DefaultTheme");
 
-// A theme as read from the store: every value converted before any is
-// stored, so that a bad value leaves the control as it was.
-struct ThemeValues
-{
-    QString backgroundPicture;
-    int backgroundPictureStyle = 0;
-    int fontStyle = 0;
-    qint16 interval = 1000;
-    int backgroundStyle = 0;
-    int wandStyle = 0;
-    OleColor newBackColor = 0;
-    bool enabled = true;
-    qint16 colorMaximum = 255;
-    qint16 colorMinimum = 0;
-    qint16 colorStepRate = 10;
-};
-
 QString booleanText(bool value)
 {
     return value ? QStringLiteral("True") : QStringLiteral("False");
@@ -163,7 +146,10 @@ const PropertyTable<Kelochameleon> &Kelochameleon::table()
                 [](C &c, const QVariant &v) { c.m_themeIsUsed = CBool(v); })
             .add(
                 "MouseIcon", QVariant(QPixmap()), [](const C &c) { return QVariant(c.m_mouseIcon); },
-                [](C &c, const QVariant &v) { c.setMouseIcon(pictureFromVariant(v)); });
+                [](C &c, const QVariant &v) { c.setMouseIcon(pictureFromVariant(v)); })
+            .add(
+                "WandFollowsMouse", QVariant(false), [](const C &c) { return QVariant(c.m_wandFollowsMouse); },
+                [](C &c, const QVariant &v) { c.m_wandFollowsMouse = CBool(v); });
         return t;
     }();
     return properties;
@@ -241,9 +227,6 @@ void Kelochameleon::setWandStyle(keloWandStyle style)
 {
     m_wandStyle = int(style);
     propertyChanged("WandStyle");
-    if (UserMode()) {
-        trackMouse();
-    }
 }
 
 void Kelochameleon::setNewBackColor(OleColor color)
@@ -374,8 +357,11 @@ void Kelochameleon::runShow()
     m_engine.seed(m_range);
     applyBackground(false);
     applyFont();
-    watchForm();
-    trackMouse();
+    if (m_wandFollowsMouse) {
+        followMouse();
+    } else {
+        stopFollowingMouse();
+    }
     m_timer1->setInterval(TimerInterval);
     // A theme read above may have disabled the chameleon.
     if (Enabled()) {
@@ -437,33 +423,22 @@ bool Kelochameleon::GetTheme()
         Q_EMIT ThemeMissing();
         return false;
     }
-    ThemeValues theme;
-    theme.backgroundPicture = read("BackgroundPicture", QString()).toString();
-    theme.backgroundPictureStyle = CLng(read("BackgroundPictureStyle", QStringLiteral("0")));
-    theme.fontStyle = CLng(read("FontStyle", QStringLiteral("0")));
-    theme.interval = CInt(read("Interval", QStringLiteral("1000")));
-    theme.backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
-    theme.wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
-    theme.newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
-    theme.enabled = CBool(read("Enabled", booleanText(true)));
+    // Each value goes straight into the control as it is read: no clamping,
+    // no PropertyChanged. A bad value raises from its own read, and the
+    // values read before it stay stored.
+    m_backgroundPicture = read("BackgroundPicture", QString()).toString();
+    m_backgroundPictureStyle = CLng(read("BackgroundPictureStyle", QStringLiteral("0")));
+    m_fontStyle = CLng(read("FontStyle", QStringLiteral("0")));
+    m_interval = CInt(read("Interval", QStringLiteral("1000")));
+    m_backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
+    m_wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
+    m_newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
+    QWidget::setEnabled(CBool(read("Enabled", booleanText(true))));
     // The maximum is read on both sides of the minimum; both reads give the same text.
-    theme.colorMaximum = CInt(read("ColorMaximum", QStringLiteral("255")));
-    theme.colorMinimum = CInt(read("ColorMinimum", QStringLiteral("0")));
-    theme.colorMaximum = CInt(read("ColorMaximum", QStringLiteral("255")));
-    theme.colorStepRate = CInt(read("ColorStepRate", QStringLiteral("10")));
-
-    // Straight into the fields: no clamping, no PropertyChanged.
-    m_backgroundPicture = theme.backgroundPicture;
-    m_backgroundPictureStyle = theme.backgroundPictureStyle;
-    m_fontStyle = theme.fontStyle;
-    m_interval = theme.interval;
-    m_backgroundStyle = theme.backgroundStyle;
-    m_wandStyle = theme.wandStyle;
-    m_newBackColor = theme.newBackColor;
-    QWidget::setEnabled(theme.enabled);
-    m_range.maximum = theme.colorMaximum;
-    m_range.minimum = theme.colorMinimum;
-    m_range.stepRate = theme.colorStepRate;
+    m_range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    m_range.minimum = CInt(read("ColorMinimum", QStringLiteral("0")));
+    m_range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    m_range.stepRate = CInt(read("ColorStepRate", QStringLiteral("10")));
     update();
     return true;
 }
@@ -606,33 +581,50 @@ void Kelochameleon::WandMovement(QObject *MyControl, float X, float Y)
     WandPool::shared().movement(MyControl, X, Y, WandStyle());
 }
 
-// The wand follows the mouse over the form without help from the host.
-void Kelochameleon::watchForm()
+void Kelochameleon::setWandFollowsMouse(bool follows)
 {
-    QWidget *form = parentWidget();
-    if (form == m_watchedForm) {
-        return;
-    }
-    if (m_watchedForm) {
-        m_watchedForm->removeEventFilter(this);
-    }
-    m_watchedForm = form;
-    if (form) {
-        form->installEventFilter(this);
+    m_wandFollowsMouse = follows;
+    propertyChanged("WandFollowsMouse");
+    if (!follows) {
+        stopFollowingMouse();
+    } else if (UserMode() && Enabled() && isVisible()) {
+        followMouse();
     }
 }
 
-void Kelochameleon::trackMouse()
+// The form's mouse movements reach the wand as a MouseMove handler of the
+// form would pass them on.
+void Kelochameleon::followMouse()
 {
-    if (m_watchedForm && m_wandStyle != int(keloWandStyle::None)) {
-        m_watchedForm->setMouseTracking(true);
+    QWidget *form = parentWidget();
+    if (form != m_watchedForm) {
+        stopFollowingMouse();
     }
+    if (!form || form == m_watchedForm) {
+        return;
+    }
+    m_watchedForm = form;
+    form->installEventFilter(this);
+    m_trackingTurnedOn = !form->hasMouseTracking();
+    form->setMouseTracking(true);
+}
+
+// Mouse tracking is turned off again only when the chameleon turned it on.
+void Kelochameleon::stopFollowingMouse()
+{
+    if (m_watchedForm) {
+        m_watchedForm->removeEventFilter(this);
+        if (m_trackingTurnedOn) {
+            m_watchedForm->setMouseTracking(false);
+        }
+    }
+    m_watchedForm = nullptr;
+    m_trackingTurnedOn = false;
 }
 
 bool Kelochameleon::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_watchedForm && event->type() == QEvent::MouseMove && UserMode()
-        && m_wandStyle != int(keloWandStyle::None)) {
+    if (watched == m_watchedForm && event->type() == QEvent::MouseMove && UserMode()) {
         const auto *move = static_cast<QMouseEvent *>(event);
         try {
             const QPointF position = WandSurface::fromPixels(m_watchedForm, move->position());
@@ -647,8 +639,7 @@ bool Kelochameleon::eventFilter(QObject *watched, QEvent *event)
 bool Kelochameleon::event(QEvent *event)
 {
     if (event->type() == QEvent::ParentChange && m_watchedForm && m_watchedForm != parentWidget()) {
-        m_watchedForm->removeEventFilter(this);
-        m_watchedForm = nullptr;
+        stopFollowingMouse();
     }
     return ControlBase::event(event);
 }

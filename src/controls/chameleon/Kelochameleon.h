@@ -49,9 +49,12 @@ class PictureBox;
  * 4. starts `Timer1` (100 ms), which steps the colour and animates the wand,
  *    unless the theme just read disabled the chameleon.
  *
- * The wand follows the mouse over the form by itself; a host can feed it the
- * mouse movements of any other surface with WandMovement(). All chameleons
- * of a process share the wand's 21 elements.
+ * The wand appears where the host reports the mouse: it calls WandMovement()
+ * from the MouseMove handler of the surface it chooses (the form, a picture
+ * box, any widget), and the wand is drawn on that surface beneath its child
+ * widgets. With `WandFollowsMouse` set the chameleon follows the mouse over
+ * its form by itself. All chameleons of a process share the wand's 21
+ * elements.
  *
  * Styling ignores the failures of single statements: a control that lacks a
  * member is passed over as the rules of each step say (a control without a
@@ -100,6 +103,8 @@ class Kelochameleon : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:ThemeName", "Name of the current theme")
     Q_CLASSINFO("Help:ThemeIsUsed", "If set to TRUE a theme is read when the control is shown at run time.")
     Q_CLASSINFO("Help:MouseIcon", "Sets a custom mouse icon.")
+    Q_CLASSINFO("Help:WandFollowsMouse",
+        "If set to TRUE the wand follows the mouse over the form without calls to WandMovement.")
     Q_CLASSINFO("Help:WandMovement", "Called from controls MouseMove event")
     Q_CLASSINFO("Help:SaveTheme", "Saves the chameleon settings as a theme.")
     Q_CLASSINFO("Help:GetTheme", "Gets a theme from the system")
@@ -124,6 +129,7 @@ class Kelochameleon : public Kelocontrols::ControlBase
     Q_PROPERTY(QString ThemeName READ ThemeName WRITE setThemeName)
     Q_PROPERTY(bool ThemeIsUsed READ ThemeIsUsed WRITE setThemeIsUsed)
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+    Q_PROPERTY(bool WandFollowsMouse READ WandFollowsMouse WRITE setWandFollowsMouse)
 
 public:
     /// The period of `Timer1`, in milliseconds.
@@ -181,6 +187,17 @@ public:
     /// Sets the control's own mouse cursor (a null picture restores the default one).
     void setMouseIcon(const QPixmap &icon);
 
+    /// Whether the wand follows the mouse over the form by itself (default false).
+    bool WandFollowsMouse() const { return m_wandFollowsMouse; }
+    /**
+     * A convenience for hosts that want the wand over the whole form: while
+     * set, a running chameleon watches the form's mouse movements (turning
+     * its mouse tracking on) and feeds them to WandMovement() itself, as a
+     * MouseMove handler of the form would. Off by default: a host calls
+     * WandMovement() from the MouseMove of the surface it chooses.
+     */
+    void setWandFollowsMouse(bool follows);
+
     /**
      * Applies everything again, as when the form is shown.
      * @throws RuntimeError 6 when unclamped colour bounds (loaded from a
@@ -228,8 +245,13 @@ public:
      *         when it does not, with every property unchanged.
      * @throws RuntimeError TypeMismatch (13) when a stored value is not a
      *         number or truth value, Overflow (6) when it does not fit its
-     *         property, or an error of Kelocontrols::GetSetting; the
-     *         properties are then unchanged.
+     *         property, or an error of Kelocontrols::GetSetting. Values
+     *         are stored one by one as they are read (in the order
+     *         "BackgroundPicture", "BackgroundPictureStyle", "FontStyle",
+     *         "Interval", "BackgroundStyle", "WandStyle", "NewBackColor",
+     *         "Enabled", "ColorMaximum", "ColorMinimum", "ColorMaximum",
+     *         "ColorStepRate"): those read before the bad one stay stored,
+     *         the rest keep their values.
      */
     Q_INVOKABLE bool GetTheme();
 
@@ -274,14 +296,15 @@ private:
     void setColour(Kelocontrols::OleColor colour);
     void applyFont();
     void drawPicture();
-    void watchForm();
-    void trackMouse();
+    void followMouse();
+    void stopFollowingMouse();
     void paintFace(QPainter &painter) const;
 
     Kelocontrols::PictureBox *m_picBackground;
     QTimer *m_timer1;
     Kelocontrols::FormPictureLayer *m_pictureLayer;
     QPointer<QWidget> m_watchedForm;
+    bool m_trackingTurnedOn = false;
 
     bool m_themeIsUsed = false;
     QString m_themeName;
@@ -295,6 +318,7 @@ private:
     Kelocontrols::OleColor m_newBackColor = 0;
     Kelocontrols::ColorRange m_range;
     QPixmap m_mouseIcon;
+    bool m_wandFollowsMouse = false;
     QString m_settingsAppName;
 
     Kelocontrols::OleColor m_backColor = 0x8000000F;

@@ -1,4 +1,4 @@
-#include "WandOverlay.h"
+#include "WandLayer.h"
 
 #include "ControlAccess.h"
 
@@ -7,10 +7,10 @@
 
 namespace Kelocontrols {
 
-WandOverlay::WandOverlay(QWidget *surface)
+WandLayer::WandLayer(QWidget *surface)
     : QWidget(surface)
 {
-    setObjectName(QStringLiteral("WandOverlay"));
+    setObjectName(QStringLiteral("WandLayer"));
     ControlAccess::markInternal(this);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_NoSystemBackground);
@@ -18,10 +18,10 @@ WandOverlay::WandOverlay(QWidget *surface)
     setGeometry(surface->rect());
     surface->installEventFilter(this);
     show();
-    raise();
+    lower();
 }
 
-void WandOverlay::setFrame(int element, const WandFrame &frame)
+void WandLayer::setFrame(int element, const WandFrame &frame)
 {
     if (element < 0 || element >= Elements) {
         return;
@@ -33,14 +33,14 @@ void WandOverlay::setFrame(int element, const WandFrame &frame)
     } else {
         shown = frame;
         dirty = dirty.united(frame.bounds());
-        keepOnTop();
+        keepAtBottom();
     }
     if (!dirty.isEmpty()) {
         update(dirty.toAlignedRect());
     }
 }
 
-bool WandOverlay::isBlank() const
+bool WandLayer::isBlank() const
 {
     for (const WandFrame &frame : m_frames) {
         if (!frame.strokes.isEmpty()) {
@@ -50,17 +50,21 @@ bool WandOverlay::isBlank() const
     return true;
 }
 
-// Widgets added to the surface later lie above the overlay until it is
-// raised again.
-void WandOverlay::keepOnTop()
+// Widgets added later stack above the layer by themselves; only one that
+// the program lowers gets beneath it, until the layer is lowered again.
+void WandLayer::keepAtBottom()
 {
-    const QObjectList &siblings = parentWidget()->children();
-    if (!siblings.isEmpty() && siblings.constLast() != this) {
-        raise();
+    for (const QObject *sibling : parentWidget()->children()) {
+        if (sibling->isWidgetType()) {
+            if (sibling != this) {
+                lower();
+            }
+            return;
+        }
     }
 }
 
-void WandOverlay::paintEvent(QPaintEvent *)
+void WandLayer::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     for (const WandFrame &frame : m_frames) {
@@ -81,7 +85,7 @@ void WandOverlay::paintEvent(QPaintEvent *)
     }
 }
 
-bool WandOverlay::eventFilter(QObject *watched, QEvent *event)
+bool WandLayer::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == parentWidget() && event->type() == QEvent::Resize) {
         setGeometry(parentWidget()->rect());

@@ -9,26 +9,33 @@
 namespace Kelocontrols {
 
 /**
- * A transparent widget laid over a surface on which the wand draws.
+ * The layer of a surface on which the wand draws: a transparent widget that
+ * covers the whole surface beneath all of the surface's other widgets.
  *
- * It covers the whole surface, stays above the surface's other widgets and
- * lets every mouse event through, so the surface and its widgets work and
- * paint as if it were not there. It shows the current frame of each of the
- * 21 wand elements; an erasing frame removes an element's drawing without a
- * trace, whatever lies beneath. Frames drawn with the exclusive-or pen are
- * combined with what lies beneath them pixel by pixel, so over a picture
- * they show in inverted colours.
+ * Qt paints a widget, then its children from the bottom up, so the layer
+ * paints after the surface's own background, picture and paintEvent() and
+ * before every child: the stars lie on the surface itself, and buttons,
+ * text boxes and other controls of the surface cover them, as drawings made
+ * with Line and Circle on a classic form lie beneath its controls. The layer
+ * lets every mouse event through and takes no focus.
  *
- * An overlay keeps itself out of its surface's controls (see
- * ControlAccess::parentControls()).
+ * It shows the current frame of each of the 21 wand elements; an erasing
+ * frame removes an element's drawing without a trace, whatever lies beneath.
+ * Frames drawn with the exclusive-or pen are combined with the surface's
+ * pixels beneath them, so over a picture they show in inverted colours and
+ * the picture survives.
+ *
+ * A layer keeps itself out of its surface's controls (see
+ * ControlAccess::parentControls()) and goes back to the bottom when a
+ * widget has been lowered beneath it.
  */
-class WandOverlay : public QWidget
+class WandLayer : public QWidget
 {
     Q_OBJECT
 public:
     static constexpr int Elements = 21;
 
-    explicit WandOverlay(QWidget *surface);
+    explicit WandLayer(QWidget *surface);
 
     /// Shows @p frame for @p element, or takes the element's drawing away for an erasing frame.
     void setFrame(int element, const WandFrame &frame);
@@ -43,7 +50,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void keepOnTop();
+    void keepAtBottom();
 
     std::array<WandFrame, Elements> m_frames;
 };

@@ -1,48 +1,48 @@
-#include "WandOverlayDisplay.h"
+#include "WandLayerDisplay.h"
 
 #include "ControlAccess.h"
 #include "RuntimeError.h"
 #include "WandFrame.h"
-#include "WandOverlay.h"
+#include "WandLayer.h"
 
 #include <QWidget>
 
 namespace Kelocontrols {
 
-WandOverlayDisplay &WandOverlayDisplay::instance()
+WandLayerDisplay &WandLayerDisplay::instance()
 {
-    static WandOverlayDisplay display;
+    static WandLayerDisplay display;
     return display;
 }
 
-WandOverlay *WandOverlayDisplay::overlayOf(const QWidget *surface) const
+WandLayer *WandLayerDisplay::layerOf(const QWidget *surface) const
 {
-    const QPointer<WandOverlay> overlay = m_overlays.value(surface);
+    const QPointer<WandLayer> layer = m_layers.value(surface);
     // A surface destroyed and another made at the same address: the old
-    // overlay went with the old surface.
-    if (overlay && overlay->parentWidget() == surface) {
-        return overlay;
+    // layer went with the old surface.
+    if (layer && layer->parentWidget() == surface) {
+        return layer;
     }
     return nullptr;
 }
 
-void WandOverlayDisplay::showFrame(QObject *surface, int element, const WandFrame &frame)
+void WandLayerDisplay::showFrame(QObject *surface, int element, const WandFrame &frame)
 {
     if (!surface || !surface->isWidgetType()) {
         throw RuntimeError(ControlAccess::ObjectDoesNotSupportMember,
             QStringLiteral("Object doesn't support this property or method"));
     }
     auto *widget = static_cast<QWidget *>(surface);
-    WandOverlay *overlay = overlayOf(widget);
-    if (!overlay) {
+    WandLayer *layer = layerOf(widget);
+    if (!layer) {
         if (frame.erasing) {
             return;
         }
-        m_overlays.removeIf([](const auto &entry) { return entry.value().isNull(); });
-        overlay = new WandOverlay(widget);
-        m_overlays.insert(widget, overlay);
+        m_layers.removeIf([](const auto &entry) { return entry.value().isNull(); });
+        layer = new WandLayer(widget);
+        m_layers.insert(widget, layer);
     }
-    overlay->setFrame(element, frame);
+    layer->setFrame(element, frame);
 }
 
 } // namespace Kelocontrols

@@ -9,26 +9,26 @@ class QWidget;
 
 namespace Kelocontrols {
 
-class WandOverlay;
+class WandLayer;
 
 /**
- * Shows wand frames on real widgets, each surface through a WandOverlay of
+ * Shows wand frames on real widgets, each surface through a WandLayer of
  * its own, made when the first frame is drawn on it. Surfaces that are not
  * widgets cannot be drawn on (RuntimeError 438).
  */
-class WandOverlayDisplay : public WandDisplay
+class WandLayerDisplay : public WandDisplay
 {
 public:
     /// The display of the process's shared wand.
-    static WandOverlayDisplay &instance();
+    static WandLayerDisplay &instance();
 
     void showFrame(QObject *surface, int element, const WandFrame &frame) override;
 
-    /// The overlay on @p surface, if a frame has been drawn on it.
-    WandOverlay *overlayOf(const QWidget *surface) const;
+    /// The layer on @p surface, if a frame has been drawn on it.
+    WandLayer *layerOf(const QWidget *surface) const;
 
 private:
-    QHash<const QObject *, QPointer<WandOverlay>> m_overlays;
+    QHash<const QObject *, QPointer<WandLayer>> m_layers;
 };
 
 } // namespace Kelocontrols

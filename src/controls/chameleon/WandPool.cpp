@@ -7,7 +7,7 @@
 #include "WandDisplay.h"
 #include "WandFrame.h"
 #include "WandGeometry.h"
-#include "WandOverlayDisplay.h"
+#include "WandLayerDisplay.h"
 #include "WandSurface.h"
 
 #include <cmath>
@@ -59,7 +59,7 @@ WandPool::WandPool(WandDisplay *display)
 
 WandPool &WandPool::shared()
 {
-    static WandPool pool(&WandOverlayDisplay::instance());
+    static WandPool pool(&WandLayerDisplay::instance());
     return pool;
 }
 

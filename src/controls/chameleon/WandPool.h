@@ -33,7 +33,7 @@ class WandDisplay;
  * random generator reseeded from the clock).
  *
  * The frames go to a WandDisplay. shared() is the pool of the whole process,
- * shared by every chameleon, drawing on overlays over the surfaces; tests
+ * shared by every chameleon, drawing on layers beneath the widgets of the surfaces; tests
  * and benchmarks make pools of their own with a display of their own.
  *
  * Random numbers come from Kelocontrols::Rnd(), in a fixed order per start.

@@ -125,8 +125,8 @@ private Q_SLOTS:
     void emptyThemeNameBecomesDefaultTheme();
     void missingThemeRaisesThemeMissingOnce();
     void handEditedBoundsStayUnclamped();
-    void badValuesChangeNothing_data();
-    void badValuesChangeNothing();
+    void badValueEndsTheReadWhereItStands_data();
+    void badValueEndsTheReadWhereItStands();
     void truthAndNumberTexts_data();
     void truthAndNumberTexts();
     void applicationNameIsTheObjectName();
@@ -387,7 +387,7 @@ void TestChameleonThemes::handEditedBoundsStayUnclamped()
         QStringLiteral("100"));
 }
 
-void TestChameleonThemes::badValuesChangeNothing_data()
+void TestChameleonThemes::badValueEndsTheReadWhereItStands_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("text");
@@ -401,6 +401,8 @@ void TestChameleonThemes::badValuesChangeNothing_data()
                                              << "40000" << int(ErrorNumber::Overflow);
     QTest::newRow("ColorStepRate abc (last key)") << "ColorStepRate"
                                                   << "abc" << int(ErrorNumber::TypeMismatch);
+    QTest::newRow("ColorMaximum abc (read twice)") << "ColorMaximum"
+                                                   << "abc" << int(ErrorNumber::TypeMismatch);
     QTest::newRow("ColorMinimum 1,5.5") << "ColorMinimum"
                                         << "1,5.5" << int(ErrorNumber::TypeMismatch);
     QTest::newRow("Enabled yes") << "Enabled"
@@ -415,12 +417,13 @@ void TestChameleonThemes::badValuesChangeNothing_data()
                                        << "maybe" << int(ErrorNumber::TypeMismatch);
 }
 
-void TestChameleonThemes::badValuesChangeNothing()
+void TestChameleonThemes::badValueEndsTheReadWhereItStands()
 {
     QFETCH(QString, key);
     QFETCH(QString, text);
     QFETCH(int, error);
 
+    // A theme of the defaults, but for the interval and the minimum, with one bad value.
     Kelochameleon writer;
     writer.setObjectName(QStringLiteral("Kelochameleon1"));
     writer.setThemeName(QStringLiteral("Bad"));
@@ -429,6 +432,7 @@ void TestChameleonThemes::badValuesChangeNothing()
     writer.SaveTheme();
     SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Bad"), key, text);
     const QString fileBefore = readText(iniPath(QStringLiteral("Kelochameleon1")));
+    const QVariantMap theme = snapshot(writer);
 
     Kelochameleon chameleon;
     chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
@@ -439,7 +443,14 @@ void TestChameleonThemes::badValuesChangeNothing()
     QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
 
     QCOMPARE(errorNumberOf([&] { chameleon.GetTheme(); }), error);
-    QCOMPARE(snapshot(chameleon), before);
+    // Each value is stored as it is read: the keys read before the bad one
+    // hold the theme's values, the bad one and those after it keep theirs.
+    const QVariantMap after = snapshot(chameleon);
+    const qsizetype bad = ThemeKeysInReadOrder.indexOf(key);
+    for (const QString &name : ThemeKeysInReadOrder.mid(1)) {
+        const bool read = ThemeKeysInReadOrder.indexOf(name) < bad;
+        QVERIFY2(after.value(name) == (read ? theme : before).value(name), qPrintable(name));
+    }
     QCOMPARE(changes.count(), 0);
     QCOMPARE(missing.count(), 0);
     QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);

@@ -2,6 +2,7 @@
 #include "ControlAccess.h"
 #include "FormPictureLayer.h"
 #include "Kelochameleon.h"
+#include "KelolistBox.h"
 #include "KeloscoreCard.h"
 #include "PropertyBag.h"
 #include "Random.h"
@@ -9,12 +10,15 @@
 #include "WandPool.h"
 
 #include <QBuffer>
+#include <QFrame>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaClassInfo>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSignalSpy>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -29,7 +33,7 @@ namespace {
 
 const QStringList PersistedOrder{"ColorMinimum", "ColorMaximum", "ColorStepRate", "Enabled", "BackgroundStyle",
     "WandStyle", "NewBackColor", "Interval", "FontStyle", "NewFont", "BackgroundPicture", "BackgroundPictureStyle",
-    "ThemeName", "ThemeIsUsed", "MouseIcon"};
+    "ThemeName", "ThemeIsUsed", "MouseIcon", "WandFollowsMouse"};
 
 QColor qColorOf(OleColor colour)
 {
@@ -168,6 +172,7 @@ private Q_SLOTS:
     void disabledChameleonNeverTouchesTheForm();
     void setColourStopsAtTheFirstControlWithoutBackColor();
     void setColourSkipsOnlyTheChameleonsOwnName();
+    void nestedControlsTakeTheColourAndTheFont();
     void systemDefaultUsesTheButtonFace();
     void applyFontSkipsTheTimer();
     void variedColourStartsFromTheFixedSequence();
@@ -216,6 +221,7 @@ void TestKelochameleon::defaultsAndPersistedOrder()
     QCOMPARE(chameleon.ThemeName(), QStringLiteral("DefaultTheme"));
     QVERIFY(!chameleon.ThemeIsUsed());
     QVERIFY(chameleon.MouseIcon().isNull());
+    QVERIFY(!chameleon.WandFollowsMouse());
 
     QCOMPARE(chameleon.propertyTable().readOrder(), PersistedOrder);
     QCOMPARE(chameleon.propertyTable().writeOrder(), PersistedOrder);
@@ -236,6 +242,7 @@ void TestKelochameleon::writesOnlyWhatDiffersFromTheDefaults()
 
     QPixmap icon(8, 8);
     icon.fill(Qt::green);
+    chameleon.setWandFollowsMouse(true);
     chameleon.setMouseIcon(icon);
     chameleon.setThemeIsUsed(true);
     chameleon.setThemeName(QString());
@@ -275,6 +282,7 @@ void TestKelochameleon::writesOnlyWhatDiffersFromTheDefaults()
     QCOMPARE(copy.ThemeName(), QString());
     QVERIFY(copy.ThemeIsUsed());
     QCOMPARE(copy.MouseIcon().toImage(), icon.toImage());
+    QVERIFY(copy.WandFollowsMouse());
     PropertyBag again;
     copy.WriteProperties(again);
     QCOMPARE(again, reread);
@@ -361,7 +369,8 @@ void TestKelochameleon::everyWriteReportsItsExactName()
     const QList<QPair<const char *, QVariant>> writes{{"ColorMinimum", 10}, {"ColorMaximum", 20}, {"ColorStepRate", 5},
         {"Enabled", false}, {"BackgroundStyle", 3}, {"WandStyle", 2}, {"NewBackColor", uint(0x123456)},
         {"Interval", 1500}, {"FontStyle", 1}, {"NewFont", QFont()}, {"BackgroundPicture", QStringLiteral("a.png")},
-        {"BackgroundPictureStyle", 8}, {"ThemeName", "Dusk"}, {"ThemeIsUsed", true}, {"MouseIcon", QPixmap()}};
+        {"BackgroundPictureStyle", 8}, {"ThemeName", "Dusk"}, {"ThemeIsUsed", true}, {"MouseIcon", QPixmap()},
+        {"WandFollowsMouse", true}};
     for (const auto &[name, value] : writes) {
         QVERIFY2(chameleon.setProperty(name, value), name);
     }
@@ -401,6 +410,8 @@ void TestKelochameleon::helpStringsAreExact()
     QCOMPARE(
         help("ThemeIsUsed"), QStringLiteral("If set to TRUE a theme is read when the control is shown at run time."));
     QCOMPARE(help("MouseIcon"), QStringLiteral("Sets a custom mouse icon."));
+    QCOMPARE(help("WandFollowsMouse"),
+        QStringLiteral("If set to TRUE the wand follows the mouse over the form without calls to WandMovement."));
     QCOMPARE(help("WandMovement"), QStringLiteral("Called from controls MouseMove event"));
     for (const QString &name : PersistedOrder) {
         QVERIFY2(meta.indexOfProperty(name.toLatin1().constData()) >= 0, qPrintable(name));
@@ -558,6 +569,55 @@ void TestKelochameleon::setColourSkipsOnlyTheChameleonsOwnName()
     second.chameleon->setNewBackColor(0x00040506);
     second.widget->show();
     QCOMPARE(ControlAccess::backColor(plain), OleColor(0x00040506));
+}
+
+void TestKelochameleon::nestedControlsTakeTheColourAndTheFont()
+{
+    Form form;
+    QWidget *f = form.widget.get();
+    auto *group = new QGroupBox(QStringLiteral("Group"), f);
+    auto *card = new KeloscoreCard(group);
+    auto *frame = new QFrame(f);
+    auto *list = new KelolistBox(frame);
+    list->setBackColor(0x00FFFFFF); // white, but not the window colour it keeps
+    auto *label = new QLabel(QStringLiteral("In the frame"), frame);
+    auto *tabs = new QTabWidget(f);
+    auto *page = new QWidget;
+    auto *onPage = new QLabel(QStringLiteral("On the page"), page);
+    auto *text = new QLineEdit(page);
+    tabs->addTab(page, QStringLiteral("Page"));
+    const QFont font(QStringLiteral("DejaVu Serif"), 15);
+    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    form.chameleon->setNewBackColor(0x00336699);
+    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
+    form.chameleon->setNewFont(font);
+    form.widget->show();
+    QCOMPARE(card->BackColor(), OleColor(0x00336699));
+    QCOMPARE(list->BackColor(), OleColor(0x00336699));
+    QCOMPARE(ControlAccess::backColor(label), OleColor(0x00336699));
+    QCOMPARE(ControlAccess::backColor(onPage), OleColor(0x00336699));
+    QCOMPARE(ControlAccess::backColor(text), ControlAccess::WindowBackground);
+    QCOMPARE(card->Font(), font);
+    QCOMPARE(list->Font(), font);
+    QCOMPARE(onPage->font(), font);
+
+    // A timer inside the group box ends the colouring pass for every control
+    // after it, nested or not; the font still reaches them.
+    Form second;
+    auto *box = new QGroupBox(second.widget.get());
+    auto *before = new QLabel(box);
+    new QTimer(box);
+    auto *after = new QLabel(box);
+    auto *outside = new QLabel(second.widget.get());
+    second.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    second.chameleon->setNewBackColor(0x00010203);
+    second.chameleon->setFontStyle(keloFontStyle::ChangeFont);
+    second.chameleon->setNewFont(font);
+    second.widget->show();
+    QCOMPARE(ControlAccess::backColor(before), OleColor(0x00010203));
+    QCOMPARE(ControlAccess::backColor(after), ControlAccess::ButtonFace);
+    QCOMPARE(ControlAccess::backColor(outside), ControlAccess::ButtonFace);
+    QCOMPARE(outside->font(), font);
 }
 
 void TestKelochameleon::systemDefaultUsesTheButtonFace()
@@ -828,13 +888,20 @@ void TestKelochameleon::wandFollowsTheMouseOverTheForm()
     form.chameleon->setWandStyle(keloWandStyle::Ripples);
     form.widget->setProperty("ScaleMode", 1);
     form.widget->show();
-    QVERIFY(form.widget->hasMouseTracking());
     WandPool &wand = WandPool::shared();
-    tick(form.chameleon);
-    QVERIFY(wand.mayStart());
-
     QMouseEvent move(QEvent::MouseMove, QPointF(40, 50), form.widget->mapToGlobal(QPointF(40, 50)), Qt::NoButton,
         Qt::NoButton, Qt::NoModifier);
+
+    // By default the host reports the mouse: the form's own movements start nothing.
+    QVERIFY(!form.chameleon->WandFollowsMouse());
+    QVERIFY(!form.widget->hasMouseTracking());
+    tick(form.chameleon);
+    QCoreApplication::sendEvent(form.widget.get(), &move);
+    QCOMPARE(wand.activeCount(), 0);
+    QVERIFY(wand.templateElement().surface.data() != form.widget.get());
+
+    form.chameleon->setWandFollowsMouse(true);
+    QVERIFY(form.widget->hasMouseTracking());
     QCoreApplication::sendEvent(form.widget.get(), &move);
     // Reported in the form's twips, drawn at the pointer's pixels.
     QCOMPARE(wand.templateElement().surface.data(), form.widget.get());
@@ -844,6 +911,13 @@ void TestKelochameleon::wandFollowsTheMouseOverTheForm()
     QCOMPARE(wand.element(20).x, 40.0f);
     QCOMPARE(wand.element(20).y, 50.0f);
     QCOMPARE(wand.element(20).style, keloWandStyle::Ripples);
+
+    // Turned off again, the form's tracking goes back as it was.
+    form.chameleon->setWandFollowsMouse(false);
+    QVERIFY(!form.widget->hasMouseTracking());
+    tick(form.chameleon);
+    QCoreApplication::sendEvent(form.widget.get(), &move);
+    QCOMPARE(wand.activeCount(), 1);
 
     // A disabled chameleon passes movements over.
     form.chameleon->setEnabled(false);

@@ -1,12 +1,13 @@
 #include "ControlAccess.h"
 #include "Random.h"
 #include "WandFrame.h"
-#include "WandOverlay.h"
-#include "WandOverlayDisplay.h"
+#include "WandLayer.h"
+#include "WandLayerDisplay.h"
 #include "WandPool.h"
 
 #include <QLabel>
 #include <QPainter>
+#include <QPushButton>
 #include <QTest>
 
 #include <memory>
@@ -50,7 +51,7 @@ int differingPixels(const QImage &a, const QImage &b)
 
 } // namespace
 
-class TestWandOverlay : public QObject
+class TestWandLayer : public QObject
 {
     Q_OBJECT
 
@@ -59,21 +60,21 @@ private Q_SLOTS:
 
     void framesShowAndEraseWithoutATrace();
     void exclusiveOrInvertsWhatLiesBeneath();
-    void overlayStaysOnTopOutOfTheWayAndOutOfTheControls();
+    void layerLiesBeneathTheSurfacesWidgets();
     void elementsLeaveNoTraceWhenTheyDie_data();
     void elementsLeaveNoTraceWhenTheyDie();
 };
 
-void TestWandOverlay::framesShowAndEraseWithoutATrace()
+void TestWandLayer::framesShowAndEraseWithoutATrace()
 {
     auto surface = makeSurface();
     surface->show();
     const QImage before = surface->grab().toImage();
-    WandOverlayDisplay display;
+    WandLayerDisplay display;
     display.showFrame(surface.get(), 3, cross(0x0000FFFF, false));
-    WandOverlay *overlay = display.overlayOf(surface.get());
-    QVERIFY(overlay);
-    QCOMPARE(overlay->geometry(), surface->rect());
+    WandLayer *layer = display.layerOf(surface.get());
+    QVERIFY(layer);
+    QCOMPARE(layer->geometry(), surface->rect());
     const QImage drawn = surface->grab().toImage();
     QCOMPARE(drawn.pixelColor(50, 50), QColor(255, 255, 0));
     QCOMPARE(drawn.pixelColor(70, 120), QColor(255, 255, 0));
@@ -88,19 +89,19 @@ void TestWandOverlay::framesShowAndEraseWithoutATrace()
     QCOMPARE(after.pixelColor(50, 50), before.pixelColor(50, 50));
     QCOMPARE(after.pixelColor(10, 20), QColor(255, 0, 255));
     display.showFrame(surface.get(), 7, WandFrame(true, false));
-    QVERIFY(overlay->isBlank());
+    QVERIFY(layer->isBlank());
     QCOMPARE(differingPixels(surface->grab().toImage(), before), 0);
 
-    // The surface grows: so does the overlay.
+    // The surface grows: so does the layer.
     surface->resize(300, 260);
-    QCOMPARE(overlay->geometry(), QRect(0, 0, 300, 260));
+    QCOMPARE(layer->geometry(), QRect(0, 0, 300, 260));
 }
 
-void TestWandOverlay::exclusiveOrInvertsWhatLiesBeneath()
+void TestWandLayer::exclusiveOrInvertsWhatLiesBeneath()
 {
     auto surface = makeSurface();
     surface->show();
-    WandOverlayDisplay display;
+    WandLayerDisplay display;
     display.showFrame(surface.get(), 0, cross(0x00FFFFFF, true));
     const QImage shot = surface->grab().toImage();
     // 0x204060 exclusive-or white.
@@ -108,31 +109,46 @@ void TestWandOverlay::exclusiveOrInvertsWhatLiesBeneath()
     QCOMPARE(shot.pixelColor(50, 60), QColor(0x20, 0x40, 0x60));
 }
 
-void TestWandOverlay::overlayStaysOnTopOutOfTheWayAndOutOfTheControls()
+void TestWandLayer::layerLiesBeneathTheSurfacesWidgets()
 {
     auto surface = makeSurface();
+    auto *button = new QPushButton(QStringLiteral("OK"), surface.get());
+    button->setGeometry(30, 40, 60, 30);
     surface->show();
-    WandOverlayDisplay display;
-    display.showFrame(surface.get(), 0, cross(0x000000FF, false));
-    WandOverlay *overlay = display.overlayOf(surface.get());
-    QVERIFY(overlay->testAttribute(Qt::WA_TransparentForMouseEvents));
-    QVERIFY(ControlAccess::isInternal(overlay));
-    QVERIFY(!ControlAccess::parentControls(surface.get()).contains(overlay));
-    QCOMPARE(surface->childAt(160, 160)->metaObject()->className(), "QLabel");
+    const QImage before = surface->grab().toImage();
+    WandLayerDisplay display;
+    // A line across the button and out on both sides.
+    WandFrame frame(false, false);
+    frame.line(QPointF(10, 55), QPointF(120, 55), 0x000000FF);
+    display.showFrame(surface.get(), 0, frame);
+    WandLayer *layer = display.layerOf(surface.get());
+    const QImage shot = surface->grab().toImage();
+    // Drawn on the surface, covered by the button.
+    QCOMPARE(shot.pixelColor(15, 55), QColor(255, 0, 0));
+    QCOMPARE(shot.pixelColor(110, 55), QColor(255, 0, 0));
+    for (int x = 31; x < 89; ++x) {
+        QCOMPARE(shot.pixel(x, 55), before.pixel(x, 55));
+    }
+    QVERIFY(layer->testAttribute(Qt::WA_TransparentForMouseEvents));
+    QVERIFY(ControlAccess::isInternal(layer));
+    QVERIFY(!ControlAccess::parentControls(surface.get()).contains(layer));
+    QCOMPARE(surface->childAt(50, 55), button);
+    QCOMPARE(surface->childAt(15, 55), nullptr);
 
-    // A widget added later is covered again at the next frame.
+    // A widget added later covers it too; one the program lowers beneath
+    // the layer is under it again only until the next frame.
     auto *late = new QLabel(QStringLiteral("Late"), surface.get());
-    late->setGeometry(0, 40, 100, 20);
+    late->setGeometry(0, 50, 20, 20);
     late->setAutoFillBackground(true);
     late->show();
-    display.showFrame(surface.get(), 0, cross(0x000000FF, false));
-    QCOMPARE(surface->children().constLast(), overlay);
-    QCOMPARE(surface->grab().toImage().pixelColor(50, 50), QColor(255, 0, 0));
-    // Only one overlay per surface.
-    QCOMPARE(surface->findChildren<WandOverlay *>().size(), 1);
+    late->lower();
+    display.showFrame(surface.get(), 0, frame);
+    QVERIFY(surface->grab().toImage().pixelColor(15, 55) != QColor(255, 0, 0));
+    // Only one layer per surface.
+    QCOMPARE(surface->findChildren<WandLayer *>().size(), 1);
 }
 
-void TestWandOverlay::elementsLeaveNoTraceWhenTheyDie_data()
+void TestWandLayer::elementsLeaveNoTraceWhenTheyDie_data()
 {
     QTest::addColumn<int>("style");
     QTest::addColumn<bool>("pictureMode");
@@ -143,14 +159,14 @@ void TestWandOverlay::elementsLeaveNoTraceWhenTheyDie_data()
     }
 }
 
-void TestWandOverlay::elementsLeaveNoTraceWhenTheyDie()
+void TestWandLayer::elementsLeaveNoTraceWhenTheyDie()
 {
     QFETCH(int, style);
     QFETCH(bool, pictureMode);
     auto surface = makeSurface();
     surface->show();
     const QImage before = surface->grab().toImage();
-    WandOverlayDisplay display;
+    WandLayerDisplay display;
     WandPool pool(&display);
     pool.setPictureMode(pictureMode);
     // An atom starts every other movement on average.
@@ -169,5 +185,5 @@ void TestWandOverlay::elementsLeaveNoTraceWhenTheyDie()
     QCOMPARE(differingPixels(surface->grab().toImage(), before), 0);
 }
 
-QTEST_MAIN(TestWandOverlay)
-#include "tst_wandoverlay.moc"
+QTEST_MAIN(TestWandLayer)
+#include "tst_wandlayer.moc"
