@@ -2,8 +2,8 @@
 // 200 widgets, and one wand advance with all 21 elements alive.
 
 #include "Kelochameleon.h"
-#include "WandLayerDisplay.h"
-#include "WandPool.h"
+#include "WandLayerDisplay_p.h"
+#include "WandPool_p.h"
 
 #include <QCheckBox>
 #include <QLabel>

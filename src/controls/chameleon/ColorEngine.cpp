@@ -1,4 +1,4 @@
-#include "ColorEngine.h"
+#include "ColorEngine_p.h"
 
 #include "Conversions.h"
 #include "Random.h"

@@ -1,4 +1,4 @@
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 
 #include "ControlBase.h"
 #include "Conversions.h"

@@ -1,4 +1,4 @@
-#include "FormPictureLayer.h"
+#include "FormPictureLayer_p.h"
 
 #include <QEvent>
 #include <QPainter>

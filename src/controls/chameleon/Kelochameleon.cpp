@@ -1,20 +1,23 @@
 #include "Kelochameleon.h"
 
-#include "ControlAccess.h"
+#include "ColorEngine_p.h"
+#include "ControlAccess_p.h"
 #include "Conversions.h"
-#include "FormPictureLayer.h"
+#include "FormPictureLayer_p.h"
 #include "PictureBox.h"
-#include "PicturePlacement.h"
+#include "PicturePlacement_p.h"
+#include "PropertyTable.h"
 #include "PropertyValues.h"
 #include "RuntimeError.h"
 #include "SettingsStore.h"
-#include "WandPool.h"
-#include "WandSurface.h"
+#include "WandPool_p.h"
+#include "WandSurface_p.h"
 
 #include <QFileInfo>
 #include <QImageReader>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QShowEvent>
 #include <QTimer>
 
@@ -94,82 +97,138 @@ QPixmap loadPicture(const QString &path)
 
 } // namespace
 
-const PropertyTable<Kelochameleon> &Kelochameleon::table()
+// The state of one chameleon and the work behind its members.
+class Kelochameleon::Private
 {
+public:
+    explicit Private(Kelochameleon *owner);
+
     // Read and written in this order.
+    static const PropertyTable<Kelochameleon> &table();
+
+    void applyModeSize();
+    void runShow();
+    QString fetchSettingsApplicationName();
+    void ensureThemeName();
+    void onTimer1Tick();
+    void applyBackground(bool fromTimer);
+    void setColour(OleColor colour);
+    void applyFont();
+    void drawPicture();
+    void followMouse();
+    void stopFollowingMouse();
+    void paintFace(QPainter &painter) const;
+
+    Kelochameleon *const q;
+    PictureBox *const picBackground;
+    QTimer *const timer1;
+    FormPictureLayer *const pictureLayer;
+    // The form whose mouse the wand follows, while WandFollowsMouse is set.
+    QPointer<QWidget> watchedForm;
+    // Whether following the mouse turned the form's mouse tracking on.
+    bool trackingTurnedOn = false;
+
+    // The persisted state, in the order of declaration of the classic control.
+    bool themeIsUsed = false;
+    QString themeName;
+    QString backgroundPicture;
+    int backgroundPictureStyle = 0;
+    QFont newFont;
+    int fontStyle = 0;
+    qint16 interval = 1000;
+    int backgroundStyle = 0;
+    int wandStyle = 0;
+    OleColor newBackColor = 0;
+    ColorRange range;
+    QPixmap mouseIcon;
+    bool wandFollowsMouse = false;
+
+    QString settingsAppName;
+    OleColor backColor = ControlAccess::ButtonFace;
+    ColorEngine engine;
+};
+
+const PropertyTable<Kelochameleon> &Kelochameleon::Private::table()
+{
     static const PropertyTable<Kelochameleon> properties = [] {
         using C = Kelochameleon;
         PropertyTable<C> t;
         t.add(
              "ColorMinimum", QVariant(0), [](const C &c) { return QVariant(c.ColorMinimum()); },
-             [](C &c, const QVariant &v) { c.m_range.minimum = CInt(v); })
+             [](C &c, const QVariant &v) { c.d->range.minimum = CInt(v); })
             .add(
                 "ColorMaximum", QVariant(255), [](const C &c) { return QVariant(c.ColorMaximum()); },
-                [](C &c, const QVariant &v) { c.m_range.maximum = CInt(v); })
+                [](C &c, const QVariant &v) { c.d->range.maximum = CInt(v); })
             .add(
                 "ColorStepRate", QVariant(10), [](const C &c) { return QVariant(c.ColorStepRate()); },
-                [](C &c, const QVariant &v) { c.m_range.stepRate = CInt(v); })
+                [](C &c, const QVariant &v) { c.d->range.stepRate = CInt(v); })
             .add(
                 "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
                 [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); })
             .add(
-                "BackgroundStyle", QVariant(0), [](const C &c) { return QVariant(c.m_backgroundStyle); },
-                [](C &c, const QVariant &v) { c.m_backgroundStyle = CLng(v); })
+                "BackgroundStyle", QVariant(0), [](const C &c) { return QVariant(c.d->backgroundStyle); },
+                [](C &c, const QVariant &v) { c.d->backgroundStyle = CLng(v); })
             .add(
-                "WandStyle", QVariant(0), [](const C &c) { return QVariant(c.m_wandStyle); },
-                [](C &c, const QVariant &v) { c.m_wandStyle = CLng(v); })
+                "WandStyle", QVariant(0), [](const C &c) { return QVariant(c.d->wandStyle); },
+                [](C &c, const QVariant &v) { c.d->wandStyle = CLng(v); })
             .add(
-                "NewBackColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.m_newBackColor); },
-                [](C &c, const QVariant &v) { c.m_newBackColor = colorFromVariant(v); })
+                "NewBackColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.d->newBackColor); },
+                [](C &c, const QVariant &v) { c.d->newBackColor = colorFromVariant(v); })
             .add(
                 "Interval", QVariant(1000), [](const C &c) { return QVariant(c.Interval()); },
-                [](C &c, const QVariant &v) { c.m_interval = CInt(v); })
+                [](C &c, const QVariant &v) { c.d->interval = CInt(v); })
             .add(
-                "FontStyle", QVariant(0), [](const C &c) { return QVariant(c.m_fontStyle); },
-                [](C &c, const QVariant &v) { c.m_fontStyle = CLng(v); })
+                "FontStyle", QVariant(0), [](const C &c) { return QVariant(c.d->fontStyle); },
+                [](C &c, const QVariant &v) { c.d->fontStyle = CLng(v); })
             .add(
                 "NewFont", [](const C &c) { return QVariant(c.ambientFont()); },
-                [](const C &c) { return QVariant(c.m_newFont); },
-                [](C &c, const QVariant &v) { c.m_newFont = fontFromVariant(v); })
+                [](const C &c) { return QVariant(c.d->newFont); },
+                [](C &c, const QVariant &v) { c.d->newFont = fontFromVariant(v); })
             .add(
-                "BackgroundPicture", QVariant(QString()), [](const C &c) { return QVariant(c.m_backgroundPicture); },
-                [](C &c, const QVariant &v) { c.m_backgroundPicture = textFromVariant(v); })
+                "BackgroundPicture", QVariant(QString()), [](const C &c) { return QVariant(c.d->backgroundPicture); },
+                [](C &c, const QVariant &v) { c.d->backgroundPicture = textFromVariant(v); })
             .add(
-                "BackgroundPictureStyle", QVariant(0), [](const C &c) { return QVariant(c.m_backgroundPictureStyle); },
-                [](C &c, const QVariant &v) { c.m_backgroundPictureStyle = CLng(v); })
+                "BackgroundPictureStyle", QVariant(0), [](const C &c) { return QVariant(c.d->backgroundPictureStyle); },
+                [](C &c, const QVariant &v) { c.d->backgroundPictureStyle = CLng(v); })
             .add(
                 "ThemeName", QVariant(QStringLiteral("DefaultTheme")),
-                [](const C &c) { return QVariant(c.m_themeName); },
-                [](C &c, const QVariant &v) { c.m_themeName = textFromVariant(v); })
+                [](const C &c) { return QVariant(c.d->themeName); },
+                [](C &c, const QVariant &v) { c.d->themeName = textFromVariant(v); })
             .add(
-                "ThemeIsUsed", QVariant(false), [](const C &c) { return QVariant(c.m_themeIsUsed); },
-                [](C &c, const QVariant &v) { c.m_themeIsUsed = CBool(v); })
+                "ThemeIsUsed", QVariant(false), [](const C &c) { return QVariant(c.d->themeIsUsed); },
+                [](C &c, const QVariant &v) { c.d->themeIsUsed = CBool(v); })
             .add(
-                "MouseIcon", QVariant(QPixmap()), [](const C &c) { return QVariant(c.m_mouseIcon); },
+                "MouseIcon", QVariant(QPixmap()), [](const C &c) { return QVariant(c.d->mouseIcon); },
                 [](C &c, const QVariant &v) { c.setMouseIcon(pictureFromVariant(v)); })
             .add(
-                "WandFollowsMouse", QVariant(false), [](const C &c) { return QVariant(c.m_wandFollowsMouse); },
-                [](C &c, const QVariant &v) { c.m_wandFollowsMouse = CBool(v); });
+                "WandFollowsMouse", QVariant(false), [](const C &c) { return QVariant(c.d->wandFollowsMouse); },
+                [](C &c, const QVariant &v) { c.d->wandFollowsMouse = CBool(v); });
         return t;
     }();
     return properties;
 }
 
+Kelochameleon::Private::Private(Kelochameleon *owner)
+    : q(owner)
+    , picBackground(new PictureBox(owner))
+    , timer1(new QTimer(owner))
+    , pictureLayer(new FormPictureLayer(owner))
+{
+    picBackground->setObjectName(QStringLiteral("picBackground"));
+    picBackground->setBorderStyle(0);
+    picBackground->hide();
+    timer1->setObjectName(QStringLiteral("Timer1"));
+    timer1->setInterval(TimerInterval);
+    QObject::connect(timer1, &QTimer::timeout, owner, [this] { onTimer1Tick(); });
+    pictureLayer->setObjectName(QStringLiteral("BackgroundLayer"));
+}
+
 Kelochameleon::Kelochameleon(QWidget *parent)
     : ControlBase(parent)
-    , m_picBackground(new PictureBox(this))
-    , m_timer1(new QTimer(this))
-    , m_pictureLayer(new FormPictureLayer(this))
+    , d(std::make_unique<Private>(this))
 {
-    m_picBackground->setObjectName(QStringLiteral("picBackground"));
-    m_picBackground->setBorderStyle(0);
-    m_picBackground->hide();
-    m_timer1->setObjectName(QStringLiteral("Timer1"));
-    m_timer1->setInterval(TimerInterval);
-    connect(m_timer1, &QTimer::timeout, this, &Kelochameleon::onTimer1Tick);
-    m_pictureLayer->setObjectName(QStringLiteral("BackgroundLayer"));
     setAttribute(Qt::WA_OpaquePaintEvent);
-    applyModeSize();
+    d->applyModeSize();
     InitProperties();
 }
 
@@ -177,31 +236,116 @@ Kelochameleon::Kelochameleon(QWidget *parent)
 // chameleon; elements it started keep their place in the shared pool.
 Kelochameleon::~Kelochameleon()
 {
-    m_timer1->stop();
+    d->timer1->stop();
 }
 
 const PropertyTableBase &Kelochameleon::propertyTable() const
 {
-    return table();
+    return Private::table();
 }
 
 // ---- properties ---------------------------------------------------------------
 
+int Kelochameleon::ColorMinimum() const
+{
+    return d->range.minimum;
+}
+
+int Kelochameleon::ColorMaximum() const
+{
+    return d->range.maximum;
+}
+
+int Kelochameleon::ColorStepRate() const
+{
+    return d->range.stepRate;
+}
+
+keloBackgroundStyle Kelochameleon::BackgroundStyle() const
+{
+    return keloBackgroundStyle(d->backgroundStyle);
+}
+
+keloWandStyle Kelochameleon::WandStyle() const
+{
+    return keloWandStyle(d->wandStyle);
+}
+
+OleColor Kelochameleon::NewBackColor() const
+{
+    return d->newBackColor;
+}
+
+int Kelochameleon::Interval() const
+{
+    return d->interval;
+}
+
+keloFontStyle Kelochameleon::FontStyle() const
+{
+    return keloFontStyle(d->fontStyle);
+}
+
+QFont Kelochameleon::NewFont() const
+{
+    return d->newFont;
+}
+
+QString Kelochameleon::BackgroundPicture() const
+{
+    return d->backgroundPicture;
+}
+
+keloPictureStyle Kelochameleon::BackgroundPictureStyle() const
+{
+    return keloPictureStyle(d->backgroundPictureStyle);
+}
+
+QString Kelochameleon::ThemeName() const
+{
+    return d->themeName;
+}
+
+bool Kelochameleon::ThemeIsUsed() const
+{
+    return d->themeIsUsed;
+}
+
+QPixmap Kelochameleon::MouseIcon() const
+{
+    return d->mouseIcon;
+}
+
+bool Kelochameleon::WandFollowsMouse() const
+{
+    return d->wandFollowsMouse;
+}
+
+QString Kelochameleon::settingsApplicationName() const
+{
+    return d->settingsAppName;
+}
+
+OleColor Kelochameleon::backColor() const
+{
+    return d->backColor;
+}
+
 void Kelochameleon::setColorMinimum(int value)
 {
-    m_range.minimum = clampValue(value, 0, m_range.maximum);
+    d->range.minimum = clampValue(value, 0, d->range.maximum);
     propertyChanged("ColorMinimum");
 }
 
 void Kelochameleon::setColorMaximum(int value)
 {
-    m_range.maximum = clampValue(value, m_range.minimum, 255);
+    d->range.maximum = clampValue(value, d->range.minimum, 255);
     propertyChanged("ColorMaximum");
 }
 
 void Kelochameleon::setColorStepRate(int value)
 {
-    m_range.stepRate = clampValue(value, 0, 255);
+    d->range.stepRate = clampValue(value, 0, 255);
     propertyChanged("ColorStepRate");
 }
 
@@ -219,67 +363,67 @@ void Kelochameleon::setEnabled(bool enabled)
 
 void Kelochameleon::setBackgroundStyle(keloBackgroundStyle style)
 {
-    m_backgroundStyle = int(style);
+    d->backgroundStyle = int(style);
     propertyChanged("BackgroundStyle");
 }
 
 void Kelochameleon::setWandStyle(keloWandStyle style)
 {
-    m_wandStyle = int(style);
+    d->wandStyle = int(style);
     propertyChanged("WandStyle");
 }
 
 void Kelochameleon::setNewBackColor(OleColor color)
 {
-    m_newBackColor = color;
+    d->newBackColor = color;
     propertyChanged("NewBackColor");
 }
 
 void Kelochameleon::setInterval(int milliseconds)
 {
-    m_interval = CInt(double(milliseconds));
+    d->interval = CInt(double(milliseconds));
     propertyChanged("Interval");
 }
 
 void Kelochameleon::setFontStyle(keloFontStyle style)
 {
-    m_fontStyle = int(style);
+    d->fontStyle = int(style);
     propertyChanged("FontStyle");
 }
 
 void Kelochameleon::setNewFont(const QFont &font)
 {
-    m_newFont = font;
+    d->newFont = font;
     propertyChanged("NewFont");
 }
 
 void Kelochameleon::setBackgroundPicture(const QString &path)
 {
-    m_backgroundPicture = path;
+    d->backgroundPicture = path;
     propertyChanged("BackgroundPicture");
 }
 
 void Kelochameleon::setBackgroundPictureStyle(keloPictureStyle style)
 {
-    m_backgroundPictureStyle = int(style);
+    d->backgroundPictureStyle = int(style);
     propertyChanged("BackgroundPictureStyle");
 }
 
 void Kelochameleon::setThemeName(const QString &name)
 {
-    m_themeName = name;
+    d->themeName = name;
     propertyChanged("ThemeName");
 }
 
 void Kelochameleon::setThemeIsUsed(bool used)
 {
-    m_themeIsUsed = used;
+    d->themeIsUsed = used;
     propertyChanged("ThemeIsUsed");
 }
 
 void Kelochameleon::setMouseIcon(const QPixmap &icon)
 {
-    m_mouseIcon = icon;
+    d->mouseIcon = icon;
     if (icon.isNull()) {
         unsetCursor();
     } else {
@@ -291,11 +435,11 @@ void Kelochameleon::setMouseIcon(const QPixmap &icon)
 // ---- life cycle -----------------------------------------------------------------
 
 // A toolbox-sized face in a designer, no room at all in a running program.
-void Kelochameleon::applyModeSize()
+void Kelochameleon::Private::applyModeSize()
 {
-    const int side = UserMode() ? 0 : FaceSize;
-    setFixedSize(side, side);
-    updateGeometry();
+    const int side = q->UserMode() ? 0 : FaceSize;
+    q->setFixedSize(side, side);
+    q->updateGeometry();
 }
 
 QSize Kelochameleon::sizeHint() const
@@ -315,9 +459,9 @@ void Kelochameleon::propertiesLoaded()
 
 void Kelochameleon::userModeChanged()
 {
-    applyModeSize();
+    d->applyModeSize();
     if (!UserMode()) {
-        m_timer1->stop();
+        d->timer1->stop();
     }
     update();
 }
@@ -329,7 +473,7 @@ void Kelochameleon::showEvent(QShowEvent *event)
         return;
     }
     try {
-        runShow();
+        d->runShow();
     } catch (const std::exception &error) {
         qWarning("Kelochameleon %s: %s", qPrintable(objectName()), error.what());
     }
@@ -337,85 +481,86 @@ void Kelochameleon::showEvent(QShowEvent *event)
 
 void Kelochameleon::Refresh()
 {
-    runShow();
+    d->runShow();
 }
 
-void Kelochameleon::runShow()
+void Kelochameleon::Private::runShow()
 {
-    update();
-    if (!UserMode()) {
-        m_timer1->stop();
+    q->update();
+    if (!q->UserMode()) {
+        timer1->stop();
         return;
     }
-    if (!Enabled()) {
-        m_timer1->stop();
+    if (!q->Enabled()) {
+        timer1->stop();
         return;
     }
-    if (m_themeIsUsed) {
-        GetTheme();
+    if (themeIsUsed) {
+        q->GetTheme();
     }
-    m_engine.seed(m_range);
+    engine.seed(range);
     applyBackground(false);
     applyFont();
-    if (m_wandFollowsMouse) {
+    if (wandFollowsMouse) {
         followMouse();
     } else {
         stopFollowingMouse();
     }
-    m_timer1->setInterval(TimerInterval);
+    timer1->setInterval(TimerInterval);
     // A theme read above may have disabled the chameleon.
-    if (Enabled()) {
-        m_timer1->start();
+    if (q->Enabled()) {
+        timer1->start();
     } else {
-        m_timer1->stop();
+        timer1->stop();
     }
 }
 
 // ---- themes ---------------------------------------------------------------------
 
 // Fetched afresh at every theme call: the name may have changed since.
-QString Kelochameleon::fetchSettingsApplicationName()
+QString Kelochameleon::Private::fetchSettingsApplicationName()
 {
-    m_settingsAppName = objectName().isEmpty() ? QString::fromLatin1(staticMetaObject.className()) : objectName();
-    return m_settingsAppName;
+    settingsAppName = q->objectName().isEmpty() ? QString::fromLatin1(Kelochameleon::staticMetaObject.className())
+                                                : q->objectName();
+    return settingsAppName;
 }
 
 // The property itself changes, so a designer saves the name the theme went under.
-void Kelochameleon::ensureThemeName()
+void Kelochameleon::Private::ensureThemeName()
 {
-    if (m_themeName.isEmpty()) {
-        setThemeName(DefaultThemeName);
+    if (themeName.isEmpty()) {
+        q->setThemeName(DefaultThemeName);
     }
 }
 
 QVariant Kelochameleon::SaveTheme()
 {
-    const QString appName = fetchSettingsApplicationName();
-    ensureThemeName();
-    const QString section = m_themeName;
+    const QString appName = d->fetchSettingsApplicationName();
+    d->ensureThemeName();
+    const QString section = d->themeName;
     const auto save = [&](const char *key, const QString &value) {
         SaveSetting(appName, section, QString::fromLatin1(key), value);
     };
     save("ThemeExists", booleanText(true));
-    save("BackgroundPicture", m_backgroundPicture);
-    save("BackgroundPictureStyle", QString::number(m_backgroundPictureStyle));
-    save("FontStyle", QString::number(m_fontStyle));
-    save("Interval", QString::number(m_interval));
-    save("BackgroundStyle", QString::number(m_backgroundStyle));
-    save("WandStyle", QString::number(m_wandStyle));
-    save("NewBackColor", QString::number(qint32(m_newBackColor)));
+    save("BackgroundPicture", d->backgroundPicture);
+    save("BackgroundPictureStyle", QString::number(d->backgroundPictureStyle));
+    save("FontStyle", QString::number(d->fontStyle));
+    save("Interval", QString::number(d->interval));
+    save("BackgroundStyle", QString::number(d->backgroundStyle));
+    save("WandStyle", QString::number(d->wandStyle));
+    save("NewBackColor", QString::number(qint32(d->newBackColor)));
     save("Enabled", booleanText(Enabled()));
-    save("ColorMinimum", QString::number(m_range.minimum));
-    save("ColorMaximum", QString::number(m_range.maximum));
-    save("ColorStepRate", QString::number(m_range.stepRate));
+    save("ColorMinimum", QString::number(d->range.minimum));
+    save("ColorMaximum", QString::number(d->range.maximum));
+    save("ColorStepRate", QString::number(d->range.stepRate));
     return QVariant();
 }
 
 bool Kelochameleon::GetTheme()
 {
-    const QString appName = fetchSettingsApplicationName();
-    ensureThemeName();
-    const QString section = m_themeName;
+    const QString appName = d->fetchSettingsApplicationName();
+    d->ensureThemeName();
+    const QString section = d->themeName;
     const auto read = [&](const char *key, const QString &fallback) {
         return QVariant(GetSetting(appName, section, QString::fromLatin1(key), fallback));
     };
@@ -426,26 +571,26 @@ bool Kelochameleon::GetTheme()
     // Each value goes straight into the control as it is read: no clamping,
     // no PropertyChanged. A bad value raises from its own read, and the
     // values read before it stay stored.
-    m_backgroundPicture = read("BackgroundPicture", QString()).toString();
-    m_backgroundPictureStyle = CLng(read("BackgroundPictureStyle", QStringLiteral("0")));
-    m_fontStyle = CLng(read("FontStyle", QStringLiteral("0")));
-    m_interval = CInt(read("Interval", QStringLiteral("1000")));
-    m_backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
-    m_wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
-    m_newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
+    d->backgroundPicture = read("BackgroundPicture", QString()).toString();
+    d->backgroundPictureStyle = CLng(read("BackgroundPictureStyle", QStringLiteral("0")));
+    d->fontStyle = CLng(read("FontStyle", QStringLiteral("0")));
+    d->interval = CInt(read("Interval", QStringLiteral("1000")));
+    d->backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
+    d->wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
+    d->newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
     QWidget::setEnabled(CBool(read("Enabled", booleanText(true))));
     // The maximum is read on both sides of the minimum; both reads give the same text.
-    m_range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
-    m_range.minimum = CInt(read("ColorMinimum", QStringLiteral("0")));
-    m_range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
-    m_range.stepRate = CInt(read("ColorStepRate", QStringLiteral("10")));
+    d->range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    d->range.minimum = CInt(read("ColorMinimum", QStringLiteral("0")));
+    d->range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
+    d->range.stepRate = CInt(read("ColorStepRate", QStringLiteral("10")));
     update();
     return true;
 }
 
-void Kelochameleon::onTimer1Tick()
+void Kelochameleon::Private::onTimer1Tick()
 {
-    if (m_engine.tick(m_interval)) {
+    if (engine.tick(interval)) {
         applyBackground(true);
     }
     WandPool::shared().advance();
@@ -453,16 +598,16 @@ void Kelochameleon::onTimer1Tick()
 
 // ---- styling ----------------------------------------------------------------------
 
-void Kelochameleon::applyBackground(bool fromTimer)
+void Kelochameleon::Private::applyBackground(bool fromTimer)
 {
     WandPool &wand = WandPool::shared();
     if (!fromTimer) {
         ignoringErrors([&] { wand.reset(); });
-        m_picBackground->setPicture(QPixmap());
-        m_picBackground->cls();
-        m_pictureLayer->clear();
+        picBackground->setPicture(QPixmap());
+        picBackground->cls();
+        pictureLayer->clear();
     }
-    switch (keloBackgroundStyle(m_backgroundStyle)) {
+    switch (keloBackgroundStyle(backgroundStyle)) {
     case keloBackgroundStyle::None:
         if (!fromTimer) {
             wand.setPictureMode(false);
@@ -477,15 +622,15 @@ void Kelochameleon::applyBackground(bool fromTimer)
     case keloBackgroundStyle::FixedColor:
         if (!fromTimer) {
             wand.setPictureMode(false);
-            ignoringErrors([&] { setColour(m_newBackColor); });
+            ignoringErrors([&] { setColour(newBackColor); });
         }
         break;
     case keloBackgroundStyle::VariedColor:
         if (!fromTimer) {
             wand.setPictureMode(false);
         }
-        ignoringErrors([&] { m_engine.step(m_range); });
-        ignoringErrors([&] { setColour(m_engine.currentColor()); });
+        ignoringErrors([&] { engine.step(range); });
+        ignoringErrors([&] { setColour(engine.currentColor()); });
         break;
     case keloBackgroundStyle::Picture:
         if (!fromTimer) {
@@ -499,15 +644,15 @@ void Kelochameleon::applyBackground(bool fromTimer)
 // The chameleon itself, the form, then the form's controls in order. The
 // first control without a background colour ends the pass; controls at the
 // window-background colour keep it.
-void Kelochameleon::setColour(OleColor colour)
+void Kelochameleon::Private::setColour(OleColor colour)
 {
-    m_backColor = colour;
-    update();
-    QWidget *form = parentWidget();
+    backColor = colour;
+    q->update();
+    QWidget *form = q->parentWidget();
     ControlAccess::setBackColor(form, colour);
-    const QString ownName = objectName();
+    const QString ownName = q->objectName();
     for (QObject *control : ControlAccess::parentControls(form)) {
-        if (control == this || (!ownName.isEmpty() && ControlAccess::nameOf(control) == ownName)) {
+        if (control == q || (!ownName.isEmpty() && ControlAccess::nameOf(control) == ownName)) {
             continue;
         }
         if (ControlAccess::backColor(control) != ControlAccess::WindowBackground) {
@@ -517,27 +662,27 @@ void Kelochameleon::setColour(OleColor colour)
 }
 
 // Every control that has a font gets NewFont; the others are skipped.
-void Kelochameleon::applyFont()
+void Kelochameleon::Private::applyFont()
 {
-    if (keloFontStyle(m_fontStyle) != keloFontStyle::ChangeFont) {
+    if (keloFontStyle(fontStyle) != keloFontStyle::ChangeFont) {
         return;
     }
-    QWidget *form = parentWidget();
-    ignoringErrors([&] { ControlAccess::setFont(form, m_newFont); });
+    QWidget *form = q->parentWidget();
+    ignoringErrors([&] { ControlAccess::setFont(form, newFont); });
     for (QObject *control : ControlAccess::parentControls(form)) {
-        ignoringErrors([&] { ControlAccess::setFont(control, m_newFont); });
+        ignoringErrors([&] { ControlAccess::setFont(control, newFont); });
     }
 }
 
 // A form that counts in its own scale is switched to twips while the
 // picture is placed and switched back afterwards; when the picture cannot be
 // loaded it is left in twips.
-void Kelochameleon::drawPicture()
+void Kelochameleon::Private::drawPicture()
 {
-    if (m_backgroundPictureStyle == 0) {
+    if (backgroundPictureStyle == 0) {
         return;
     }
-    QWidget *form = parentWidget();
+    QWidget *form = q->parentWidget();
     if (!form) {
         throw RuntimeError(
             ControlAccess::ObjectVariableNotSet, QStringLiteral("Object variable or With block variable not set"));
@@ -548,14 +693,14 @@ void Kelochameleon::drawPicture()
         savedScaleMode = form->property(ScaleModeName);
         form->setProperty(ScaleModeName, WandSurface::Twips);
     }
-    const QPixmap picture = loadPicture(m_backgroundPicture);
-    m_picBackground->setPicture(picture);
+    const QPixmap picture = loadPicture(backgroundPicture);
+    picBackground->setPicture(picture);
     if (!picture.isNull()) {
-        m_picBackground->resize(picture.size());
+        picBackground->resize(picture.size());
     }
     constexpr float twips = PicturePlacement::TwipsPerPixel;
-    const QSize pictureSize = picture.isNull() ? m_picBackground->size() : picture.size();
-    const QList<QPointF> positions = PicturePlacement::positions(m_backgroundPictureStyle, form->width() * twips,
+    const QSize pictureSize = picture.isNull() ? picBackground->size() : picture.size();
+    const QList<QPointF> positions = PicturePlacement::positions(backgroundPictureStyle, form->width() * twips,
         form->height() * twips, pictureSize.width() * twips, pictureSize.height() * twips);
     if (!positions.isEmpty() && picture.isNull()) {
         throw RuntimeError(InvalidPicture, QStringLiteral("Invalid picture"));
@@ -565,7 +710,7 @@ void Kelochameleon::drawPicture()
     for (const QPointF &position : positions) {
         pixels.append(position / twips);
     }
-    m_pictureLayer->paint(form, picture, pixels);
+    pictureLayer->paint(form, picture, pixels);
     if (scaled) {
         form->setProperty(ScaleModeName, savedScaleMode);
     }
@@ -583,52 +728,52 @@ void Kelochameleon::WandMovement(QObject *MyControl, float X, float Y)
 
 void Kelochameleon::setWandFollowsMouse(bool follows)
 {
-    m_wandFollowsMouse = follows;
+    d->wandFollowsMouse = follows;
     propertyChanged("WandFollowsMouse");
     if (!follows) {
-        stopFollowingMouse();
+        d->stopFollowingMouse();
     } else if (UserMode() && Enabled() && isVisible()) {
-        followMouse();
+        d->followMouse();
     }
 }
 
 // The form's mouse movements reach the wand as a MouseMove handler of the
 // form would pass them on.
-void Kelochameleon::followMouse()
+void Kelochameleon::Private::followMouse()
 {
-    QWidget *form = parentWidget();
-    if (form != m_watchedForm) {
+    QWidget *form = q->parentWidget();
+    if (form != watchedForm) {
         stopFollowingMouse();
     }
-    if (!form || form == m_watchedForm) {
+    if (!form || form == watchedForm) {
         return;
     }
-    m_watchedForm = form;
-    form->installEventFilter(this);
-    m_trackingTurnedOn = !form->hasMouseTracking();
+    watchedForm = form;
+    form->installEventFilter(q);
+    trackingTurnedOn = !form->hasMouseTracking();
     form->setMouseTracking(true);
 }
 
 // Mouse tracking is turned off again only when the chameleon turned it on.
-void Kelochameleon::stopFollowingMouse()
+void Kelochameleon::Private::stopFollowingMouse()
 {
-    if (m_watchedForm) {
-        m_watchedForm->removeEventFilter(this);
-        if (m_trackingTurnedOn) {
-            m_watchedForm->setMouseTracking(false);
+    if (watchedForm) {
+        watchedForm->removeEventFilter(q);
+        if (trackingTurnedOn) {
+            watchedForm->setMouseTracking(false);
         }
     }
-    m_watchedForm = nullptr;
-    m_trackingTurnedOn = false;
+    watchedForm = nullptr;
+    trackingTurnedOn = false;
 }
 
 bool Kelochameleon::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_watchedForm && event->type() == QEvent::MouseMove && UserMode()) {
+    if (watched == d->watchedForm && event->type() == QEvent::MouseMove && UserMode()) {
         const auto *move = static_cast<QMouseEvent *>(event);
         try {
-            const QPointF position = WandSurface::fromPixels(m_watchedForm, move->position());
-            WandMovement(m_watchedForm, float(position.x()), float(position.y()));
+            const QPointF position = WandSurface::fromPixels(d->watchedForm, move->position());
+            WandMovement(d->watchedForm, float(position.x()), float(position.y()));
         } catch (const std::exception &) {
             // A form whose scale cannot be read gets no wand.
         }
@@ -638,8 +783,8 @@ bool Kelochameleon::eventFilter(QObject *watched, QEvent *event)
 
 bool Kelochameleon::event(QEvent *event)
 {
-    if (event->type() == QEvent::ParentChange && m_watchedForm && m_watchedForm != parentWidget()) {
-        stopFollowingMouse();
+    if (event->type() == QEvent::ParentChange && d->watchedForm && d->watchedForm != parentWidget()) {
+        d->stopFollowingMouse();
     }
     return ControlBase::event(event);
 }
@@ -652,15 +797,15 @@ void Kelochameleon::paintEvent(QPaintEvent *)
         return;
     }
     QPainter painter(this);
-    paintFace(painter);
+    d->paintFace(painter);
 }
 
 // A small chameleon on the control's background; crossed out in red from
 // corner to corner while a designer shows it disabled.
-void Kelochameleon::paintFace(QPainter &painter) const
+void Kelochameleon::Private::paintFace(QPainter &painter) const
 {
-    const QRect face = rect();
-    painter.fillRect(face, toQColor(m_backColor));
+    const QRect face = q->rect();
+    painter.fillRect(face, toQColor(backColor));
     const double sx = face.width() / double(FaceSize);
     const double sy = face.height() / double(FaceSize);
     painter.save();
@@ -677,7 +822,7 @@ void Kelochameleon::paintFace(QPainter &painter) const
     painter.setBrush(Qt::black);
     painter.drawEllipse(QPointF(10.8, 7.5), 0.7, 0.7);
     painter.restore();
-    if (!UserMode() && !Enabled()) {
+    if (!q->UserMode() && !q->Enabled()) {
         painter.setRenderHint(QPainter::Antialiasing, false);
         painter.setPen(QPen(toQColor(FaceCrossColour), 0));
         painter.drawLine(face.topLeft(), face.bottomRight());

@@ -1,21 +1,15 @@
 #pragma once
 
-#include "ColorEngine.h"
 #include "ControlBase.h"
 #include "KeloEnums.h"
 #include "OleColor.h"
-#include "PropertyTable.h"
+
+#include <kelocontrols_export.h>
 
 #include <QFont>
 #include <QPixmap>
-#include <QPointer>
 
-class QTimer;
-
-namespace Kelocontrols {
-class FormPictureLayer;
-class PictureBox;
-} // namespace Kelocontrols
+#include <memory>
 
 /**
  * Styles the form it is placed on: a background for the form and all its
@@ -23,9 +17,15 @@ class PictureBox;
  *
  * The chameleon takes no room at run time (its size is forced to 0 × 0); in
  * a form designer it shows a 16 × 16 face, crossed out in red while it is
- * disabled. Its form is its parent widget, and the form's controls are the
- * parent's other children (see Kelocontrols::ControlAccess for how a Qt
- * widget's background colour and font are reached).
+ * disabled. Its form is its parent widget. The form's controls are the
+ * widgets and other objects placed on it, also those inside frames, group
+ * boxes, tab pages and other containers, depth first in creation order; the
+ * inner parts of compound widgets (a spin box's line edit, the list of a
+ * list box, a tab widget's tab bar) are not controls, nor are layouts and
+ * Qt's own helpers. A control's colour is its `BackColor` property when it
+ * has one (the library's controls), else the background role of the
+ * widget's face (the viewport of a view, the line edit of a spin box), and
+ * its font is its `Font` property or its QWidget font.
  *
  * When the form is shown (a chameleon added to a form that is already
  * visible needs its own show()) and on Refresh(), at run time, an enabled
@@ -81,7 +81,7 @@ class PictureBox;
  * form->show(); // the form takes its first colour
  * \endcode
  */
-class Kelochameleon : public Kelocontrols::ControlBase
+class KELOCONTROLS_EXPORT Kelochameleon : public Kelocontrols::ControlBase
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_Kelochameleon")
@@ -141,54 +141,48 @@ public:
     ~Kelochameleon() override;
 
     /// 0 to ColorMaximum: a lower value becomes 0, a higher one ColorMaximum. @throws RuntimeError 6 beyond 16 bits
-    int ColorMinimum() const { return m_range.minimum; }
+    int ColorMinimum() const;
     void setColorMinimum(int value);
     /// ColorMinimum to 255: a lower value becomes ColorMinimum, a higher one 255. @throws RuntimeError 6 beyond 16 bits
-    int ColorMaximum() const { return m_range.maximum; }
+    int ColorMaximum() const;
     void setColorMaximum(int value);
     /// 0 to 255. @throws RuntimeError 6 beyond 16 bits
-    int ColorStepRate() const { return m_range.stepRate; }
+    int ColorStepRate() const;
     void setColorStepRate(int value);
 
     bool Enabled() const;
     /// Turns the styling on or off; in a designer the face is crossed out while disabled.
     void setEnabled(bool enabled);
 
-    Kelocontrols::keloBackgroundStyle BackgroundStyle() const
-    {
-        return Kelocontrols::keloBackgroundStyle(m_backgroundStyle);
-    }
+    Kelocontrols::keloBackgroundStyle BackgroundStyle() const;
     void setBackgroundStyle(Kelocontrols::keloBackgroundStyle style);
-    Kelocontrols::keloWandStyle WandStyle() const { return Kelocontrols::keloWandStyle(m_wandStyle); }
+    Kelocontrols::keloWandStyle WandStyle() const;
     void setWandStyle(Kelocontrols::keloWandStyle style);
     /// The colour of `FixedColor`, an OLE colour (system colours allowed).
-    Kelocontrols::OleColor NewBackColor() const { return m_newBackColor; }
+    Kelocontrols::OleColor NewBackColor() const;
     void setNewBackColor(Kelocontrols::OleColor color);
     /// Milliseconds between two colour steps. @throws RuntimeError 6 beyond 16 bits
-    int Interval() const { return m_interval; }
+    int Interval() const;
     void setInterval(int milliseconds);
-    Kelocontrols::keloFontStyle FontStyle() const { return Kelocontrols::keloFontStyle(m_fontStyle); }
+    Kelocontrols::keloFontStyle FontStyle() const;
     void setFontStyle(Kelocontrols::keloFontStyle style);
-    QFont NewFont() const { return m_newFont; }
+    QFont NewFont() const;
     void setNewFont(const QFont &font);
     /// The path of the picture file of the `Picture` style.
-    QString BackgroundPicture() const { return m_backgroundPicture; }
+    QString BackgroundPicture() const;
     void setBackgroundPicture(const QString &path);
-    Kelocontrols::keloPictureStyle BackgroundPictureStyle() const
-    {
-        return Kelocontrols::keloPictureStyle(m_backgroundPictureStyle);
-    }
+    Kelocontrols::keloPictureStyle BackgroundPictureStyle() const;
     void setBackgroundPictureStyle(Kelocontrols::keloPictureStyle style);
-    QString ThemeName() const { return m_themeName; }
+    QString ThemeName() const;
     void setThemeName(const QString &name);
-    bool ThemeIsUsed() const { return m_themeIsUsed; }
+    bool ThemeIsUsed() const;
     void setThemeIsUsed(bool used);
-    QPixmap MouseIcon() const { return m_mouseIcon; }
+    QPixmap MouseIcon() const;
     /// Sets the control's own mouse cursor (a null picture restores the default one).
     void setMouseIcon(const QPixmap &icon);
 
     /// Whether the wand follows the mouse over the form by itself (default false).
-    bool WandFollowsMouse() const { return m_wandFollowsMouse; }
+    bool WandFollowsMouse() const;
     /**
      * A convenience for hosts that want the wand over the whole form: while
      * set, a running chameleon watches the form's mouse movements (turning
@@ -257,14 +251,10 @@ public:
 
     /// The application name of the settings store that the last SaveTheme() or
     /// GetTheme() used: the objectName(), or "Kelochameleon" when it is empty.
-    QString settingsApplicationName() const { return m_settingsAppName; }
+    QString settingsApplicationName() const;
 
-    /// The drifting colour's state.
-    const Kelocontrols::ColorEngine &colorEngine() const { return m_engine; }
     /// The colour the chameleon last gave the form (the control's own background).
-    Kelocontrols::OleColor backColor() const { return m_backColor; }
-    /// The background picture as painted on the form.
-    const Kelocontrols::FormPictureLayer &pictureLayer() const { return *m_pictureLayer; }
+    Kelocontrols::OleColor backColor() const;
 
     const Kelocontrols::PropertyTableBase &propertyTable() const override;
     QSize sizeHint() const override;
@@ -282,45 +272,7 @@ protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
-private Q_SLOTS:
-    void onTimer1Tick();
-
 private:
-    static const Kelocontrols::PropertyTable<Kelochameleon> &table();
-
-    void applyModeSize();
-    void runShow();
-    QString fetchSettingsApplicationName();
-    void ensureThemeName();
-    void applyBackground(bool fromTimer);
-    void setColour(Kelocontrols::OleColor colour);
-    void applyFont();
-    void drawPicture();
-    void followMouse();
-    void stopFollowingMouse();
-    void paintFace(QPainter &painter) const;
-
-    Kelocontrols::PictureBox *m_picBackground;
-    QTimer *m_timer1;
-    Kelocontrols::FormPictureLayer *m_pictureLayer;
-    QPointer<QWidget> m_watchedForm;
-    bool m_trackingTurnedOn = false;
-
-    bool m_themeIsUsed = false;
-    QString m_themeName;
-    QString m_backgroundPicture;
-    int m_backgroundPictureStyle = 0;
-    QFont m_newFont;
-    int m_fontStyle = 0;
-    qint16 m_interval = 1000;
-    int m_backgroundStyle = 0;
-    int m_wandStyle = 0;
-    Kelocontrols::OleColor m_newBackColor = 0;
-    Kelocontrols::ColorRange m_range;
-    QPixmap m_mouseIcon;
-    bool m_wandFollowsMouse = false;
-    QString m_settingsAppName;
-
-    Kelocontrols::OleColor m_backColor = 0x8000000F;
-    Kelocontrols::ColorEngine m_engine;
+    class Private;
+    std::unique_ptr<Private> const d;
 };

@@ -1,4 +1,4 @@
-#include "PicturePlacement.h"
+#include "PicturePlacement_p.h"
 
 namespace Kelocontrols::PicturePlacement {
 

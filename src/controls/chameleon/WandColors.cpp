@@ -1,4 +1,4 @@
-#include "WandColors.h"
+#include "WandColors_p.h"
 
 #include "Conversions.h"
 

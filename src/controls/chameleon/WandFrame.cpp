@@ -1,4 +1,4 @@
-#include "WandFrame.h"
+#include "WandFrame_p.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-#include "WandGeometry.h"
+#include "WandGeometry_p.h"
 
 #include "Random.h"
-#include "WandColors.h"
-#include "WandElement.h"
-#include "WandFrame.h"
+#include "WandColors_p.h"
+#include "WandElement_p.h"
+#include "WandFrame_p.h"
 
 #include <cmath>
 

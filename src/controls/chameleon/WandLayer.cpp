@@ -1,6 +1,6 @@
-#include "WandLayer.h"
+#include "WandLayer_p.h"
 
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 
 #include <QEvent>
 #include <QPainter>

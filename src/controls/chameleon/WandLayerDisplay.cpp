@@ -1,9 +1,9 @@
-#include "WandLayerDisplay.h"
+#include "WandLayerDisplay_p.h"
 
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 #include "RuntimeError.h"
-#include "WandFrame.h"
-#include "WandLayer.h"
+#include "WandFrame_p.h"
+#include "WandLayer_p.h"
 
 #include <QWidget>
 

@@ -1,14 +1,14 @@
-#include "WandPool.h"
+#include "WandPool_p.h"
 
 #include "Conversions.h"
 #include "Random.h"
 #include "RuntimeError.h"
-#include "WandColors.h"
-#include "WandDisplay.h"
-#include "WandFrame.h"
-#include "WandGeometry.h"
-#include "WandLayerDisplay.h"
-#include "WandSurface.h"
+#include "WandColors_p.h"
+#include "WandDisplay_p.h"
+#include "WandFrame_p.h"
+#include "WandGeometry_p.h"
+#include "WandLayerDisplay_p.h"
+#include "WandSurface_p.h"
 
 #include <cmath>
 #include <exception>

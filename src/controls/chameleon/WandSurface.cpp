@@ -1,9 +1,9 @@
-#include "WandSurface.h"
+#include "WandSurface_p.h"
 
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 #include "Conversions.h"
 #include "RuntimeError.h"
-#include "WandColors.h"
+#include "WandColors_p.h"
 
 #include <QWidget>
 

@@ -2,12 +2,12 @@
 // XDG_CONFIG_HOME. Run with "--theme-helper" the binary is the second
 // process of the shared-store test instead.
 
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 #include "Kelochameleon.h"
 #include "Random.h"
 #include "RuntimeError.h"
 #include "SettingsStore.h"
-#include "WandPool.h"
+#include "WandPool_p.h"
 
 #include "KeloTestSupport.h"
 

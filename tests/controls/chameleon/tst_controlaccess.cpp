@@ -1,4 +1,4 @@
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 #include "Kelochameleon.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"

@@ -1,5 +1,5 @@
 #include "KeloEnums.h"
-#include "PicturePlacement.h"
+#include "PicturePlacement_p.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 #include "Random.h"
-#include "WandColors.h"
-#include "WandElement.h"
-#include "WandFrame.h"
-#include "WandGeometry.h"
+#include "WandColors_p.h"
+#include "WandElement_p.h"
+#include "WandFrame_p.h"
+#include "WandGeometry_p.h"
 
 #include <QTest>
 

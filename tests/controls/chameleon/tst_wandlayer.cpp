@@ -1,9 +1,9 @@
-#include "ControlAccess.h"
+#include "ControlAccess_p.h"
 #include "Random.h"
-#include "WandFrame.h"
-#include "WandLayer.h"
-#include "WandLayerDisplay.h"
-#include "WandPool.h"
+#include "WandFrame_p.h"
+#include "WandLayerDisplay_p.h"
+#include "WandLayer_p.h"
+#include "WandPool_p.h"
 
 #include <QLabel>
 #include <QPainter>

@@ -1,8 +1,8 @@
 #include "Random.h"
 #include "RuntimeError.h"
-#include "WandDisplay.h"
-#include "WandFrame.h"
-#include "WandPool.h"
+#include "WandDisplay_p.h"
+#include "WandFrame_p.h"
+#include "WandPool_p.h"
 
 #include <QTest>
 #include <QTimer>

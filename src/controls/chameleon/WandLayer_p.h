@@ -1,6 +1,6 @@
 #pragma once
 
-#include "WandFrame.h"
+#include "WandFrame_p.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "KeloEnums.h"
-#include "WandElement.h"
+#include "WandElement_p.h"
 
 #include <array>
 

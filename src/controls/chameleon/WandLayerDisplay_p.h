@@ -1,6 +1,6 @@
 #pragma once
 
-#include "WandDisplay.h"
+#include "WandDisplay_p.h"
 
 #include <QHash>
 #include <QPointer>
