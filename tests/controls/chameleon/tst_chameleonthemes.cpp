@@ -38,20 +38,6 @@ const QStringList ThemeKeysInReadOrder{"ThemeExists", "BackgroundPicture", "Back
     "Interval", "BackgroundStyle", "WandStyle", "NewBackColor", "Enabled", "ColorMaximum", "ColorMinimum",
     "ColorMaximum", "ColorStepRate"};
 
-QString readText(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-void writeText(const QString &path, const QString &text)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text.toUtf8());
-}
-
 // Every property of the chameleon, by name, as late-bound callers see them.
 QVariantMap snapshot(const QObject &object)
 {
@@ -119,7 +105,7 @@ class TestChameleonThemes : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void membersAndHelpStrings();
+    void membersAreLateBound();
     void saveWritesEveryKeyAsText();
     void getReadsEveryKeyBackWithoutSideEffects();
     void emptyThemeNameBecomesDefaultTheme();
@@ -168,30 +154,9 @@ void TestChameleonThemes::cleanup()
     WandPool::shared().reset();
 }
 
-void TestChameleonThemes::membersAndHelpStrings()
+// A host calls both late-bound.
+void TestChameleonThemes::membersAreLateBound()
 {
-    const QMetaObject &meta = Kelochameleon::staticMetaObject;
-    const auto info = [&](const char *name) {
-        const int i = meta.indexOfClassInfo(name);
-        return i < 0 ? QString() : QString::fromLatin1(meta.classInfo(i).value());
-    };
-    QCOMPARE(info("Help:SaveTheme"), QStringLiteral("Saves the chameleon settings as a theme."));
-    QCOMPARE(info("Help:GetTheme"), QStringLiteral("Gets a theme from the system"));
-    QCOMPARE(info("Help:ThemeMissing"),
-        QStringLiteral("Fires when the ThemeIsUsed flag is set TRUE or when the GetTheme method invoked and the "
-                       "theme can not be found."));
-    QCOMPARE(info("DispId:ThemeMissing"), QStringLiteral("1"));
-
-    const QMetaMethod save = meta.method(meta.indexOfMethod("SaveTheme()"));
-    const QMetaMethod get = meta.method(meta.indexOfMethod("GetTheme()"));
-    const QMetaMethod missing = meta.method(meta.indexOfSignal("ThemeMissing()"));
-    QVERIFY(save.isValid() && get.isValid() && missing.isValid());
-    QCOMPARE(save.returnMetaType(), QMetaType::fromType<QVariant>());
-    QCOMPARE(get.returnMetaType(), QMetaType::fromType<bool>());
-    QCOMPARE(save.methodType(), QMetaMethod::Method);
-    QCOMPARE(missing.parameterCount(), 0);
-
-    // Late-bound, as a host calls them.
     Kelochameleon chameleon;
     chameleon.setObjectName(QStringLiteral("Late"));
     QVariant saved = QStringLiteral("not empty");
@@ -219,7 +184,7 @@ void TestChameleonThemes::saveWritesEveryKeyAsText()
         expected << QStringLiteral("W Kelochameleon1/Sea Side/") + key;
     }
     QCOMPARE(m_accesses, expected);
-    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))),
+    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))),
         QStringLiteral("[Sea%20Side]\n"
                        "BackgroundPicture=\"/pics/sea side, blue.png\"\n"
                        "BackgroundPictureStyle=8\n"
@@ -244,7 +209,7 @@ void TestChameleonThemes::saveWritesEveryKeyAsText()
     fresh.setObjectName(QStringLiteral("Kelochameleon1"));
     fresh.setThemeName(QStringLiteral("Sea Side"));
     fresh.SaveTheme();
-    const QString text = readText(iniPath(QStringLiteral("Kelochameleon1")));
+    const QString text = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
     QVERIFY2(text.contains(QStringLiteral("\nEnabled=True\n")), qPrintable(text));
     QVERIFY(text.contains(QStringLiteral("\nNewBackColor=0\n")));
     QVERIFY(text.contains(QStringLiteral("\nBackgroundPicture=\n")));
@@ -309,7 +274,8 @@ void TestChameleonThemes::emptyThemeNameBecomesDefaultTheme()
     QCOMPARE(chameleon.ThemeName(), QStringLiteral("DefaultTheme"));
     QCOMPARE(changes.count(), 1);
     QCOMPARE(changes.at(0).at(0).toString(), QStringLiteral("ThemeName"));
-    QVERIFY(readText(iniPath(QStringLiteral("Kelochameleon1"))).startsWith(QStringLiteral("[DefaultTheme]\n")));
+    QVERIFY(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")))
+                .startsWith(QStringLiteral("[DefaultTheme]\n")));
 
     Kelochameleon reader;
     reader.setObjectName(QStringLiteral("Kelochameleon1"));
@@ -334,10 +300,10 @@ void TestChameleonThemes::emptyThemeNameBecomesDefaultTheme()
 void TestChameleonThemes::missingThemeRaisesThemeMissingOnce()
 {
     // A file with other themes, and one section whose ThemeExists is not true.
-    writeText(iniPath(QStringLiteral("Kelochameleon1")),
+    QVERIFY(KeloTest::writeTextFile(iniPath(QStringLiteral("Kelochameleon1")),
         QStringLiteral("[Other]\nThemeExists=True\nInterval=300\n\n[Half]\nInterval=300\n\n"
-                       "[Withdrawn]\nThemeExists=False\nInterval=300\n"));
-    const QString fileBefore = readText(iniPath(QStringLiteral("Kelochameleon1")));
+                       "[Withdrawn]\nThemeExists=False\nInterval=300\n")));
+    const QString fileBefore = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
     for (const QString &theme : {QStringLiteral("Nowhere"), QStringLiteral("Half"), QStringLiteral("Withdrawn")}) {
         Kelochameleon chameleon;
         chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
@@ -353,14 +319,14 @@ void TestChameleonThemes::missingThemeRaisesThemeMissingOnce()
         QCOMPARE(snapshot(chameleon), before);
         QCOMPARE(m_accesses, QStringList{QStringLiteral("R Kelochameleon1/") + theme + QStringLiteral("/ThemeExists")});
     }
-    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
 }
 
 void TestChameleonThemes::handEditedBoundsStayUnclamped()
 {
-    writeText(iniPath(QStringLiteral("Kelochameleon1")),
+    QVERIFY(KeloTest::writeTextFile(iniPath(QStringLiteral("Kelochameleon1")),
         QStringLiteral("[Hand]\nThemeExists=True\nColorMinimum=200\nColorMaximum=100\nColorStepRate=300\n"
-                       "Interval=-5\nBackgroundStyle=9\n"));
+                       "Interval=-5\nBackgroundStyle=9\n")));
     Kelochameleon chameleon;
     chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
     configure(chameleon);
@@ -393,28 +359,20 @@ void TestChameleonThemes::badValueEndsTheReadWhereItStands_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("error");
 
-    QTest::newRow("Interval abc") << "Interval"
-                                  << "abc" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("Interval empty") << "Interval"
-                                    << "" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("Interval beyond 16 bits") << "Interval"
-                                             << "40000" << int(ErrorNumber::Overflow);
-    QTest::newRow("ColorStepRate abc (last key)") << "ColorStepRate"
-                                                  << "abc" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("ColorMaximum abc (read twice)") << "ColorMaximum"
-                                                   << "abc" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("ColorMinimum 1,5.5") << "ColorMinimum"
-                                        << "1,5.5" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("Enabled yes") << "Enabled"
-                                 << "yes" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("NewBackColor red") << "NewBackColor"
-                                      << "red" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("NewBackColor beyond 32 bits") << "NewBackColor"
-                                                 << "4294967296" << int(ErrorNumber::Overflow);
-    QTest::newRow("WandStyle nan") << "WandStyle"
-                                   << "nan" << int(ErrorNumber::TypeMismatch);
-    QTest::newRow("ThemeExists maybe") << "ThemeExists"
-                                       << "maybe" << int(ErrorNumber::TypeMismatch);
+    const auto row = [](const char *key, const char *text, int error) {
+        QTest::addRow("%s %s", key, text) << QString::fromLatin1(key) << QString::fromLatin1(text) << error;
+    };
+    row("Interval", "abc", ErrorNumber::TypeMismatch);
+    row("Interval", "", ErrorNumber::TypeMismatch);
+    row("Interval", "40000", ErrorNumber::Overflow);
+    row("ColorStepRate", "abc", ErrorNumber::TypeMismatch);
+    row("ColorMaximum", "abc", ErrorNumber::TypeMismatch);
+    row("ColorMinimum", "1,5.5", ErrorNumber::TypeMismatch);
+    row("Enabled", "yes", ErrorNumber::TypeMismatch);
+    row("NewBackColor", "red", ErrorNumber::TypeMismatch);
+    row("NewBackColor", "4294967296", ErrorNumber::Overflow);
+    row("WandStyle", "nan", ErrorNumber::TypeMismatch);
+    row("ThemeExists", "maybe", ErrorNumber::TypeMismatch);
 }
 
 void TestChameleonThemes::badValueEndsTheReadWhereItStands()
@@ -431,7 +389,7 @@ void TestChameleonThemes::badValueEndsTheReadWhereItStands()
     writer.setColorMinimum(40);
     writer.SaveTheme();
     SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Bad"), key, text);
-    const QString fileBefore = readText(iniPath(QStringLiteral("Kelochameleon1")));
+    const QString fileBefore = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
     const QVariantMap theme = snapshot(writer);
 
     Kelochameleon chameleon;
@@ -453,7 +411,7 @@ void TestChameleonThemes::badValueEndsTheReadWhereItStands()
     }
     QCOMPARE(changes.count(), 0);
     QCOMPARE(missing.count(), 0);
-    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
     // The same error late-bound.
     QCOMPARE(errorNumberOf([&] { QMetaObject::invokeMethod(&chameleon, "GetTheme"); }), error);
 }
@@ -464,42 +422,29 @@ void TestChameleonThemes::truthAndNumberTexts_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QVariant>("expected");
 
+    const auto row = [](const char *key, const char *text, const QVariant &expected) {
+        QTest::addRow("%s '%s'", key, text) << QString::fromLatin1(key) << QString::fromLatin1(text) << expected;
+    };
     // Truth values: True / False in any case, or a number (non-zero is True).
-    QTest::newRow("Enabled True") << "Enabled"
-                                  << "True" << QVariant(true);
-    QTest::newRow("Enabled false") << "Enabled"
-                                   << "false" << QVariant(false);
-    QTest::newRow("Enabled TRUE blanks") << "Enabled"
-                                         << "  TRUE " << QVariant(true);
-    QTest::newRow("Enabled 1") << "Enabled"
-                               << "1" << QVariant(true);
-    QTest::newRow("Enabled -1") << "Enabled"
-                                << "-1" << QVariant(true);
-    QTest::newRow("Enabled 0") << "Enabled"
-                               << "0" << QVariant(false);
-    QTest::newRow("Enabled ' 12 '") << "Enabled"
-                                    << " 12 " << QVariant(true);
-    QTest::newRow("Enabled 0.0") << "Enabled"
-                                 << "0.0" << QVariant(false);
-    QTest::newRow("ThemeExists 0 means missing") << "ThemeExists"
-                                                 << "0" << QVariant();
-    QTest::newRow("ThemeExists -1 means found") << "ThemeExists"
-                                                << "-1" << QVariant(true);
-    QTest::newRow("ThemeExists false means missing") << "ThemeExists"
-                                                     << "false" << QVariant();
+    row("Enabled", "True", true);
+    row("Enabled", "false", false);
+    row("Enabled", "  TRUE ", true);
+    row("Enabled", "1", true);
+    row("Enabled", "-1", true);
+    row("Enabled", "0", false);
+    row("Enabled", " 12 ", true);
+    row("Enabled", "0.0", false);
+    // An invalid expectation: the theme counts as missing.
+    row("ThemeExists", "0", QVariant());
+    row("ThemeExists", "-1", true);
+    row("ThemeExists", "false", QVariant());
     // Numbers as the classic conversions read them.
-    QTest::newRow("Interval ' 1500 '") << "Interval"
-                                       << " 1500 " << QVariant(1500);
-    QTest::newRow("Interval 1e3") << "Interval"
-                                  << "1e3" << QVariant(1000);
-    QTest::newRow("Interval 12.5 halves to even") << "Interval"
-                                                  << "12.5" << QVariant(12);
-    QTest::newRow("NewBackColor unsigned") << "NewBackColor"
-                                           << "2147483663" << QVariant(0x8000000Fu);
-    QTest::newRow("NewBackColor signed") << "NewBackColor"
-                                         << "-2147483633" << QVariant(0x8000000Fu);
-    QTest::newRow("NewBackColor RGB") << "NewBackColor"
-                                      << "3368601" << QVariant(0x00336699u);
+    row("Interval", " 1500 ", 1500);
+    row("Interval", "1e3", 1000);
+    row("Interval", "12.5", 12); // half to even
+    row("NewBackColor", "2147483663", 0x8000000Fu);
+    row("NewBackColor", "-2147483633", 0x8000000Fu);
+    row("NewBackColor", "3368601", 0x00336699u);
 }
 
 void TestChameleonThemes::truthAndNumberTexts()
@@ -698,7 +643,8 @@ void TestChameleonThemes::showReportsAMissingTheme()
 
 void TestChameleonThemes::storeErrorsReachTheCaller()
 {
-    writeText(iniPath(QStringLiteral("Kelochameleon1")), QStringLiteral("[Bad]\nThemeExists=True\nInterval=abc\n"));
+    QVERIFY(KeloTest::writeTextFile(
+        iniPath(QStringLiteral("Kelochameleon1")), QStringLiteral("[Bad]\nThemeExists=True\nInterval=abc\n")));
     QWidget form;
     auto *chameleon = new Kelochameleon(&form);
     chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
