@@ -4,6 +4,8 @@
 #include "KeloscoreCard.h"
 #include "RuntimeError.h"
 
+#include "KeloTestSupport.h"
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -25,20 +27,11 @@
 #include <functional>
 
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
 
 using WidgetFactory = std::function<QWidget *(QWidget *)>;
-
-int errorNumberOf(const std::function<void()> &call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
 
 } // namespace
 
@@ -56,7 +49,6 @@ private Q_SLOTS:
     void writingAColourFillsTheFace();
     void libraryControlsUseTheirOwnProperties();
     void missingMembersRaise();
-    void fontsOfPlainWidgets();
 };
 
 void TestControlAccess::controlsAreTheFormsChildrenInCreationOrder()
@@ -78,10 +70,6 @@ void TestControlAccess::controlsAreTheFormsChildrenInCreationOrder()
     // the timer and the action are, in the order they were made.
     const QList<QObject *> expected{label, timer, edit, action};
     QCOMPARE(ControlAccess::parentControls(&form), expected);
-    QVERIFY(ControlAccess::isInternal(layout));
-    QVERIFY(ControlAccess::isInternal(helper));
-    QVERIFY(ControlAccess::isInternal(qtHelper));
-    QVERIFY(!ControlAccess::isInternal(timer));
     QVERIFY(ControlAccess::parentControls(nullptr).isEmpty());
 }
 
@@ -217,18 +205,6 @@ void TestControlAccess::missingMembersRaise()
     QObject odd;
     odd.setProperty("Font", QStringLiteral("Arial"));
     QCOMPARE(errorNumberOf([&] { ControlAccess::font(&odd); }), ErrorNumber::TypeMismatch);
-}
-
-void TestControlAccess::fontsOfPlainWidgets()
-{
-    QWidget form;
-    auto *label = new QLabel(&form);
-    label->setObjectName(QStringLiteral("labName"));
-    QFont font(QStringLiteral("DejaVu Sans"), 21);
-    ControlAccess::setFont(label, font);
-    QCOMPARE(label->font(), font);
-    QCOMPARE(ControlAccess::font(label), font);
-    QCOMPARE(ControlAccess::nameOf(label), QStringLiteral("labName"));
 }
 
 QTEST_MAIN(TestControlAccess)

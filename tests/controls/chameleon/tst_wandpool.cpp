@@ -51,14 +51,10 @@ private Q_SLOTS:
     void init() { resetRandomGenerator(); }
     void cleanupTestCase() { resetRandomGenerator(); }
 
-    void nothingStartsBeforeTheFirstTick();
-    void twoMovementsInOneTickStartOneElement();
-    void highestFreeIndexAndTwentyOneAtMost();
-    void aFreedSlotIsTakenAgain();
+    void startsOncePerTickInTheHighestFreeSlot();
     void atomsStopAtSixActive();
     void twipsAreConvertedAtFifteenPerPixel_data();
     void twipsAreConvertedAtFifteenPerPixel();
-    void drawSettingsAreRestored();
     void noneStyleOnlyRecordsTheTemplate();
     void idleWandSparklesAtTheLastPosition();
     void lifetimesAndFrameOrder_data();
@@ -70,79 +66,30 @@ private Q_SLOTS:
     void startsDrawFromTheFixedSequence();
 };
 
-void TestWandPool::nothingStartsBeforeTheFirstTick()
+// At most one start per tick, always in the free slot with the highest
+// index, never more than 21 alive; the template follows every movement.
+void TestWandPool::startsOncePerTickInTheHighestFreeSlot()
 {
     RecordingDisplay display;
     WandPool pool(&display);
     auto surface = makeSurface();
     QVERIFY(!pool.mayStart());
-    pool.movement(surface.get(), 10, 10, keloWandStyle::Ripples);
+    pool.movement(surface.get(), 10, 10, keloWandStyle::Stars);
     QCOMPARE(pool.activeCount(), 0);
-    QCOMPARE(pool.templateElement().surface.data(), surface.get());
-    QCOMPARE(pool.templateElement().x, 10.0f);
-    QCOMPARE(pool.templateElement().style, keloWandStyle::Ripples);
     QVERIFY(display.shown.isEmpty());
-}
 
-void TestWandPool::twoMovementsInOneTickStartOneElement()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    pool.advance();
-    QVERIFY(pool.mayStart());
-    pool.movement(surface.get(), 10, 10, keloWandStyle::Ripples);
-    QVERIFY(!pool.mayStart());
-    pool.movement(surface.get(), 20, 20, keloWandStyle::Ripples);
-    QCOMPARE(pool.activeCount(), 1);
-    // The template follows the mouse even when nothing starts.
-    QCOMPARE(pool.templateElement().x, 20.0f);
-    pool.advance();
-    pool.movement(surface.get(), 30, 30, keloWandStyle::Ripples);
-    QCOMPARE(pool.activeCount(), 2);
-}
-
-void TestWandPool::highestFreeIndexAndTwentyOneAtMost()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    QList<int> started;
-    for (int tick = 0; tick < 30; ++tick) {
-        pool.advance();
-        const int before = pool.activeCount();
-        pool.movement(surface.get(), 100, 100, keloWandStyle::Ripples);
-        if (pool.activeCount() > before) {
-            for (int i = WandPool::Size - 1; i >= 0; --i) {
-                if (pool.element(i).isActive() && pool.element(i).life == pool.element(i).initialLife) {
-                    started << i;
-                }
-            }
-        }
-        QVERIFY(pool.activeCount() <= WandPool::Size);
-    }
-    QCOMPARE(pool.activeCount(), 21);
-    QList<int> expected;
-    for (int i = 20; i >= 0; --i) {
-        expected << i;
-    }
-    QCOMPARE(started, expected);
-}
-
-void TestWandPool::aFreedSlotIsTakenAgain()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
     // Stars live 6 ticks: slots 20 down to 15 fill, then 20 is free again.
     QList<int> started;
     for (int tick = 0; tick < 8; ++tick) {
         pool.advance();
+        QVERIFY(pool.mayStart());
         std::array<bool, WandPool::Size> before{};
         for (int i = 0; i < WandPool::Size; ++i) {
             before[size_t(i)] = pool.element(i).isActive();
         }
         pool.movement(surface.get(), 100, 100, keloWandStyle::Stars);
+        QVERIFY(!pool.mayStart());
+        pool.movement(surface.get(), 120, 130, keloWandStyle::Stars);
         for (int i = 0; i < WandPool::Size; ++i) {
             if (!before[size_t(i)] && pool.element(i).isActive()) {
                 started << i;
@@ -150,6 +97,18 @@ void TestWandPool::aFreedSlotIsTakenAgain()
         }
     }
     QCOMPARE(started, (QList<int>{20, 19, 18, 17, 16, 15, 20, 19}));
+    QCOMPARE(pool.templateElement().surface.data(), surface.get());
+    QCOMPARE(pool.templateElement().x, 120.0f);
+    QCOMPARE(pool.templateElement().y, 130.0f);
+
+    // Ripples live 40 ticks: the pool fills up and stays full.
+    WandPool full(&display);
+    for (int tick = 0; tick < 30; ++tick) {
+        full.advance();
+        full.movement(surface.get(), 100, 100, keloWandStyle::Ripples);
+        QVERIFY(full.activeCount() <= WandPool::Size);
+    }
+    QCOMPARE(full.activeCount(), WandPool::Size);
 }
 
 void TestWandPool::atomsStopAtSixActive()
@@ -194,9 +153,13 @@ void TestWandPool::twipsAreConvertedAtFifteenPerPixel()
     auto surface = makeSurface();
     if (scaleMode.isValid()) {
         surface->setProperty("ScaleMode", scaleMode);
+        surface->setProperty("DrawMode", 4);
+        surface->setProperty("DrawWidth", 3);
+        surface->setProperty("DrawStyle", 2);
     }
     pool.advance();
     pool.movement(surface.get(), float(position.x()), float(position.y()), keloWandStyle::Ripples);
+    pool.advance();
     const WandElement &started = pool.element(20);
     QVERIFY(started.isActive());
     QVERIFY(qAbs(started.x - pixels.x()) < 1e-3);
@@ -204,26 +167,13 @@ void TestWandPool::twipsAreConvertedAtFifteenPerPixel()
     // The template keeps the position in the surface's own scale.
     QCOMPARE(pool.templateElement().x, float(position.x()));
     QCOMPARE(display.shown.first().frame.strokes.first().from, QPointF(started.x, started.y));
-}
-
-void TestWandPool::drawSettingsAreRestored()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    surface->setProperty("ScaleMode", 1);
-    surface->setProperty("DrawMode", 4);
-    surface->setProperty("DrawWidth", 3);
-    surface->setProperty("DrawStyle", 2);
-    pool.advance();
-    pool.movement(surface.get(), 1500, 1500, keloWandStyle::Stars);
-    for (int tick = 0; tick < 3; ++tick) {
-        pool.advance();
+    // The surface's own settings are put back after every drawing.
+    QCOMPARE(surface->property("ScaleMode"), scaleMode);
+    if (scaleMode.isValid()) {
+        QCOMPARE(surface->property("DrawMode").toInt(), 4);
+        QCOMPARE(surface->property("DrawWidth").toInt(), 3);
+        QCOMPARE(surface->property("DrawStyle").toInt(), 2);
     }
-    QCOMPARE(surface->property("ScaleMode").toInt(), 1);
-    QCOMPARE(surface->property("DrawMode").toInt(), 4);
-    QCOMPARE(surface->property("DrawWidth").toInt(), 3);
-    QCOMPARE(surface->property("DrawStyle").toInt(), 2);
 }
 
 void TestWandPool::noneStyleOnlyRecordsTheTemplate()
