@@ -313,6 +313,18 @@ void TestKelochameleon::loadingKeepsValuesUnclampedAndRejectsBadOnes()
     QCOMPARE(int(chameleon.BackgroundStyle()), 7);
     QCOMPARE(chameleon.NewBackColor(), OleColor(0x80000005));
 
+    // With loaded bounds out of range the clamping keeps its order: below the
+    // lower bound first, then above the upper one, so the upper bound wins.
+    PropertyBag wide;
+    wide.WriteProperty(QStringLiteral("ColorMinimum"), 300);
+    wide.WriteProperty(QStringLiteral("ColorMaximum"), -5);
+    chameleon.ReadProperties(wide);
+    chameleon.setColorMaximum(10); // between 300 and 255
+    QCOMPARE(chameleon.ColorMaximum(), 255);
+    chameleon.ReadProperties(wide);
+    chameleon.setColorMinimum(3); // between 0 and -5
+    QCOMPARE(chameleon.ColorMinimum(), -5);
+
     const QList<std::tuple<const char *, QVariant, int>> bad{{"Interval", QStringLiteral("soon"), 13},
         {"ColorMaximum", 70000, 6}, {"NewFont", 12, 13}, {"WandFollowsMouse", QStringLiteral("maybe"), 13}};
     for (const auto &[name, value, error] : bad) {
