@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QList>
 #include <QPointer>
 #include <QWidget>
@@ -55,7 +57,7 @@ class QSlider;
  *     page.ApplyChanges();
  * \endcode
  */
-class ChameleonPropertyPage : public QWidget
+class KELOCONTROLS_EXPORT ChameleonPropertyPage : public QWidget
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_ChameleonPropertyPage")

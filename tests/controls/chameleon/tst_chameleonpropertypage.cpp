@@ -12,7 +12,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -600,18 +599,16 @@ void TestChameleonPropertyPage::fileFilterInQtForm_data()
     QTest::addColumn<QString>("classic");
     QTest::addColumn<QString>("qt");
 
-    QTest::newRow("pictures") << ChameleonPropertyPage::pictureFilter()
-                              << "Picture files (*.bmp *.ico *.cur *.rle *.wmf *.emf *.gif *.jpg);;All files (*)";
-    QTest::newRow("one pair") << "Text|*.txt"
-                              << "Text (*.txt)";
-    QTest::newRow("trailing bar") << "Text|*.txt;*.log|"
-                                  << "Text (*.txt *.log)";
-    QTest::newRow("blanks around patterns") << "Text| *.txt ; *.log"
-                                            << "Text (*.txt *.log)";
-    QTest::newRow("description without patterns") << "Text|*.txt|Lonely"
-                                                  << "Text (*.txt)";
-    QTest::newRow("empty") << ""
-                           << "";
+    const auto row = [](const char *name, const QString &classic, const char *qt) {
+        QTest::newRow(name) << classic << QString::fromLatin1(qt);
+    };
+    row("pictures", ChameleonPropertyPage::pictureFilter(),
+        "Picture files (*.bmp *.ico *.cur *.rle *.wmf *.emf *.gif *.jpg);;All files (*)");
+    row("one pair", QStringLiteral("Text|*.txt"), "Text (*.txt)");
+    row("trailing bar", QStringLiteral("Text|*.txt;*.log|"), "Text (*.txt *.log)");
+    row("blanks around patterns", QStringLiteral("Text| *.txt ; *.log"), "Text (*.txt *.log)");
+    row("description without patterns", QStringLiteral("Text|*.txt|Lonely"), "Text (*.txt)");
+    row("empty", QString(), "");
 }
 
 void TestChameleonPropertyPage::fileFilterInQtForm()
@@ -677,15 +674,7 @@ void TestChameleonPropertyPage::rendersCleanly()
     control.values.insert("ColorMaximum", 220);
     control.values.insert("Interval", 1500);
     QTemporaryDir dir;
-    QImage picture(320, 200, QImage::Format_RGB32);
-    QPainter painter(&picture);
-    QLinearGradient gradient(0, 0, 320, 200);
-    gradient.setColorAt(0, QColor(0x2a, 0x6f, 0x97));
-    gradient.setColorAt(1, QColor(0xf4, 0xa2, 0x61));
-    painter.fillRect(picture.rect(), gradient);
-    painter.end();
-    const QString picturePath = dir.filePath(QStringLiteral("dusk.png"));
-    QVERIFY(picture.save(picturePath));
+    const QString picturePath = writePicture(dir, QStringLiteral("dusk.png"), QSize(320, 200));
     control.values.insert("BackgroundPicture", picturePath);
 
     ChameleonPropertyPage page;

@@ -117,8 +117,7 @@ private Q_SLOTS:
     void truthAndNumberTexts();
     void applicationNameIsTheObjectName();
     void twoProcessesShareOneStore();
-    void showReadsTheThemeWhenUsed();
-    void showReportsAMissingTheme();
+    void showReadsTheThemeWhenUsedOrReportsItMissing();
     void storeErrorsReachTheCaller();
 
 private:
@@ -566,7 +565,7 @@ void TestChameleonThemes::twoProcessesShareOneStore()
     QCOMPARE(run({QStringLiteral("get"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dawn")}, &printed), 1);
 }
 
-void TestChameleonThemes::showReadsTheThemeWhenUsed()
+void TestChameleonThemes::showReadsTheThemeWhenUsedOrReportsItMissing()
 {
     Kelochameleon writer;
     writer.setObjectName(QStringLiteral("Kelochameleon1"));
@@ -601,6 +600,23 @@ void TestChameleonThemes::showReadsTheThemeWhenUsed()
     QVERIFY(!chameleon->Enabled());
     QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
 
+    // A theme that is not there: ThemeMissing at every Show, and the
+    // chameleon goes on with its own values.
+    QWidget lost;
+    auto *stray = new Kelochameleon(&lost);
+    stray->setObjectName(QStringLiteral("Kelochameleon1"));
+    stray->setThemeName(QStringLiteral("Nowhere"));
+    stray->setThemeIsUsed(true);
+    stray->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    stray->setNewBackColor(0x00336699u);
+    QSignalSpy missing(stray, &Kelochameleon::ThemeMissing);
+    lost.show();
+    QCOMPARE(missing.count(), 1);
+    QCOMPARE(lost.palette().color(QPalette::Window), QColor(0x99, 0x66, 0x33));
+    QVERIFY(stray->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+    stray->Refresh();
+    QCOMPARE(missing.count(), 2);
+
     // Without ThemeIsUsed, or disabled, or in a designer, the store is not read.
     for (int variant = 0; variant < 3; ++variant) {
         QWidget other;
@@ -620,25 +636,6 @@ void TestChameleonThemes::showReadsTheThemeWhenUsed()
         c->Refresh();
         QVERIFY2(m_accesses.isEmpty(), qPrintable(QString::number(variant)));
     }
-}
-
-void TestChameleonThemes::showReportsAMissingTheme()
-{
-    QWidget form;
-    auto *chameleon = new Kelochameleon(&form);
-    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
-    chameleon->setThemeName(QStringLiteral("Nowhere"));
-    chameleon->setThemeIsUsed(true);
-    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    chameleon->setNewBackColor(0x00336699u);
-    QSignalSpy missing(chameleon, &Kelochameleon::ThemeMissing);
-    form.show();
-    QCOMPARE(missing.count(), 1);
-    // It goes on with its own values.
-    QCOMPARE(form.palette().color(QPalette::Window), QColor(0x99, 0x66, 0x33));
-    QVERIFY(chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
-    chameleon->Refresh();
-    QCOMPARE(missing.count(), 2);
 }
 
 void TestChameleonThemes::storeErrorsReachTheCaller()
