@@ -106,8 +106,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void membersAreLateBound();
-    void saveWritesEveryKeyAsText();
-    void getReadsEveryKeyBackWithoutSideEffects();
+    void saveWritesEveryKeyAsTextAndGetReadsItBack();
     void emptyThemeNameBecomesDefaultTheme();
     void missingThemeRaisesThemeMissingOnce();
     void handEditedBoundsStayUnclamped();
@@ -166,7 +165,7 @@ void TestChameleonThemes::membersAreLateBound()
     QVERIFY(found);
 }
 
-void TestChameleonThemes::saveWritesEveryKeyAsText()
+void TestChameleonThemes::saveWritesEveryKeyAsTextAndGetReadsItBack()
 {
     QWidget form;
     auto *chameleon = new Kelochameleon(&form);
@@ -203,6 +202,32 @@ void TestChameleonThemes::saveWritesEveryKeyAsText()
     // Nothing is applied: the form keeps its own look.
     QVERIFY(!form.autoFillBackground());
 
+    // Read back by another chameleon of the same name, in the read order,
+    // without PropertyChanged and without applying anything.
+    m_accesses.clear();
+    QWidget other;
+    auto *target = new Kelochameleon(&other);
+    target->setObjectName(QStringLiteral("Kelochameleon1"));
+    target->setThemeName(QStringLiteral("sea side")); // found without regard to case
+    target->setThemeIsUsed(true);
+    QSignalSpy targetChanges(target, &Kelochameleon::PropertyChanged);
+    QSignalSpy missing(target, &Kelochameleon::ThemeMissing);
+    QVERIFY(target->GetTheme());
+    QCOMPARE(targetChanges.count(), 0);
+    QCOMPARE(missing.count(), 0);
+    expected.clear();
+    for (const QString &key : ThemeKeysInReadOrder) {
+        expected << QStringLiteral("R Kelochameleon1/sea side/") + key;
+    }
+    QCOMPARE(m_accesses, expected);
+    // Every theme value as saved; the name, the flag and the font are not part of a theme.
+    QVariantMap read = before;
+    read.insert(QStringLiteral("ThemeName"), QStringLiteral("sea side"));
+    read.insert(QStringLiteral("ThemeIsUsed"), true);
+    QCOMPARE(snapshot(*target), read);
+    QVERIFY(!other.autoFillBackground());
+    QVERIFY(!target->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
+
     // The defaults as texts; saving again replaces the values in place.
     Kelochameleon fresh;
     fresh.setObjectName(QStringLiteral("Kelochameleon1"));
@@ -214,52 +239,6 @@ void TestChameleonThemes::saveWritesEveryKeyAsText()
     QVERIFY(text.contains(QStringLiteral("\nBackgroundPicture=\n")));
     QVERIFY(text.contains(QStringLiteral("\nInterval=1000\n")));
     QCOMPARE(text.count(QStringLiteral("Interval=")), 1);
-}
-
-void TestChameleonThemes::getReadsEveryKeyBackWithoutSideEffects()
-{
-    Kelochameleon source;
-    source.setObjectName(QStringLiteral("Kelochameleon1"));
-    configure(source);
-    source.setThemeName(QStringLiteral("Sea Side"));
-    source.SaveTheme();
-    m_accesses.clear();
-
-    QWidget form;
-    auto *target = new Kelochameleon(&form);
-    target->setObjectName(QStringLiteral("Kelochameleon1"));
-    target->setThemeName(QStringLiteral("sea side")); // found without regard to case
-    target->setThemeIsUsed(true);
-    QSignalSpy changes(target, &Kelochameleon::PropertyChanged);
-    QSignalSpy missing(target, &Kelochameleon::ThemeMissing);
-
-    QVERIFY(target->GetTheme());
-    QCOMPARE(changes.count(), 0);
-    QCOMPARE(missing.count(), 0);
-    QStringList expected;
-    for (const QString &key : ThemeKeysInReadOrder) {
-        expected << QStringLiteral("R Kelochameleon1/sea side/") + key;
-    }
-    QCOMPARE(m_accesses, expected);
-
-    QCOMPARE(target->ColorMinimum(), 20);
-    QCOMPARE(target->ColorMaximum(), 200);
-    QCOMPARE(target->ColorStepRate(), 7);
-    QCOMPARE(target->Interval(), 1500);
-    QCOMPARE(target->BackgroundStyle(), keloBackgroundStyle::VariedColor);
-    QCOMPARE(target->WandStyle(), keloWandStyle::Atom);
-    QCOMPARE(target->NewBackColor(), 0x8000000Fu);
-    QVERIFY(!target->Enabled());
-    QCOMPARE(target->FontStyle(), keloFontStyle::ChangeFont);
-    QCOMPARE(target->BackgroundPicture(), QStringLiteral("/pics/sea side, blue.png"));
-    QCOMPARE(target->BackgroundPictureStyle(), keloPictureStyle::Tiled);
-    // Not part of a theme.
-    QCOMPARE(target->ThemeName(), QStringLiteral("sea side"));
-    QVERIFY(target->ThemeIsUsed());
-    QCOMPARE(target->NewFont(), form.font());
-    // Not applied either.
-    QVERIFY(!form.autoFillBackground());
-    QVERIFY(!target->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
 }
 
 void TestChameleonThemes::emptyThemeNameBecomesDefaultTheme()
