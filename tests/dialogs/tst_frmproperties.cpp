@@ -497,17 +497,18 @@ void tst_frmProperties::oddNames()
 void tst_frmProperties::refusedAsAnotherUser_data()
 {
     QTest::addColumn<QString>("item");
+    QTest::addColumn<int>("box"); // the box the child ticks before pressing OK
     QTest::addColumn<QString>("expected");
-    QTest::newRow("folder that cannot be listed") << "locked"
-                                                  << "16|Permission denied\n";
-    QTest::newRow("read-only switch refused") << "locked.txt"
-                                              << "16|Permission denied\nclosed\n";
+    QTest::newRow("folder that cannot be listed") << "locked" << 0 << "16|Permission denied\n";
+    QTest::newRow("read-only switch refused") << "locked.txt" << 0 << "16|Permission denied\nstill open\n";
+    QTest::newRow("hidden switch refused") << "locked.txt" << 1 << "16|Permission denied\nstill open\n";
 }
 
 // Root may do anything: the refusals are seen by a child that runs as nobody.
 void tst_frmProperties::refusedAsAnotherUser()
 {
     QFETCH(QString, item);
+    QFETCH(int, box);
     const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
     if (::geteuid() != 0 || setpriv.isEmpty())
         QSKIP("needs root and setpriv to run a child as nobody");
@@ -519,6 +520,7 @@ void tst_frmProperties::refusedAsAnotherUser()
     QProcess child;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KELO_PROPERTIES_CHILD"), path(item));
+    environment.insert(QStringLiteral("KELO_PROPERTIES_BOX"), QString::number(box));
     child.setProcessEnvironment(environment);
     child.start(setpriv,
         {QStringLiteral("--reuid=nobody"), QStringLiteral("--regid=nogroup"), QStringLiteral("--clear-groups"),
@@ -529,6 +531,9 @@ void tst_frmProperties::refusedAsAnotherUser()
     QVERIFY2(
         output == expected, qPrintable(output + QLatin1Char('/') + QString::fromUtf8(child.readAllStandardError())));
     QCOMPARE(int(modeOf(path(QStringLiteral("locked.txt")))), 0644);
+    QCOMPARE(readFile(path(QStringLiteral(".hidden"))), QByteArray("<none>"));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        QStringList({QStringLiteral("locked"), QStringLiteral("locked.txt")})); // no temporary list left
 }
 
 void tst_frmProperties::layout_data()
@@ -601,8 +606,9 @@ void tst_frmProperties::layout()
 
 /**
  * The child of refusedAsAnotherUser(): opens the properties of the path in
- * KELO_PROPERTIES_CHILD, ticks Read-only and presses Apply, then Cancel, and
- * prints each box as "<style>|<prompt>" and "closed" when the dialog was shown.
+ * KELO_PROPERTIES_CHILD, ticks the box KELO_PROPERTIES_BOX and presses OK,
+ * then Cancel when the dialog stayed open. Prints each message box as
+ * "<style>|<prompt>", and "still open" when OK left the dialog open.
  */
 static int runChild(int argc, char **argv)
 {
@@ -616,11 +622,13 @@ static int runChild(int argc, char **argv)
         auto *dialog = qobject_cast<frmProperties *>(QApplication::activeModalWidget());
         if (!dialog)
             return;
-        box(*dialog, 0)->setChecked(true);
-        command(*dialog, 2)->click();
-        command(*dialog, 1)->click();
-        std::printf("closed\n");
-        std::fflush(stdout);
+        box(*dialog, qEnvironmentVariableIntValue("KELO_PROPERTIES_BOX"))->setChecked(true);
+        command(*dialog, 0)->click();
+        if (dialog->isVisible()) {
+            std::printf("still open\n");
+            std::fflush(stdout);
+            command(*dialog, 1)->click();
+        }
     });
     ShowFileProperties(qEnvironmentVariable("KELO_PROPERTIES_CHILD"));
     return 0;

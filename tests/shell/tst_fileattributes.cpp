@@ -32,15 +32,11 @@ void tst_FileAttributes::editedHiddenList_data()
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<bool>("hidden");
     QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("first line") << QByteArray() << QByteArray("a") << true << QByteArray("a\n");
     QTest::newRow("no final newline") << QByteArray("x") << QByteArray("a") << true << QByteArray("x\na\n");
     QTest::newRow("already listed with a blank") << QByteArray("a \n") << QByteArray("a") << true << QByteArray("a \n");
     QTest::newRow("prefix is another name") << QByteArray("ab\n") << QByteArray("a") << true << QByteArray("ab\na\n");
     QTest::newRow("remove keeps blank lines")
         << QByteArray("\nx\r\na\t\n\n") << QByteArray("a") << false << QByteArray("\nx\r\n\n");
-    QTest::newRow("remove last line without newline")
-        << QByteArray("x\na") << QByteArray("a") << false << QByteArray("x\n");
-    QTest::newRow("remove absent") << QByteArray("x\n") << QByteArray("a") << false << QByteArray("x\n");
 }
 
 void tst_FileAttributes::editedHiddenList()
