@@ -17,7 +17,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <array>
@@ -62,6 +64,26 @@ QString contentsText(qsizetype files, qsizetype folders)
     return QStringLiteral("Contains: ") + filesPart + foldersPart;
 }
 
+/// A value label that, when its text is wider than its place, shows it shortened in the middle ("/home/…/file").
+class ElidingLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        const QRect area = contentsRect();
+        if (text().contains(QLatin1Char('\n')) || fontMetrics().horizontalAdvance(text()) <= area.width()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, area.width());
+        style()->drawItemText(&painter, area, int(alignment()), palette(), isEnabled(), shown, foregroundRole());
+    }
+};
+
 QLabel *captionLabel(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(text, parent);
@@ -105,11 +127,11 @@ frmProperties::Private::Private(frmProperties *q)
     picFile->setFixedSize(FileIconSize::Large, FileIconSize::Large);
 
     for (int i = 0; i < valueCount; ++i) {
-        labProperty[i] = new QLabel(q);
+        labProperty[i] = new ElidingLabel(q);
         labProperty[i]->setObjectName(QStringLiteral("labProperty_%1").arg(i));
         labProperty[i]->setTextFormat(Qt::PlainText);
         labProperty[i]->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        // Long names and paths are cut at the dialog's edge (the tooltip has them whole) rather than widening it.
+        // Long names and paths are shortened at the dialog's edge (the tooltip has them whole) rather than widening it.
         labProperty[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     }
     for (int i = 0; i < dividerCount; ++i) {

@@ -546,6 +546,8 @@ void tst_frmProperties::layout_data()
                             << "properties-folder";
     QTest::newRow("read-only hidden file") << "settings.json"
                                            << "properties-readonly-hidden";
+    QTest::newRow("long path") << QStringLiteral("a rather long folder name/").repeated(6) + QStringLiteral("x.txt")
+                               << "properties-long-path";
 }
 
 // The arrangement a properties dialog is expected to have. With KELO_SHOT_DIR
@@ -560,6 +562,7 @@ void tst_frmProperties::layout()
         for (int i = 0; i < 12; ++i)
             makeFile(itemPath + QStringLiteral("/notes%1.txt").arg(i));
     } else {
+        QVERIFY(QDir().mkpath(QFileInfo(itemPath).path()));
         makeFile(itemPath, item.endsWith(QLatin1String(".pdf")) ? 2345678 : 1025);
     }
     if (item == QLatin1String("settings.json")) {
@@ -596,6 +599,7 @@ void tst_frmProperties::layout()
         QVERIFY(ok.top() > rectOf(QStringLiteral("chkProperty_0")).bottom());
         QVERIFY(area.right() - apply.right() < 24 && area.bottom() - apply.bottom() < 24);
         QVERIFY(area.contains(apply));
+        QVERIFY(area.width() < 500); // a long location is shortened, not widening the dialog
     });
     dialog.ShowFile(itemPath);
     QVERIFY(!image.isNull());
