@@ -99,7 +99,7 @@ public:
     explicit Private(frmProperties *q);
 
     void clear();
-    void fill(const QString &path, const QString &displayName, bool isFile);
+    void fill(const QString &itemPath, const QString &displayName, bool file);
     void setDate(QLabel *label, qint64 milliseconds);
     void apply();
     bool applyTellingFailures();
