@@ -5,6 +5,7 @@
 #include "ChameleonPropertyPage.h"
 #include "CommonFile.h"
 #include "Conversions.h"
+#include "FileAttributes.h"
 #include "FileIcon.h"
 #include "FileSystem.h"
 #include "ImageList.h"
@@ -31,3 +32,4 @@
 #include "RuntimeError.h"
 #include "SettingsStore.h"
 #include "SqlQueryRecordset.h"
+#include "frmProperties.h"

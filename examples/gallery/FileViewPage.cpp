@@ -3,6 +3,7 @@
 #include <Kelocontrols/FileIcon.h>
 #include <Kelocontrols/KelofileView.h>
 #include <Kelocontrols/ListView.h>
+#include <Kelocontrols/frmProperties.h>
 
 #include <QBuffer>
 #include <QCheckBox>
@@ -124,6 +125,9 @@ QWidget *folderPanel(QWidget *parent)
     controls->addWidget(view);
     controls->addWidget(hidden);
     controls->addWidget(open);
+    auto *properties = new QPushButton(QStringLiteral("Properties..."), panel);
+    properties->setObjectName(QStringLiteral("ShowProperties"));
+    controls->addWidget(properties);
 
     const auto relist = [files] { files->setPathRoot(files->PathRoot()); };
     QObject::connect(filter, &QLineEdit::textChanged, files, [files, relist](const QString &text) {
@@ -141,6 +145,17 @@ QWidget *folderPanel(QWidget *parent)
             files->setItemIndex(selected);
             Kelocontrols::OpenWithAssociatedApp(files->PathRoot() + QLatin1Char('/') + files->ItemName(), files, false);
         }
+    });
+
+    // The selected item's properties, or the folder's when nothing is selected.
+    QObject::connect(properties, &QPushButton::clicked, files, [files] {
+        QString path = files->Path();
+        if (const int selected = files->ItemSelected(); selected > 0) {
+            files->setItemIndex(selected);
+            path += QLatin1Char('/') + files->ItemName();
+        }
+        Kelocontrols::ShowFileProperties(path, QString(), files->window());
+        files->Refresh(); // show what the dialog changed
     });
 
     layout->addLayout(controls);
