@@ -4,13 +4,14 @@
 #include <Kelocontrols/CommonFile.h>
 #include <Kelocontrols/Conversions.h>
 #include <Kelocontrols/FileIcon.h>
+#include <Kelocontrols/FileIconProvider.h>
+#include <Kelocontrols/FileListModel.h>
 #include <Kelocontrols/FileNameCodec.h>
 #include <Kelocontrols/FileSystem.h>
 #include <Kelocontrols/FileTypes.h>
 #include <Kelocontrols/ImageList.h>
 #include <Kelocontrols/KelofileView.h>
 #include <Kelocontrols/ListView.h>
-#include <Kelocontrols/ListViewModel.h>
 #include <Kelocontrols/MsgBox.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/PropertyTable.h>
@@ -18,6 +19,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -36,21 +38,8 @@ using KeloTest::errorNumberOf;
 
 namespace {
 
-enum Column {
-    Name,
-    Size,
-    Type,
-    Modified,
-    Created,
-    Changed,
-    Folder,
-    SortedSize,
-    SortedModified,
-    SortedCreated,
-    RealName,
-    Refresh,
-    SortName
-};
+using Column = FileListModel::Column;
+using enum FileListModel::Column;
 
 void writeFile(const QString &path, qint64 bytes)
 {
@@ -70,8 +59,7 @@ void setModified(const QString &path, qint64 msecs)
 
 QString cell(KelofileView &view, int row, int column)
 {
-    ListViewModel *m = view.listFiles()->model();
-    return column == 0 ? m->item(row).text : m->subItem(row, column);
+    return view.listFiles()->model()->text(row, column);
 }
 
 QStringList names(KelofileView &view)
@@ -140,6 +128,13 @@ private Q_SLOTS:
     void refreshUpdatesInPlace();
     void refreshOfPseudoPaths();
     void refreshTimerRunsOnlyAtRunTime();
+    void handlersMayChangeTheListDuringARefresh_data();
+    void handlersMayChangeTheListDuringARefresh();
+    void passesDoNotNest();
+    void folderCountsAreFactsOfTheirTime();
+    void virtualItemKeepsSharedImagesTrue();
+    void missingImageKeysComeBackInBothLists();
+    void namesDifferingInCaseKeepTheirItems();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -156,21 +151,21 @@ void TestKelofileView::freshControlHasItsConstituentsAndDefaults()
     QVERIFY(view.findChild<QLineEdit *>(QStringLiteral("txtMessage")));
     QVERIFY(view.findChild<QObject *>(QStringLiteral("RefreshTimer")));
 
-    const QList<ColumnHeader> &columns = list->model()->columns();
+    FileListModel *model = list->model();
     const QStringList captions = {"Name", "Size", "Type", "Modified", "Created", "Changed", "Folder", "SortedSize",
         "SortedModified", "SortedCreated", "RealName", "Refresh", "SortName"};
     const QList<int> widths = {1305, 2540, 2540, 2540, 582, 6068, 0, 0, 0, 0, 0, 0, 0};
-    const QStringList tags = {"13", "8", "", "9", "10", "", "", "", "", "", "", "", ""};
-    QCOMPARE(columns.size(), 13);
+    const QList<int> sortColumns = {13, 8, 0, 9, 10, 0, 0, 0, 0, 0, 0, 0, 0};
+    QCOMPARE(model->columnCount(), 13);
     for (int c = 0; c < 13; ++c) {
-        QCOMPARE(columns[c].text, captions[c]);
-        QCOMPARE(columns[c].width, widths[c]);
-        QCOMPARE(columns[c].tag, tags[c]);
+        QCOMPARE(model->headerData(c, Qt::Horizontal).toString(), captions[c]);
+        QCOMPARE(list->columnWidth(c), widths[c]);
+        QCOMPARE(FileListModel::columnSpec(c).sortColumn, sortColumns[c]);
         QCOMPARE(list->reportView()->isColumnHidden(c), c >= 6);
     }
-    QCOMPARE(columns[Folder].key, QStringLiteral("Folder"));
-    QCOMPARE(columns[RealName].key, QStringLiteral("RealName"));
-    QCOMPARE(columns[Refresh].key, QStringLiteral("Refresh"));
+    QCOMPARE(QString::fromLatin1(FileListModel::columnSpec(Folder).key), QStringLiteral("Folder"));
+    QCOMPARE(QString::fromLatin1(FileListModel::columnSpec(RealName).key), QStringLiteral("RealName"));
+    QCOMPARE(QString::fromLatin1(FileListModel::columnSpec(Refresh).key), QStringLiteral("Refresh"));
 
     QCOMPARE(view.image32()->count(), 2);
     QCOMPARE(view.image32()->key(1), QStringLiteral("Drive Unavailable"));
@@ -273,10 +268,10 @@ void TestKelofileView::columnsOfFilesAndFolders()
     QCOMPARE(cell(view, 0, Folder), folder);
 
     // Image keys: one per extension, in both lists; folders get their open form too.
-    ListViewModel *m = view.listFiles()->model();
-    QCOMPARE(m->item(1).icon, QStringLiteral("txt"));
-    QCOMPARE(m->item(1).smallIcon, QStringLiteral("txt"));
-    QCOMPARE(m->item(0).icon, FileTypes::instance().folderTypeText());
+    FileListModel *m = view.listFiles()->model();
+    QCOMPARE(m->row(1).largeIcon, QStringLiteral("txt"));
+    QCOMPARE(m->row(1).smallIcon, QStringLiteral("txt"));
+    QCOMPARE(m->row(0).largeIcon, FileTypes::instance().folderTypeText());
     for (ImageList *list : {view.image32(), view.image16()}) {
         QVERIFY(list->contains(QStringLiteral("txt")));
         QVERIFY(list->contains(QStringLiteral("OPEN_") + FileTypes::instance().folderTypeText()));
@@ -363,11 +358,11 @@ void TestKelofileView::hiddenAndSystemEntries()
     view.setAllowHiddenFiles(true);
     view.setShowFolders(true);
     QCOMPARE(names(view), (QStringList{".secret", ".dotfile", ".hidden", "listed.txt", "plain.txt"}));
-    ListViewModel *m = view.listFiles()->model();
+    FileListModel *m = view.listFiles()->model();
     const QString folderKey = FileTypes::instance().folderTypeText();
-    QCOMPARE(m->item(0).icon, QStringLiteral("HIDDEN_") + folderKey);
-    QCOMPARE(m->item(3).icon, QStringLiteral("HIDDEN_txt"));
-    QCOMPARE(m->item(4).icon, QStringLiteral("txt"));
+    QCOMPARE(m->row(0).largeIcon, QStringLiteral("HIDDEN_") + folderKey);
+    QCOMPARE(m->row(3).largeIcon, QStringLiteral("HIDDEN_txt"));
+    QCOMPARE(m->row(4).largeIcon, QStringLiteral("txt"));
     for (ImageList *list : {view.image32(), view.image16()}) {
         QVERIFY(list->contains(QStringLiteral("HIDDEN_txt")));
         QVERIFY(list->contains(QStringLiteral("HIDDEN_OPEN_") + folderKey));
@@ -446,7 +441,7 @@ void TestKelofileView::myComputerInAnyCase()
         QCOMPARE(cell(view, i, Name), drives[i].rootPath);
         QCOMPARE(cell(view, i, RealName), drives[i].rootPath);
         QCOMPARE(cell(view, i, Folder), QString());
-        QCOMPARE(view.listFiles()->model()->item(i).icon, DriveTypeName(drives[i]));
+        QCOMPARE(view.listFiles()->model()->row(i).largeIcon, DriveTypeName(drives[i]));
         QVERIFY(view.image16()->contains(DriveTypeName(drives[i])));
     }
 }
@@ -466,8 +461,8 @@ void TestKelofileView::myFoldersAsksTheHostAndMarksVanishedEntries()
     view.setPathRoot(KelofileView::MyFolders);
     QCOMPARE(asked, 1);
     QCOMPARE(names(view), (QStringList{"Work", gone + QStringLiteral(" (Unavailable)")}));
-    QCOMPARE(view.listFiles()->model()->item(1).icon, QStringLiteral("FolderUnavailable"));
-    QCOMPARE(view.listFiles()->model()->item(1).smallIcon, QStringLiteral("FolderUnavailable"));
+    QCOMPARE(view.listFiles()->model()->row(1).largeIcon, QStringLiteral("FolderUnavailable"));
+    QCOMPARE(view.listFiles()->model()->row(1).smallIcon, QStringLiteral("FolderUnavailable"));
     QCOMPARE(cell(view, 1, SortName), QLatin1Char(' ') + gone);
     QCOMPARE(cell(view, 0, Folder), FileSystem::cleanPath(m_dir->path()));
     // Only the existing folder raises the per-item events.
@@ -487,9 +482,9 @@ void TestKelofileView::programImagesAreDroppedAtTheNextFill()
     writeFile(path("readme.txt"), 10);
     KelofileView view;
     view.setPathRoot(m_dir->path());
-    ListViewModel *m = view.listFiles()->model();
+    FileListModel *m = view.listFiles()->model();
     QCOMPARE(names(view), (QStringList{"other", "readme.txt", "setup.exe", "TOOL.EXE"}));
-    QCOMPARE(m->item(3).icon, QStringLiteral("TOOL.EXE"));
+    QCOMPARE(m->row(3).largeIcon, QStringLiteral("TOOL.EXE"));
     for (ImageList *list : {view.image32(), view.image16()}) {
         QCOMPARE(list->tag(list->indexOf(QStringLiteral("setup.exe"))).toString(), QStringLiteral("exe"));
         QVERIFY(list->contains(QStringLiteral("TOOL.EXE")));
@@ -895,6 +890,162 @@ void TestKelofileView::refreshTimerRunsOnlyAtRunTime()
     QVERIFY(!timer->isActive() && !designed.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
     designed.setUserMode(true);
     QVERIFY(designed.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
+}
+
+void TestKelofileView::handlersMayChangeTheListDuringARefresh_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::newRow("ItemClear") << "ItemClear";
+    QTest::newRow("ItemRemove(1)") << "ItemRemove";
+    QTest::newRow("PathRoot") << "PathRoot";
+}
+
+void TestKelofileView::handlersMayChangeTheListDuringARefresh()
+{
+    QFETCH(QString, action);
+    writeFile(path("a.txt"), 1);
+    writeFile(path("b.txt"), 1);
+    QDir(m_dir->path()).mkpath(QStringLiteral("elsewhere"));
+    KelofileView view;
+    view.setShowFolders(false);
+    view.setPathRoot(m_dir->path());
+    writeFile(path("c.txt"), 1);
+    writeFile(path("d.txt"), 1);
+    bool done = false;
+    connect(&view, &KelofileView::AfterAddItem, [&](int &) {
+        if (std::exchange(done, true)) {
+            return;
+        }
+        if (action == QLatin1String("ItemClear")) {
+            view.ItemClear();
+        } else if (action == QLatin1String("ItemRemove")) {
+            view.ItemRemove(1);
+        } else {
+            view.setPathRoot(path("elsewhere")); // stored; the list is not filled while the refresh runs
+        }
+    });
+    view.Refresh();
+    QVERIFY(done);
+    // Every item still shows the entry it stands for; none is listed twice.
+    QStringList realNames;
+    for (int r = 0; r < view.ItemCount(); ++r) {
+        QCOMPARE(cell(view, r, Name), cell(view, r, RealName));
+        realNames << cell(view, r, RealName);
+    }
+    realNames.removeDuplicates();
+    QCOMPARE(realNames.size(), view.ItemCount());
+    QVERIFY(realNames.contains(QStringLiteral("d.txt")));
+}
+
+void TestKelofileView::passesDoNotNest()
+{
+    writeFile(path("a.txt"), 1);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    view.setRefreshInterval(5);
+    int afterPaints = 0;
+    connect(&view, &KelofileView::AfterPaint, [&] { ++afterPaints; });
+    // A handler that runs an event loop (as a modal box does) while ticks arrive.
+    connect(&view, &KelofileView::AfterAddItem, [&](int &) {
+        QEventLoop loop;
+        QTimer::singleShot(60, &loop, &QEventLoop::quit);
+        loop.exec();
+        view.Refresh(); // a nested call does nothing either
+        view.setShowFolders(true);
+    });
+    writeFile(path("b.txt"), 1);
+    view.Refresh();
+    QCOMPARE(afterPaints, 1);
+    view.setRefreshInterval(0);
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.txt"}));
+
+    afterPaints = 0;
+    view.setRefreshInterval(5);
+    view.setPathRoot(m_dir->path()); // a fill with the same handler
+    view.setRefreshInterval(0);
+    QCOMPARE(afterPaints, 1);
+    QCOMPARE(names(view), (QStringList{"a.txt", "b.txt"})); // no item twice
+}
+
+void TestKelofileView::folderCountsAreFactsOfTheirTime()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("sub"));
+    writeFile(path("sub/one.txt"), 1);
+    const qint64 stamp = QDateTime(QDate(2020, 3, 4), QTime(5, 6, 7)).toMSecsSinceEpoch();
+    setModified(path("sub"), stamp);
+    KelofileView view;
+    view.setShowFolderDetails(true);
+    view.setPathRoot(m_dir->path());
+    int found = 0;
+    connect(&view, &KelofileView::RefreshFoundChanges, [&] { ++found; });
+
+    writeFile(path("sub/two.txt"), 1);
+    setModified(path("sub"), stamp); // the folder's modification time as it was
+    QCOMPARE(cell(view, 0, Size), QStringLiteral("1")); // the count of when it was listed
+    view.Refresh();
+    QCOMPARE(found, 1);
+    QCOMPARE(cell(view, 0, Size), QStringLiteral("2"));
+    QCOMPARE(cell(view, 0, SortedSize), QStringLiteral("000000000002"));
+    view.Refresh();
+    QCOMPARE(found, 1);
+}
+
+void TestKelofileView::virtualItemKeepsSharedImagesTrue()
+{
+    QDir(m_dir->path()).mkpath(QStringLiteral("real"));
+    KelofileView view;
+    QCOMPARE(view.ItemAddNew(QStringLiteral("/no/such/Virtual")), 1);
+    const QString folderKey = FileTypes::instance().folderTypeText();
+    QCOMPARE(view.ItemIcon(), QString()); // ItemIndex 0
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), QStringList{"real"});
+    QCOMPARE(view.listFiles()->model()->row(0).largeIcon, folderKey);
+    QCOMPARE(view.image32()->picture(folderKey).toImage(), FileIconProvider::folder(32).toImage());
+    QCOMPARE(view.image16()->picture(folderKey).toImage(), FileIconProvider::folder(16).toImage());
+}
+
+void TestKelofileView::missingImageKeysComeBackInBothLists()
+{
+    writeFile(path("a.txt"), 1);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    for (const bool small : {true, false}) {
+        view.setImageSmall(small);
+        view.ImageRemove(QStringLiteral("txt"));
+        QVERIFY(!(small ? view.image16() : view.image32())->contains(QStringLiteral("txt")));
+        view.setPathRoot(m_dir->path());
+        QVERIFY(view.image16()->contains(QStringLiteral("txt")));
+        QVERIFY(view.image32()->contains(QStringLiteral("txt")));
+    }
+    view.setView(1); // small icons
+    FileListModel *m = view.listFiles()->model();
+    QVERIFY(!m->data(m->index(0, 0), Qt::DecorationRole).isNull());
+}
+
+void TestKelofileView::namesDifferingInCaseKeepTheirItems()
+{
+    writeFile(path("a.txt"), 1);
+    writeFile(path("A.TXT"), 2000);
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    QCOMPARE(names(view), (QStringList{"A.TXT", "a.txt"}));
+    int found = 0;
+    connect(&view, &KelofileView::RefreshFoundChanges, [&] { ++found; });
+    for (int pass = 0; pass < 3; ++pass) {
+        view.Refresh();
+        QCOMPARE(names(view), (QStringList{"A.TXT", "a.txt"}));
+        QCOMPARE(cell(view, 0, Size), QStringLiteral("2KB"));
+        QCOMPARE(cell(view, 1, Size), QStringLiteral("1KB"));
+    }
+    QCOMPARE(found, 0);
+
+    // One of the two lost from the list (the host removed it): the next pass brings it back once.
+    view.ItemRemove(2);
+    view.Refresh();
+    view.Refresh();
+    QCOMPARE(found, 1);
+    QCOMPARE(names(view), (QStringList{"A.TXT", "a.txt"}));
+    QCOMPARE(cell(view, 1, Size), QStringLiteral("1KB"));
 }
 
 QTEST_MAIN(TestKelofileView)
