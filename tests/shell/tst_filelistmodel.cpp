@@ -1,3 +1,5 @@
+#include "KeloTestSupport.h"
+
 #include <Kelocontrols/Conversions.h>
 #include <Kelocontrols/FileListFilter.h>
 #include <Kelocontrols/FileListModel.h>
@@ -29,8 +31,7 @@ FileEntry fileEntry(const QString &name, qint64 size, qint64 modified, qint64 cr
 
 void touch(const QString &path)
 {
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
+    QVERIFY(KeloTest::writeFile(path, 0));
 }
 
 } // namespace

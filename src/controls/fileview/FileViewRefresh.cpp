@@ -10,45 +10,67 @@ namespace Kelocontrols {
 
 namespace {
 
-QString folded(const QString &name)
-{
-    return name.toCaseFolded();
-}
-
 /**
- * The folded names that occur more than once among @p folders and @p files
- * (each list sorted without regard to case, so twins within one list are
- * neighbours; across the lists a small set of the folders' names decides).
+ * The set of names that occur more than once without regard to case among
+ * @p folders and @p files. Each list is sorted without regard to case, so
+ * twins within one list are neighbours; across the lists the folders' names
+ * (few) decide. Hashes are compared first, so most names are never folded.
  */
-QSet<QString> caseTwins(const QList<FileEntry> &folders, const QList<FileEntry> &files)
+QSet<CaseInsensitiveName> caseTwins(const QList<FileEntry> &folders, const QList<FileEntry> &files)
 {
-    QSet<QString> twins;
-    const auto neighbours = [&twins](const QList<FileEntry> &list) {
-        for (qsizetype i = 1; i < list.size(); ++i) {
-            if (list[i].name.compare(list[i - 1].name, Qt::CaseInsensitive) == 0) {
-                twins.insert(folded(list[i].name));
+    QSet<CaseInsensitiveName> twins;
+    QMultiHash<size_t, qsizetype> folderByHash;
+    folderByHash.reserve(folders.size());
+    const auto walk = [&](const QList<FileEntry> &list, bool againstFolders) {
+        size_t previous = 0;
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            const QString &name = list[i].name;
+            const size_t hash = qHash(CaseInsensitiveName{name});
+            if (i > 0 && hash == previous && name.compare(list[i - 1].name, Qt::CaseInsensitive) == 0) {
+                twins.insert(CaseInsensitiveName{name});
+            }
+            previous = hash;
+            if (!againstFolders) {
+                folderByHash.insert(hash, i);
+                continue;
+            }
+            for (auto it = folderByHash.constFind(hash); it != folderByHash.cend() && it.key() == hash; ++it) {
+                if (folders[*it].name.compare(name, Qt::CaseInsensitive) == 0) {
+                    twins.insert(CaseInsensitiveName{name});
+                }
             }
         }
     };
-    neighbours(folders);
-    neighbours(files);
-    if (!folders.isEmpty()) {
-        QSet<QString> folderNames;
-        folderNames.reserve(folders.size());
-        for (const FileEntry &f : folders) {
-            folderNames.insert(folded(f.name));
-        }
-        for (const FileEntry &f : files) {
-            const QString key = folded(f.name);
-            if (folderNames.contains(key)) {
-                twins.insert(key);
-            }
-        }
-    }
+    walk(folders, false);
+    walk(files, !folders.isEmpty());
     return twins;
 }
 
 } // namespace
+
+size_t qHash(const CaseInsensitiveName &key, size_t seed) noexcept
+{
+    // Folds as QString::compare(Qt::CaseInsensitive) does, without making a folded copy.
+    size_t hash = seed;
+    const QString &name = key.name;
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        char32_t c = name.at(i).unicode();
+        if (c < 0x80) {
+            c = (c >= 'A' && c <= 'Z') ? c + ('a' - 'A') : c;
+        } else if (QChar::isHighSurrogate(c) && i + 1 < name.size() && name.at(i + 1).isLowSurrogate()) {
+            c = QChar::toCaseFolded(QChar::surrogateToUcs4(char16_t(c), name.at(++i).unicode()));
+        } else {
+            c = QChar::toCaseFolded(c);
+        }
+        hash = hash * 31 + c;
+    }
+    return hash ^ (hash >> 17);
+}
+
+bool operator==(const CaseInsensitiveName &a, const CaseInsensitiveName &b) noexcept
+{
+    return a.name.compare(b.name, Qt::CaseInsensitive) == 0;
+}
 
 FileViewRefresh::FileViewRefresh(KelofileView &view)
     : q(view)
@@ -66,21 +88,24 @@ void FileViewRefresh::run()
     FileListModel *model = d.model();
     model->markAllUnmet();
     forgetIndex();
+    startInOrder();
     const QList<FileEntry> noFolders;
     const QList<FileEntry> &folders = d.showFolders ? contents.folders : noFolders;
-    const QSet<QString> twins = caseTwins(folders, contents.files);
+    const QSet<CaseInsensitiveName> twins = caseTwins(folders, contents.files);
 
     bool changed = false;
     {
         FileListModel::Batch batch(model);
         for (const FileEntry &folder : folders) {
             if (d.rules.matches(folder.name)) {
-                changed |= update(folder, contents.path, true, !twins.isEmpty() && twins.contains(folded(folder.name)));
+                changed |= update(
+                    folder, contents.path, true, !twins.isEmpty() && twins.contains(CaseInsensitiveName{folder.name}));
             }
         }
         for (const FileEntry &file : contents.files) {
             if (d.rules.matches(file.name)) {
-                changed |= update(file, contents.path, false, !twins.isEmpty() && twins.contains(folded(file.name)));
+                changed |= update(
+                    file, contents.path, false, !twins.isEmpty() && twins.contains(CaseInsensitiveName{file.name}));
             }
         }
     }
@@ -119,10 +144,41 @@ bool FileViewRefresh::update(const FileEntry &entry, const QString &folder, bool
     return changed;
 }
 
+void FileViewRefresh::startInOrder()
+{
+    m_inOrder = true;
+    m_cursor = 0;
+    m_orderGeneration = q.d->model()->layoutGeneration();
+}
+
+/*
+ * While every entry so far was found at the next row, in order, the rows
+ * before the cursor hold exactly the names met so far; a name without twins
+ * differs from all of them without regard to case, so the row at the cursor,
+ * if it bears the name, is the first item that does. A list that mirrors its
+ * folder (as after a fill) is so matched without any index.
+ */
+int FileViewRefresh::findInOrder(const QString &name, bool caseTwins)
+{
+    const FileListModel *model = q.d->model();
+    if (m_inOrder && !caseTwins && model->layoutGeneration() == m_orderGeneration && m_cursor < model->count()
+        && model->row(m_cursor).realName() == name) {
+        return m_cursor++;
+    }
+    m_inOrder = false;
+    return -1;
+}
+
 int FileViewRefresh::find(const QString &name, bool caseTwins)
 {
+    if (m_inOrder) {
+        const int row = findInOrder(name, caseTwins);
+        if (row >= 0) {
+            return row;
+        }
+    }
     syncIndex();
-    const QString key = folded(name);
+    const CaseInsensitiveName key{name};
     const auto first = m_firstRow.constFind(key);
     if (first == m_firstRow.constEnd()) {
         return -1;
@@ -160,7 +216,7 @@ void FileViewRefresh::syncIndex()
         m_generation = model->layoutGeneration();
     }
     for (; m_indexed < model->count(); ++m_indexed) {
-        const QString key = folded(model->row(m_indexed).realName());
+        const CaseInsensitiveName key{model->row(m_indexed).realName()};
         const auto found = m_firstRow.constFind(key);
         if (found == m_firstRow.constEnd()) {
             m_firstRow.insert(key, m_indexed);

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QMultiHash>
 #include <QSet>
 #include <QString>
 
@@ -10,6 +11,14 @@ class KelofileView;
 namespace Kelocontrols {
 
 struct FileEntry;
+
+/// A name that hashes and compares without regard to case, without a folded copy being made.
+struct CaseInsensitiveName
+{
+    QString name;
+};
+size_t qHash(const CaseInsensitiveName &key, size_t seed = 0) noexcept;
+bool operator==(const CaseInsensitiveName &a, const CaseInsensitiveName &b) noexcept;
 
 /**
  * Brings a KelofileView's list up to date in place with its folder on disk.
@@ -28,6 +37,10 @@ struct FileEntry;
  * the pass has not met yet, else the first such item not yet met, else it
  * is added: so neither item is lost and they do not trade facts every pass.
  *
+ * While the entries are found row after row in order (a list that mirrors
+ * its folder), no index is needed; at the first entry that is not, the pass
+ * goes on with an index of the names.
+ *
  * Handlers may change the list at every raised event: the name index is
  * checked against the model's layout generation before each look-up and
  * rebuilt when rows went or were renamed, so no row number outlives an
@@ -44,14 +57,19 @@ public:
 private:
     bool update(const FileEntry &entry, const QString &folder, bool isFolder, bool caseTwins);
     int find(const QString &name, bool caseTwins);
+    void startInOrder();
+    int findInOrder(const QString &name, bool caseTwins);
     void syncIndex();
     void forgetIndex();
 
     KelofileView &q;
-    QHash<QString, int> m_firstRow; ///< folded RealName -> first row with it
-    QHash<QString, QList<int>> m_laterRows; ///< folded RealName -> further rows with it, in order
+    QHash<CaseInsensitiveName, int> m_firstRow; ///< RealName -> first row with it
+    QHash<CaseInsensitiveName, QList<int>> m_laterRows; ///< RealName -> further rows with it, in order
     quint64 m_generation = 0;
     int m_indexed = 0;
+    bool m_inOrder = false; ///< every entry so far was found at the next row
+    int m_cursor = 0;
+    quint64 m_orderGeneration = 0;
 };
 
 } // namespace Kelocontrols
