@@ -2,12 +2,17 @@
 
 #include <Kelocontrols/RuntimeError.h>
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaClassInfo>
 #include <QMetaObject>
+#include <QString>
 #include <QTimer>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <utility>
 
@@ -61,6 +66,20 @@ inline bool writeTextFile(const QString &path, const QString &text)
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) >= 0;
+/// Writes a file of @p bytes bytes ("x" repeated); false when it cannot be written.
+inline bool writeFile(const QString &path, qint64 bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(QByteArray(bytes, 'x')) == bytes;
+}
+
+/// Sets the modification and access times of @p path (a file or folder) to @p msecs since the epoch.
+inline bool setModified(const QString &path, qint64 msecs)
+{
+    struct timespec times[2];
+    times[0].tv_sec = times[1].tv_sec = msecs / 1000;
+    times[0].tv_nsec = times[1].tv_nsec = (msecs % 1000) * 1000000;
+    return utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0) == 0;
 }
 
 } // namespace KeloTest

@@ -37,6 +37,11 @@ struct FileEntry
     /// when the creation time is unknown.
     qint64 created = 0;
     qint64 accessed = 0; ///< last access (atime)
+    /// Last change of the entry's inode (ctime): any write, rename, link or attribute change
+    /// moves it, and no program can set it back. For a folder it moves whenever an entry is
+    /// added, removed or renamed inside, even when the modification time is restored.
+    /// 0 when the file system does not report it.
+    qint64 statusChanged = 0;
     int attributes = 0; ///< FileAttribute bits
     bool createdKnown = false; ///< true when created is a real birth time
 

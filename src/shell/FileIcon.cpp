@@ -4,6 +4,7 @@
 #include "Conversions.h"
 #include "DesktopAssociations.h"
 #include "DetachedLauncher.h"
+#include "FileIconProvider.h"
 #include "FileNameCodec.h"
 #include "FileSystem.h"
 #include "FileTypes.h"
@@ -24,95 +25,6 @@
 namespace Kelocontrols {
 
 namespace {
-
-using BuiltinIcon = IconLookup::BuiltinIcon;
-
-/// What a path names, the key its icon is kept under, and where the icon comes from.
-struct IconTarget
-{
-    bool exists = false;
-    QString typeKey;
-    QStringList iconNames;
-    BuiltinIcon fallback = BuiltinIcon::File;
-};
-
-QStringList driveIconNames(int driveType)
-{
-    switch (driveType) {
-    case DriveType::Removable:
-        return {u"drive-removable-media"_qs, u"media-removable"_qs, u"drive-harddisk"_qs};
-    case DriveType::Remote:
-        return {u"folder-remote"_qs, u"network-server"_qs, u"drive-harddisk"_qs};
-    case DriveType::CDRom:
-        return {u"drive-optical"_qs, u"media-optical"_qs, u"drive-harddisk"_qs};
-    case DriveType::RamDisk:
-        return {u"media-memory"_qs, u"drive-harddisk"_qs};
-    default:
-        return {u"drive-harddisk"_qs};
-    }
-}
-
-IconTarget fileTarget(const QString &path)
-{
-    IconTarget target;
-    target.exists = true;
-    target.typeKey = FileSystem::extensionName(path);
-    // By name only: a listing must not open its files, and every file of one
-    // extension shares one image key, so they must share one picture too.
-    const QMimeType type = FileTypes::instance().mimeTypeForFileName(path);
-    target.iconNames = QStringList{type.iconName(), type.genericIconName(), u"application-x-generic"_qs};
-    target.iconNames.removeAll(QString());
-    target.fallback = BuiltinIcon::File;
-    return target;
-}
-
-// Only a mount point can be the root of a drive. The kernel tells (statx,
-// Linux 5.8 on) without the mount table being read and every volume asked,
-// which matters when a listing asks for each of its folders.
-bool mayBeMountRoot(const QString &path)
-{
-    struct statx info;
-    if (::statx(AT_FDCWD, FileNameCodec::encode(path).constData(), 0, STATX_TYPE, &info) != 0) {
-        return true;
-    }
-    if (!(info.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT)) {
-        return true; // an older kernel: the mount table decides
-    }
-    return (info.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
-}
-
-IconTarget lookUpTarget(const QString &path, bool open)
-{
-    IconTarget target;
-    if (path.isEmpty()) {
-        return target;
-    }
-    // Drawing never raises: a path that cannot be examined names nothing.
-    try {
-        const FileSystem &fileSystem = FileSystem::instance();
-        if (fileSystem.fileExists(path)) {
-            return fileTarget(path);
-        }
-        const bool isFolder = fileSystem.folderExists(path);
-        if ((isFolder ? mayBeMountRoot(path) : path.startsWith(u"\\\\"_qs)) && fileSystem.driveExists(path)) {
-            const DriveInfo drive = fileSystem.getDrive(path);
-            target.exists = true;
-            target.typeKey = DriveTypeName(drive);
-            target.iconNames = driveIconNames(drive.driveType);
-            target.fallback = BuiltinIcon::Drive;
-            return target;
-        }
-        if (isFolder) {
-            target.exists = true;
-            target.typeKey = FileTypes::instance().folderTypeText();
-            target.iconNames = open ? QStringList{u"folder-open"_qs, u"folder"_qs} : QStringList{u"folder"_qs};
-            target.fallback = open ? BuiltinIcon::OpenFolder : BuiltinIcon::Folder;
-        }
-    } catch (const RuntimeError &) {
-        return IconTarget();
-    }
-    return target;
-}
 
 int ghostChannel(int value)
 {
@@ -215,14 +127,7 @@ QString shellErrorText(int code)
 
 QPixmap fileIconPixmap(const QString &path, int pixelSize, bool open, QString *typeKey)
 {
-    const IconTarget target = lookUpTarget(path, open);
-    if (typeKey) {
-        *typeKey = target.typeKey;
-    }
-    if (!target.exists || pixelSize < 1) {
-        return {};
-    }
-    return IconLookup::instance().pixmapOrBuiltin(target.iconNames, target.fallback, pixelSize);
+    return FileIconProvider::forPath(path, pixelSize, open, false, typeKey);
 }
 
 void DrawFileIcon(const QString &path, bool large, PictureBox &picture, QString &typeKey, bool open)

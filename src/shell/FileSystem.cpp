@@ -251,8 +251,9 @@ bool statvfsVolume(const QString &mountPoint, qint64 &totalBytes, qint64 &freeBy
 
 // ---- Files and folders -------------------------------------------------
 
-/// What statx is asked for: enough for kind, attributes, size and the three dates.
-constexpr unsigned int entryStatxMask = STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME;
+/// What statx is asked for: enough for kind, attributes, size, the three dates and the status-change time.
+constexpr unsigned int entryStatxMask
+    = STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_CTIME | STATX_BTIME;
 /// Never wake an automounter and never wait for a network server to confirm cached attributes.
 constexpr int entryStatxFlags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 
@@ -434,6 +435,7 @@ private:
             entry.attributes |= FileAttribute::ReadOnly;
         entry.modified = millisecondsOf(info.stx_mtime);
         entry.accessed = millisecondsOf(info.stx_atime);
+        entry.statusChanged = (info.stx_mask & STATX_CTIME) ? millisecondsOf(info.stx_ctime) : 0;
         entry.createdKnown = (info.stx_mask & STATX_BTIME) != 0;
         entry.created = entry.createdKnown ? millisecondsOf(info.stx_btime) : entry.modified;
     }

@@ -1,139 +1,98 @@
-#include "FileViewImages.h"
+#include "FileViewImages_p.h"
 
 #include "FileIcon.h"
-#include "IconLookup.h"
+#include "FileIconProvider.h"
+#include "FileListRow.h"
 #include "ImageList.h"
-#include "PictureBox.h"
-
-#include <QPainter>
-#include <QPainterPath>
 
 namespace Kelocontrols {
 
 namespace {
 
-// A colour no icon uses, handed to the ghosting as "leave alone"; the icons
-// are drawn on a transparent ground, which the ghosting skips anyway.
-constexpr QRgb GhostTransparent = qRgb(255, 0, 255);
+// A file name of the type an extension key stands for ("." stands for files without an extension).
+QString representativeName(const QString &extensionKey)
+{
+    return extensionKey == QLatin1String(".") ? QStringLiteral("file") : QStringLiteral("file.") + extensionKey;
+}
 
 } // namespace
 
-FileViewImages::FileViewImages(ImageList &large, ImageList &small, PictureBox &tempPicture)
+FileViewImages::FileViewImages(ImageList &large, ImageList &small)
     : m_large(large)
     , m_small(small)
-    , m_temp(tempPicture)
 {
 }
 
 void FileViewImages::preload()
 {
-    m_large.add(unavailable(true, FileIconSize::Large), QStringLiteral("Drive Unavailable"));
-    m_large.add(unavailable(false, FileIconSize::Large), QStringLiteral("FolderUnavailable"));
-    m_small.add(sortArrow(false), QStringLiteral("SortDown"));
-    m_small.add(sortArrow(true), QStringLiteral("SortUp"));
-    m_small.add(unavailable(true, FileIconSize::Small), QStringLiteral("Drive Unavailable"));
-    m_small.add(unavailable(false, FileIconSize::Small), QStringLiteral("FolderUnavailable"));
+    using P = FileIconProvider;
+    for (const QString &key : {P::DriveUnavailable, P::FolderUnavailable}) {
+        m_large.add(P::fixedPicture(key, FileIconSize::Large), key);
+    }
+    for (const QString &key : {P::SortDown, P::SortUp, P::DriveUnavailable, P::FolderUnavailable}) {
+        m_small.add(P::fixedPicture(key, FileIconSize::Small), key);
+    }
 }
 
-QString FileViewImages::ensure(const QString &key, const QString &path, bool folder, bool hidden, const QString &tag)
+QString FileViewImages::ensure(const FileListRow &row, bool hidden)
 {
-    if (!m_large.contains(key)) {
-        load(key, path, false, false, tag);
-    }
-    if (folder && !m_large.contains(OpenPrefix + key)) {
-        load(OpenPrefix + key, path, true, false, tag);
+    const QString key = row.baseImageKey();
+    const bool folder = row.kind == FileListKind::Folder;
+    load(key, row, false, false);
+    if (folder) {
+        load(OpenPrefix + key, row, true, false);
     }
     if (!hidden) {
         return key;
     }
-    const QString hiddenKey = HiddenPrefix + key;
-    if (!m_large.contains(hiddenKey)) {
-        load(hiddenKey, path, false, true, tag);
+    load(HiddenPrefix + key, row, false, true);
+    if (folder) {
+        load(HiddenPrefix + OpenPrefix + key, row, true, true);
     }
-    if (folder && !m_large.contains(HiddenPrefix + OpenPrefix + key)) {
-        load(HiddenPrefix + OpenPrefix + key, path, true, true, tag);
-    }
-    return hiddenKey;
+    return HiddenPrefix + key;
 }
 
-void FileViewImages::load(const QString &key, const QString &path, bool open, bool ghost, const QString &tag)
+void FileViewImages::load(const QString &key, const FileListRow &row, bool open, bool ghosted)
 {
-    const QVariant tagValue = tag.isEmpty() ? QVariant() : QVariant(tag);
+    const QVariant tag = row.isProgram() ? QVariant(ProgramTag) : QVariant();
     if (!m_large.contains(key)) {
-        m_large.add(draw(path, true, open, ghost), key, tagValue);
+        m_large.add(picture(key, row, FileIconSize::Large, open, ghosted), key, tag);
     }
     if (!m_small.contains(key)) {
-        m_small.add(draw(path, false, open, ghost), key, tagValue);
+        m_small.add(picture(key, row, FileIconSize::Small, open, ghosted), key, tag);
     }
 }
 
-QPixmap FileViewImages::draw(const QString &path, bool large, bool open, bool ghost)
+QPixmap FileViewImages::picture(const QString &key, const FileListRow &row, int size, bool open, bool ghosted)
 {
-    QString typeKey;
-    m_temp.setPicture(QPixmap());
-    DrawFileIcon(path, large, m_temp, typeKey, open);
-    QPixmap picture = m_temp.picture();
-    if (picture.isNull()) {
-        // The path is gone (or was never on disk): a plain sheet keeps the item from showing no icon.
-        const int size = large ? FileIconSize::Large : FileIconSize::Small;
-        picture = IconLookup::builtinPixmap(IconLookup::BuiltinIcon::File, size);
-        m_temp.setPicture(picture);
+    using P = FileIconProvider;
+    const QPixmap fixed = P::fixedPicture(key, size); // "Drive Unavailable" for a network drive that is not ready
+    if (!fixed.isNull()) {
+        return ghosted ? P::ghost(fixed) : fixed;
     }
-    if (ghost) {
-        GhostPicture(m_temp, GhostTransparent);
-        picture = m_temp.picture();
+    switch (row.kind) {
+    case FileListKind::File:
+        // A type's picture, whichever file first needed the key; a program's own name is its key.
+        return P::file(row.isProgram() ? row.entry.name : representativeName(row.baseImageKey()), size, ghosted);
+    case FileListKind::Folder:
+        return P::folder(size, open, ghosted);
+    case FileListKind::Drive:
+        return P::drive(row.driveType, size, ghosted);
+    case FileListKind::Unavailable:
+        break;
     }
-    return picture;
+    return P::fixedPicture(P::FolderUnavailable, size);
 }
 
-void FileViewImages::removeTagged(const QString &tag)
+void FileViewImages::removePrograms()
 {
     for (ImageList *list : {&m_large, &m_small}) {
         for (int i = list->count(); i >= 1; --i) {
-            if (list->tag(i).toString() == tag) {
+            if (list->tag(i).toString() == ProgramTag) {
                 list->remove(i);
             }
         }
     }
-}
-
-QPixmap FileViewImages::sortArrow(bool up)
-{
-    QPixmap pixmap(FileIconSize::Small, FileIconSize::Small);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(96, 96, 96));
-    QPainterPath triangle;
-    if (up) {
-        triangle.moveTo(8, 4);
-        triangle.lineTo(13, 11);
-        triangle.lineTo(3, 11);
-    } else {
-        triangle.moveTo(3, 5);
-        triangle.lineTo(13, 5);
-        triangle.lineTo(8, 12);
-    }
-    triangle.closeSubpath();
-    painter.drawPath(triangle);
-    return pixmap;
-}
-
-QPixmap FileViewImages::unavailable(bool drive, int size)
-{
-    const QStringList names
-        = drive ? QStringList{QStringLiteral("drive-harddisk")} : QStringList{QStringLiteral("folder")};
-    const auto fallback = drive ? IconLookup::BuiltinIcon::Drive : IconLookup::BuiltinIcon::Folder;
-    QPixmap pixmap = IconLookup::instance().pixmapOrBuiltin(names, fallback, size);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    // A red cross over the lower right quarter: the item is there but cannot be reached.
-    const qreal s = size;
-    painter.setPen(QPen(QColor(200, 0, 0), std::max(1.5, s / 10.0), Qt::SolidLine, Qt::RoundCap));
-    painter.drawLine(QPointF(s * 0.55, s * 0.55), QPointF(s * 0.92, s * 0.92));
-    painter.drawLine(QPointF(s * 0.92, s * 0.55), QPointF(s * 0.55, s * 0.92));
-    return pixmap;
 }
 
 } // namespace Kelocontrols

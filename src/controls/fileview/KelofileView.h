@@ -1,28 +1,23 @@
 #pragma once
 
 #include "ControlBase.h"
-#include "FileItemSource.h"
+#include "FileListFilter.h"
 #include "OleColor.h"
 
+#include <kelocontrols_export.h>
+
 #include <QFont>
-#include <QHash>
 #include <QPixmap>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
 
-class QLineEdit;
-class QTimer;
-
 namespace Kelocontrols {
-
-class FileViewImages;
+class FileViewFill;
+class FileViewRefresh;
 class ImageList;
 class ListView;
-class PictureBox;
-struct FileEntry;
-struct DriveInfo;
 } // namespace Kelocontrols
 
 /**
@@ -49,9 +44,16 @@ struct DriveInfo;
  * Inner widgets, found by objectName: `ListFiles` (a Kelocontrols::ListView
  * with 13 columns: Name, Size, Type, Modified, Created, Changed and the
  * hidden Folder, SortedSize, SortedModified, SortedCreated, RealName,
- * Refresh, SortName), the image lists `Image32` and `Image16` (children of
- * the control, Kelocontrols::ImageList), the message line `txtMessage`, the
- * hidden picture box `TempPic` and the timer `RefreshTimer`.
+ * Refresh, SortName; the columns of Kelocontrols::FileListModel), the image
+ * lists `Image32` and `Image16` (children of the control,
+ * Kelocontrols::ImageList), the message line `txtMessage` and the timer
+ * `RefreshTimer`.
+ *
+ * Event handlers may change the list at any event (ItemClear, ItemRemove,
+ * ItemAddNew, PathRoot): a fill or refresh goes on with the list as it is
+ * then. A fill, a refresh or a timer tick that starts while another fill or
+ * refresh runs (from a handler, or from a modal box's event loop) does
+ * nothing.
  *
  * Item members address the item at ItemIndex (1-based; 0 = none); image
  * members address the image at ImageIndex of Image16 (ImageSmall) or
@@ -66,7 +68,7 @@ struct DriveInfo;
  * files->setPathRoot(QDir::homePath());   // lists the folder now
  * \endcode
  */
-class KelofileView : public Kelocontrols::ControlBase
+class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_KelofileView")
@@ -201,8 +203,8 @@ class KelofileView : public Kelocontrols::ControlBase
 
 public:
     /// The pseudo-paths, compared without regard to case.
-    static inline const QString MyComputer = QStringLiteral("My Computer");
-    static inline const QString MyFolders = QStringLiteral("My Folders");
+    static inline const QString MyComputer = Kelocontrols::FileListFilter::MyComputer;
+    static inline const QString MyFolders = Kelocontrols::FileListFilter::MyFolders;
     /// The message shown when a fill lists nothing.
     static inline const QString EmptyFolderMessage = QStringLiteral("There are no items to show in this folder.");
 
@@ -257,43 +259,43 @@ public:
     void setView(int view);
 
     // What is listed
-    QString Path() const { return m_path; }
+    QString Path() const;
     /// Stores the folder to show; the list follows at the next fill.
     void setPath(const QString &path);
-    QString PathRoot() const { return m_pathRoot; }
+    QString PathRoot() const;
     /// Stores the root, makes it the Path and fills the list.
     void setPathRoot(const QString &pathRoot);
-    bool LimitToRoot() const { return m_limitToRoot; }
+    bool LimitToRoot() const;
     void setLimitToRoot(bool limit);
-    bool ShowFolders() const { return m_showFolders; }
+    bool ShowFolders() const;
     /// Stores the flag and fills the list.
     void setShowFolders(bool show);
-    bool ShowFolderDetails() const { return m_showFolderDetails; }
+    bool ShowFolderDetails() const;
     void setShowFolderDetails(bool show);
-    QString Filter() const { return m_filter; }
+    QString Filter() const;
     void setFilter(const QString &filter);
     /// Bytes in the files that matched Filter in the last listing, hidden and system ones included.
-    int TotalSize() const { return m_totalSize; }
+    int TotalSize() const;
     void setTotalSize(int bytes);
-    bool AllowHiddenFiles() const { return m_allowHiddenFiles; }
+    bool AllowHiddenFiles() const;
     void setAllowHiddenFiles(bool allow);
-    bool AllowSystemFiles() const { return m_allowSystemFiles; }
+    bool AllowSystemFiles() const;
     void setAllowSystemFiles(bool allow);
-    bool AllowLabelEdit() const { return m_allowLabelEdit; }
+    bool AllowLabelEdit() const;
     void setAllowLabelEdit(bool allow);
-    int OLEDragMode() const { return m_oleDragMode; }
+    int OLEDragMode() const;
     void setOLEDragMode(int mode);
-    int OLEDropMode() const { return m_oleDropMode; }
+    int OLEDropMode() const;
     void setOLEDropMode(int mode);
     /// Milliseconds between automatic refreshes, 0 for none.
     int RefreshInterval() const;
     void setRefreshInterval(int milliseconds);
 
     /// The "My Folders" set the host fills in NeedMyFolders.
-    QStringList &MyFoldersList() { return m_myFolders; }
+    QStringList &MyFoldersList();
 
     // Item members (ItemIndex is 1-based; 0 or an index past the end addresses nothing)
-    int ItemIndex() const { return m_itemIndex; }
+    int ItemIndex() const;
     void setItemIndex(int index);
     int ItemCount() const;
     QString ItemDisplayName() const;
@@ -328,10 +330,10 @@ public:
     Q_INVOKABLE void ItemClear();
 
     // Image members (on Image16 when ImageSmall, else Image32)
-    int ImageIndex() const { return m_imageIndex; }
+    int ImageIndex() const;
     void setImageIndex(int index);
     int ImageCount() const;
-    bool ImageSmall() const { return m_imageSmall; }
+    bool ImageSmall() const;
     void setImageSmall(bool small);
     QString ImageKey() const;
     void setImageKey(const QString &key);
@@ -354,9 +356,9 @@ public:
      */
     Q_INVOKABLE void Refresh();
 
-    Kelocontrols::ListView *listFiles() const { return m_list; }
-    Kelocontrols::ImageList *image32() const { return m_image32; }
-    Kelocontrols::ImageList *image16() const { return m_image16; }
+    Kelocontrols::ListView *listFiles() const;
+    Kelocontrols::ImageList *image32() const;
+    Kelocontrols::ImageList *image16() const;
 
     const Kelocontrols::PropertyTableBase &propertyTable() const override;
     QSize sizeHint() const override;
@@ -390,71 +392,14 @@ protected:
 
 private:
     friend class FileViewPropertyTable;
+    friend class Kelocontrols::FileViewFill;
+    friend class Kelocontrols::FileViewRefresh;
+    class Private;
 
     void forwardStockEvents();
-    void fill();
     void fillAfterShow();
-    bool raiseCancellable(void (KelofileView::*signal)(int &));
-    void clearItems();
-    void listFolder();
-    void listMyComputer();
-    void listMyFolders();
-    void finishFill();
-    void refreshInPlace();
-    bool updateItem(
-        const Kelocontrols::FileEntry &entry, const QString &folder, bool folderItem, QHash<QString, int> &rowsByName);
-    bool sameFileRow(int row, const Kelocontrols::FileItemSource::Row &fresh) const;
     void refreshTick();
     void applyRefreshTimer();
-    int addFileItem(const Kelocontrols::FileEntry &entry, const QString &folder);
-    int addFolderItem(const Kelocontrols::FileEntry &entry, const QString &folder, bool driveRoot);
-    int addDriveItem(const Kelocontrols::DriveInfo &drive);
-    void addUnavailableItem(const QString &path);
-    bool passesAttributeRules(const Kelocontrols::FileEntry &entry) const;
-    int appendItem(const QString &text, const QString &key, const QString &path, bool folder, bool hidden, int token,
-        const QString &imageTag = QString());
-    void addToTotalSize(qint64 bytes);
-    bool matchesFilter(const QString &name) const;
-    void showMessage(const QString &text);
-    void placeMessage();
-    bool currentItemValid() const;
-    int currentRow() const { return m_itemIndex - 1; }
-    Kelocontrols::ImageList *currentImageList() const;
 
-    Kelocontrols::ListView *m_list;
-    Kelocontrols::ImageList *m_image32;
-    Kelocontrols::ImageList *m_image16;
-    QLineEdit *m_message;
-    Kelocontrols::PictureBox *m_tempPic;
-    QTimer *m_refreshTimer;
-    std::unique_ptr<Kelocontrols::FileItemSource> m_rows;
-    std::unique_ptr<Kelocontrols::FileViewImages> m_images;
-
-    QString m_path;
-    QString m_pathRoot;
-    bool m_limitToRoot = true;
-    bool m_showFolders = true;
-    bool m_showFolderDetails = false;
-    QString m_filter;
-    qint32 m_totalSize = 0;
-    bool m_allowHiddenFiles = false;
-    bool m_allowSystemFiles = false;
-    bool m_allowLabelEdit = true;
-    int m_oleDragMode = 1;
-    int m_oleDropMode = 2;
-    QStringList m_myFolders;
-
-    int m_itemIndex = 0;
-    int m_imageIndex = 0;
-    bool m_imageSmall = false;
-    // The values the item and image members were last given (and load and save).
-    QString m_itemName;
-    QString m_itemDisplayName;
-    QString m_itemIcon;
-    QString m_itemSmallIcon;
-    QString m_itemTag;
-    int m_itemSelected = 0;
-    bool m_itemBold = false;
-    QString m_imageKey;
-    QString m_imageTag;
+    std::unique_ptr<Private> const d;
 };

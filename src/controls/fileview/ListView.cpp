@@ -1,7 +1,7 @@
 #include "ListView.h"
 
+#include "FileListModel.h"
 #include "IconView.h"
-#include "ListViewModel.h"
 #include "MousePointer.h"
 #include "ReportView.h"
 #include "RuntimeError.h"
@@ -26,7 +26,7 @@ void requireOneOf(int value, int first, int last)
 
 ListView::ListView(QWidget *parent)
     : QFrame(parent)
-    , m_model(new ListViewModel(this))
+    , m_model(new FileListModel(this))
     , m_selection(new QItemSelectionModel(m_model, this))
     , m_report(new ReportView(this))
     , m_icons(new IconView(this))
@@ -42,6 +42,9 @@ ListView::ListView(QWidget *parent)
     m_stack->addWidget(m_report);
     m_stack->addWidget(m_icons);
     setFocusProxy(m_report);
+    for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+        m_widths << FileListModel::columnSpec(c).width;
+    }
 
     for (QAbstractItemView *view : views()) {
         view->setFrameShape(QFrame::NoFrame);
@@ -53,8 +56,8 @@ ListView::ListView(QWidget *parent)
     }
     connect(m_report->header(), &QHeaderView::sectionClicked, this, &ListView::columnClicked);
     connect(m_report->header(), &QHeaderView::sectionResized, this, [this](int column, int, int pixels) {
-        if (!m_applyingWidths && pixels > 0 && column < m_model->columns().size()) {
-            m_model->setColumnWidth(column, pixelsToHimetric(pixels));
+        if (!m_applyingWidths && pixels > 0 && column < m_widths.size()) {
+            m_widths[column] = pixelsToHimetric(pixels);
         }
     });
 
@@ -103,24 +106,18 @@ void ListView::setImageLists(ImageList *large, ImageList *small)
     m_model->setImageLists(large, small);
 }
 
-void ListView::setColumns(const QList<ColumnHeader> &columns)
-{
-    m_model->setColumns(columns);
-    applyColumnWidths();
-}
-
 void ListView::setColumnWidth(int column, int himetric)
 {
-    if (column < 0 || column >= m_model->columns().size()) {
+    if (column < 0 || column >= m_widths.size()) {
         throw RuntimeError(ErrorNumber::InvalidPropertyValue);
     }
-    m_model->setColumnWidth(column, std::max(0, himetric));
+    m_widths[column] = std::max(0, himetric);
     applyColumnWidths();
 }
 
 int ListView::columnWidth(int column) const
 {
-    return column >= 0 && column < m_model->columns().size() ? m_model->columns().at(column).width : 0;
+    return m_widths.value(column);
 }
 
 int ListView::pixelsToHimetric(int pixels) const
@@ -140,9 +137,8 @@ void ListView::applyColumnWidths()
         return;
     }
     m_applyingWidths = true;
-    const QList<ColumnHeader> columns = m_model->columns();
-    for (int c = 0; c < columns.size(); ++c) {
-        const int width = columns[c].width;
+    for (int c = 0; c < m_widths.size(); ++c) {
+        const int width = m_widths[c];
         m_report->setColumnHidden(c, width <= 0);
         if (width > 0) {
             m_report->setColumnWidth(c, himetricToPixels(width));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ListBackground.h"
-#include "ListItem.h"
 #include "OleColor.h"
 
 #include <QFrame>
@@ -15,14 +14,14 @@ namespace Kelocontrols {
 
 class IconView;
 class ImageList;
-class ListViewModel;
+class FileListModel;
 class ReportView;
 
 /**
  * A list of items with icons and columns in four views, the way explorer
  * windows show files: large icons, small icons, list, and details (report).
  *
- * The items and columns live in one ListViewModel. The details view is a
+ * The rows and columns live in one FileListModel. The details view is a
  * ReportView (QTreeView), the three other views share an IconView
  * (QListView) set up for the mode; only the visible one is attached to the
  * model, so a hidden view never lays out a large list. The selection is one
@@ -62,7 +61,7 @@ public:
     explicit ListView(QWidget *parent = nullptr);
     ~ListView() override;
 
-    ListViewModel *model() const { return m_model; }
+    FileListModel *model() const { return m_model; }
     /// The view now shown (the ReportView in Report mode, else the IconView).
     QAbstractItemView *currentView() const;
     ReportView *reportView() const { return m_report; }
@@ -74,8 +73,6 @@ public:
     /// The image lists item keys refer to: large for Icon mode, small for the others and the headers.
     void setImageLists(ImageList *large, ImageList *small);
 
-    /// Sets the columns; widths are in HIMETRIC units, 0 hides a column.
-    void setColumns(const QList<ColumnHeader> &columns);
     /// Sets the width of @p column (0-based) in HIMETRIC units; 0 hides it.
     void setColumnWidth(int column, int himetric);
     /// The width of @p column in HIMETRIC units as the user or the program left it.
@@ -156,7 +153,8 @@ private:
     void applyFont();
     void selectOnHover(const QModelIndex &index);
 
-    ListViewModel *m_model;
+    FileListModel *m_model;
+    QList<int> m_widths; ///< per column, HIMETRIC; starts at the designed widths
     QItemSelectionModel *m_selection;
     ReportView *m_report;
     IconView *m_icons;

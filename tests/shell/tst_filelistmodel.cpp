@@ -1,0 +1,302 @@
+#include "KeloTestSupport.h"
+
+#include <Kelocontrols/Conversions.h>
+#include <Kelocontrols/FileListFilter.h>
+#include <Kelocontrols/FileListModel.h>
+#include <Kelocontrols/FileSystem.h>
+#include <Kelocontrols/FileTypes.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Kelocontrols;
+using Column = FileListModel::Column;
+
+namespace {
+
+FileEntry fileEntry(const QString &name, qint64 size, qint64 modified, qint64 created)
+{
+    FileEntry e;
+    e.name = name;
+    e.size = size;
+    e.modified = modified;
+    e.created = created;
+    e.attributes = FileAttribute::Archive;
+    return e;
+}
+
+void touch(const QString &path)
+{
+    QVERIFY(KeloTest::writeFile(path, 0));
+}
+
+} // namespace
+
+class TestFileListModel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sizeTexts_data();
+    void sizeTexts();
+    void textsAndRawValuesOfEachKind();
+    void batchPublishesOnceAndKeepsRowsReadable();
+    void layoutGenerationMovesOnRemovalAndRename();
+    void takeFactsComparesAsTheTextsDo_data();
+    void takeFactsComparesAsTheTextsDo();
+    void folderCountIsAFactOfItsStamp();
+    void filterRules_data();
+    void filterRules();
+};
+
+void TestFileListModel::sizeTexts_data()
+{
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QString>("sorted");
+    QTest::newRow("empty") << qint64(0) << "0KB"
+                           << "000000000000";
+    QTest::newRow("one byte") << qint64(1) << "1KB"
+                              << "000000000001";
+    QTest::newRow("1024") << qint64(1024) << "1KB"
+                          << "000000001024";
+    QTest::newRow("1025") << qint64(1025) << "2KB"
+                          << "000000001025";
+    // Beyond the 32-bit kilobyte count: the true figure, all digits shown.
+    QTest::newRow("5 TB") << qint64(5) * 1024 * 1024 * 1024 * 1024 << "5368709120KB"
+                          << "5497558138880";
+}
+
+void TestFileListModel::sizeTexts()
+{
+    QFETCH(qint64, bytes);
+    QFETCH(QString, size);
+    QFETCH(QString, sorted);
+    const FileListRow row = FileListRow::file(fileEntry(QStringLiteral("a.bin"), bytes, 0, 0), QStringLiteral("/d"));
+    QCOMPARE(row.columnText(Column::Size), size);
+    QCOMPARE(row.columnText(Column::SortedSize), sorted);
+    QCOMPARE(row.rawValue(Column::Size).toLongLong(), bytes);
+    QVERIFY(!FileListRow::differInSeconds(10000, 10999));
+    QVERIFY(FileListRow::differInSeconds(10999, 11000));
+    QVERIFY(FileListRow::differInSeconds(-1, 0)); // before the epoch rounds down
+    QVERIFY(!FileListRow::differInSeconds(-1000, -1));
+}
+
+void TestFileListModel::textsAndRawValuesOfEachKind()
+{
+    const qint64 created = QDateTime(QDate(2023, 5, 6), QTime(7, 8, 9)).toMSecsSinceEpoch();
+    const qint64 modified = created + 61 * 1000;
+    FileListModel model;
+    model.append(FileListRow::file(fileEntry(QStringLiteral("Notes.TXT"), 5, modified, created), QStringLiteral("/d")));
+    FileEntry folder = fileEntry(QStringLiteral("Sub"), 0, modified, modified);
+    folder.attributes = FileAttribute::Directory;
+    model.append(FileListRow::folderOf(folder, QStringLiteral("/missing-parent"), false));
+    DriveInfo drive;
+    drive.rootPath = QStringLiteral("/media/stick");
+    drive.driveType = DriveType::Removable;
+    drive.isReady = true;
+    model.append(FileListRow::drive(drive));
+    model.append(FileListRow::unavailable(QStringLiteral("/gone")));
+
+    const QStringList file = {"Notes.TXT", "1KB", FileTypes::instance().fileTypeText(QStringLiteral("Notes.TXT")),
+        formatGeneralDate(QDateTime::fromMSecsSinceEpoch(modified)),
+        formatGeneralDate(QDateTime::fromMSecsSinceEpoch(created)), "Yes", "/d", "000000000005", "2023-05-06 07:09:10",
+        "2023-05-06 07:08:09", "Notes.TXT", "", "Notes.TXT"};
+    const QStringList sub = {"Sub", "", FileTypes::instance().folderTypeText(), "", "", "", "/missing-parent",
+        "000000000000", "2023-05-06 07:09:10", "2023-05-06 07:09:10", "Sub", "", " Sub"};
+    const QString driveType = model.text(2, Column::Type);
+    const QStringList driveTexts
+        = {"/media/stick", "", driveType, "", "", "", "", "", "", "", "/media/stick", "", "/media/stick"};
+    const QStringList gone = {"/gone (Unavailable)", "", "", "", "", "", "", "", "", "", "", "", " /gone"};
+    const QList<QStringList> expected = {file, sub, driveTexts, gone};
+    QCOMPARE(model.rowCount(), 4);
+    for (int r = 0; r < 4; ++r) {
+        for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+            QCOMPARE(model.data(model.index(r, c)).toString(), expected[r][c]);
+        }
+    }
+    QVERIFY(!driveType.isEmpty());
+    QCOMPARE(model.data(model.index(0, Column::Modified), FileListModel::RawValueRole).toDateTime(),
+        QDateTime::fromMSecsSinceEpoch(modified));
+    QCOMPARE(model.data(model.index(0, Column::Changed), FileListModel::RawValueRole).toBool(), true);
+    QCOMPARE(model.data(model.index(1, Column::Size), FileListModel::RawValueRole).toLongLong(), 0);
+    QCOMPARE(model.data(model.index(0, 0), FileListModel::PathRole).toString(), QStringLiteral("/d/Notes.TXT"));
+    QCOMPARE(model.data(model.index(3, 0), FileListModel::KindRole).toInt(), int(FileListKind::Unavailable));
+    QCOMPARE(model.row(0).baseImageKey(), QStringLiteral("TXT"));
+
+    // With details a folder shows its count and dates; the refresh mark shows while a pass runs.
+    model.markAllUnmet();
+    QCOMPARE(model.text(0, Column::Refresh), QStringLiteral("RemoveThis"));
+    model.setText(0, QStringLiteral("Shown"));
+    model.setRealName(0, QStringLiteral("real"));
+    QCOMPARE(model.text(0, Column::Name), QStringLiteral("Shown"));
+    QCOMPARE(model.text(0, Column::RealName), QStringLiteral("real"));
+    QCOMPARE(model.text(0, Column::SortName), QStringLiteral("Notes.TXT")); // from the name on disk
+}
+
+void TestFileListModel::batchPublishesOnceAndKeepsRowsReadable()
+{
+    FileListModel model;
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    model.append(FileListRow::unavailable(QStringLiteral("/first")));
+    QCOMPARE(inserted.count(), 1);
+    {
+        FileListModel::Batch batch(&model);
+        model.append(FileListRow::unavailable(QStringLiteral("/a")));
+        model.append(FileListRow::unavailable(QStringLiteral("/b")));
+        QCOMPARE(model.count(), 3); // stored and readable
+        QCOMPARE(model.row(2).entry.name, QStringLiteral("/b"));
+        QCOMPARE(model.rowCount(), 1); // not yet announced
+        QVERIFY(!model.data(model.index(2, 0)).isValid());
+        model.remove(2); // an unannounced row goes quietly
+    }
+    QCOMPARE(inserted.count(), 2);
+    QCOMPARE(inserted.last().at(1).toInt(), 1);
+    QCOMPARE(inserted.last().at(2).toInt(), 1);
+    {
+        FileListModel::Batch nothing(&model);
+    }
+    QCOMPARE(inserted.count(), 2); // nothing new: nothing announced
+
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    model.clear();
+    QCOMPARE(reset.count(), 0); // rows go, the columns stay
+    QCOMPARE(model.rowCount(), 0);
+    QCOMPARE(model.columnCount(), 13);
+}
+
+void TestFileListModel::layoutGenerationMovesOnRemovalAndRename()
+{
+    FileListModel model;
+    const quint64 start = model.layoutGeneration();
+    model.append(FileListRow::unavailable(QStringLiteral("/a")));
+    model.append(FileListRow::unavailable(QStringLiteral("/b")));
+    QCOMPARE(model.layoutGeneration(), start); // appending keeps every row number valid
+    model.setText(0, QStringLiteral("x"));
+    QCOMPARE(model.layoutGeneration(), start);
+    model.setRealName(0, QStringLiteral("x"));
+    const quint64 renamed = model.layoutGeneration();
+    QVERIFY(renamed != start);
+    model.remove(1);
+    QVERIFY(model.layoutGeneration() != renamed);
+    const quint64 removed = model.layoutGeneration();
+    model.clear();
+    QVERIFY(model.layoutGeneration() != removed);
+}
+
+void TestFileListModel::takeFactsComparesAsTheTextsDo_data()
+{
+    QTest::addColumn<QString>("freshName");
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<qint64>("modifiedDelta");
+    QTest::addColumn<bool>("changed");
+    QTest::addColumn<QString>("shownName");
+    QTest::newRow("same") << "a.txt" << qint64(10) << qint64(0) << false << "a.txt";
+    QTest::newRow("case of the name only") << "A.TXT" << qint64(10) << qint64(0) << false << "a.txt";
+    QTest::newRow("within the same second") << "a.txt" << qint64(10) << qint64(400) << false << "a.txt";
+    QTest::newRow("next second") << "a.txt" << qint64(10) << qint64(1000) << true << "a.txt";
+    QTest::newRow("one byte more") << "a.txt" << qint64(11) << qint64(0) << true << "a.txt";
+}
+
+void TestFileListModel::takeFactsComparesAsTheTextsDo()
+{
+    QFETCH(QString, freshName);
+    QFETCH(qint64, size);
+    QFETCH(qint64, modifiedDelta);
+    QFETCH(bool, changed);
+    QFETCH(QString, shownName);
+    const qint64 base = QDateTime(QDate(2022, 1, 1), QTime(10, 0, 0, 100)).toMSecsSinceEpoch();
+    FileListModel model;
+    model.append(FileListRow::file(fileEntry(QStringLiteral("a.txt"), 10, base, base), QStringLiteral("/d")));
+    QSignalSpy dataChanged(&model, &QAbstractItemModel::dataChanged);
+    QCOMPARE(model.updateFacts(
+                 0, FileListRow::file(fileEntry(freshName, size, base + modifiedDelta, base), QStringLiteral("/D"))),
+        changed);
+    QCOMPARE(dataChanged.count(), changed ? 1 : 0);
+    QCOMPARE(model.text(0, Column::Name), shownName);
+    QCOMPARE(model.text(0, Column::Folder), QStringLiteral("/d")); // differs in case only: kept
+    QCOMPARE(model.row(0).entry.size, size); // the raw facts are taken either way
+}
+
+void TestFileListModel::folderCountIsAFactOfItsStamp()
+{
+    QTemporaryDir dir;
+    QDir(dir.path()).mkpath(QStringLiteral("sub"));
+    touch(dir.filePath(QStringLiteral("sub/one")));
+    touch(dir.filePath(QStringLiteral("sub/two")));
+    const FolderContents contents = FileSystem::instance().listFolder(dir.path());
+    QCOMPARE(contents.folders.size(), 1);
+    FileEntry sub = contents.folders.first();
+    QVERIFY(sub.statusChanged > 0);
+
+    // A count taken long after the folder's last change is valid while the stamp stays.
+    sub.statusChanged -= 60 * 1000;
+    const FileListRow first = FileListRow::folderOf(sub, contents.path, true);
+    QCOMPARE(first.fileCount, 2);
+    QCOMPARE(first.columnText(Column::Size), QStringLiteral("2"));
+    touch(dir.filePath(QStringLiteral("sub/three")));
+    QVERIFY(first.holdsFacts(sub, contents.path, FileListKind::Folder, true));
+    QCOMPARE(FileListRow::folderOf(sub, contents.path, true, &first).fileCount, 2); // not read again
+
+    // The folder's stamp moved: counted again.
+    FileEntry moved = sub;
+    moved.statusChanged += 1;
+    QVERIFY(!first.holdsFacts(moved, contents.path, FileListKind::Folder, true));
+    QCOMPARE(FileListRow::folderOf(moved, contents.path, true, &first).fileCount, 3);
+
+    // A count taken within the racy window of the stamp is checked again even with the same stamp.
+    FileEntry recent = sub;
+    recent.statusChanged = QDateTime::currentMSecsSinceEpoch();
+    const FileListRow racy = FileListRow::folderOf(recent, contents.path, true);
+    QVERIFY(!racy.holdsFacts(recent, contents.path, FileListKind::Folder, true));
+    // No stamp from the file system: never trusted.
+    FileEntry unstamped = sub;
+    unstamped.statusChanged = 0;
+    const FileListRow noStamp = FileListRow::folderOf(unstamped, contents.path, true);
+    QVERIFY(!noStamp.holdsFacts(unstamped, contents.path, FileListKind::Folder, true));
+}
+
+void TestFileListModel::filterRules_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("empty lets all through") << ""
+                                            << "x.bin" << true;
+    QTest::newRow("star, any case") << "*.txt"
+                                    << "B.TXT" << true;
+    QTest::newRow("star, other ext") << "*.txt"
+                                     << "b.csv" << false;
+    QTest::newRow("list") << "[ab].*"
+                          << "a.log" << true;
+    QTest::newRow("digit") << "#.txt"
+                           << "x.txt" << false;
+}
+
+void TestFileListModel::filterRules()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, name);
+    QFETCH(bool, matches);
+    FileListFilter rules;
+    rules.pattern = pattern;
+    QCOMPARE(rules.matches(name), matches);
+
+    FileEntry hidden;
+    hidden.attributes = FileAttribute::Hidden;
+    FileEntry system;
+    system.attributes = FileAttribute::System;
+    QVERIFY(!rules.passesAttributes(hidden) && !rules.passesAttributes(system));
+    rules.allowHidden = rules.allowSystem = true;
+    QVERIFY(rules.passesAttributes(hidden) && rules.passesAttributes(system));
+    QVERIFY(FileListFilter::isMyComputer(QStringLiteral("mY cOMPUTER")));
+    QVERIFY(FileListFilter::isMyFolders(QStringLiteral("MY FOLDERS")));
+    QVERIFY(!FileListFilter::isMyFolders(QStringLiteral("My Folders/x")));
+}
+
+QTEST_MAIN(TestFileListModel)
+#include "tst_filelistmodel.moc"
