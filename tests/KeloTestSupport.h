@@ -2,18 +2,19 @@
 
 #include <Kelocontrols/RuntimeError.h>
 
-#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaClassInfo>
 #include <QMetaObject>
-#include <QString>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <initializer_list>
 #include <utility>
 
 namespace KeloTest {
@@ -66,6 +67,60 @@ inline bool writeTextFile(const QString &path, const QString &text)
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) >= 0;
+}
+
+/// Writes the properties of `object` late-bound, in the order given; false when one is refused.
+inline bool setProperties(QObject *object, std::initializer_list<std::pair<const char *, QVariant>> values)
+{
+    bool all = true;
+    for (const auto &[name, value] : values) {
+        all = object->setProperty(name, value) && all;
+    }
+    return all;
+}
+
+/// The named properties of `object` as "Name=text" (enumerations as numbers), in the order given, for one comparison of
+/// many values.
+inline QStringList propertyTexts(const QObject *object, const QStringList &names)
+{
+    QStringList texts;
+    for (const QString &name : names) {
+        const QVariant value = object->property(name.toLatin1().constData());
+        // Enumerations as numbers, as a late-bound caller reads them.
+        const bool enumeration = value.metaType().flags().testFlag(QMetaType::IsEnumeration);
+        texts << name + QLatin1Char('=') + (enumeration ? QString::number(value.toLongLong()) : value.toString());
+    }
+    return texts;
+}
+
+/// The first argument of every signal `spy` recorded, as text (the names a PropertyChanged spy saw).
+inline QStringList firstArguments(const QSignalSpy &spy)
+{
+    QStringList texts;
+    for (const QList<QVariant> &arguments : spy) {
+        texts << arguments.value(0).toString();
+    }
+    return texts;
+}
+
+/// Points XDG_CONFIG_HOME at a fresh temporary folder for its lifetime, then puts the old value back.
+class ScopedConfigHome
+{
+public:
+    ScopedConfigHome()
+        : m_saved(qgetenv("XDG_CONFIG_HOME"))
+    {
+        qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
+    }
+    ~ScopedConfigHome() { qputenv("XDG_CONFIG_HOME", m_saved); }
+    QString path() const { return m_dir.path(); }
+    bool isValid() const { return m_dir.isValid(); }
+
+private:
+    QTemporaryDir m_dir;
+    QByteArray m_saved;
+};
+
 /// Writes a file of @p bytes bytes ("x" repeated); false when it cannot be written.
 inline bool writeFile(const QString &path, qint64 bytes)
 {

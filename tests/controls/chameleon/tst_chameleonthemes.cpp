@@ -13,22 +13,22 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
-#include <QMetaClassInfo>
 #include <QMetaProperty>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <cstring>
 #include <memory>
+#include <optional>
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
 
 namespace {
+
+const QString App = QStringLiteral("Kelochameleon1");
 
 const QStringList ThemeKeysInWriteOrder{"ThemeExists", "BackgroundPicture", "BackgroundPictureStyle", "FontStyle",
     "Interval", "BackgroundStyle", "WandStyle", "NewBackColor", "Enabled", "ColorMinimum", "ColorMaximum",
@@ -54,20 +54,22 @@ QVariantMap snapshot(const QObject &object)
     return values;
 }
 
+// A chameleon named `name` (on `form` when given) using `theme`.
+Kelochameleon *chameleonFor(const QString &theme, QWidget *form = nullptr, const QString &name = App)
+{
+    auto *chameleon = new Kelochameleon(form);
+    chameleon->setObjectName(name);
+    chameleon->setThemeName(theme);
+    return chameleon;
+}
+
 // A chameleon configured away from every default.
 void configure(Kelochameleon &chameleon)
 {
-    chameleon.setColorMaximum(200);
-    chameleon.setColorMinimum(20);
-    chameleon.setColorStepRate(7);
-    chameleon.setInterval(1500);
-    chameleon.setBackgroundStyle(keloBackgroundStyle::VariedColor);
-    chameleon.setWandStyle(keloWandStyle::Atom);
-    chameleon.setNewBackColor(0x8000000Fu);
-    chameleon.setEnabled(false);
-    chameleon.setFontStyle(keloFontStyle::ChangeFont);
-    chameleon.setBackgroundPicture(QStringLiteral("/pics/sea side, blue.png"));
-    chameleon.setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    KeloTest::setProperties(&chameleon,
+        {{"ColorMaximum", 200}, {"ColorMinimum", 20}, {"ColorStepRate", 7}, {"Interval", 1500}, {"BackgroundStyle", 3},
+            {"WandStyle", 3}, {"NewBackColor", 0x8000000Fu}, {"Enabled", false}, {"FontStyle", 1},
+            {"BackgroundPicture", QStringLiteral("/pics/sea side, blue.png")}, {"BackgroundPictureStyle", 8}});
 }
 
 // The second process: saves a theme, or reads one and prints its interval.
@@ -79,18 +81,17 @@ int runHelper(int argc, char **argv)
     if (argc < 5) {
         return 2;
     }
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QString::fromLocal8Bit(argv[3]));
-    chameleon.setThemeName(QString::fromLocal8Bit(argv[4]));
+    std::unique_ptr<Kelochameleon> chameleon(
+        chameleonFor(QString::fromLocal8Bit(argv[4]), nullptr, QString::fromLocal8Bit(argv[3])));
     if (std::strcmp(argv[2], "save") == 0 && argc >= 6) {
-        chameleon.setInterval(QString::fromLocal8Bit(argv[5]).toInt());
-        chameleon.setBackgroundStyle(keloBackgroundStyle::FixedColor);
-        chameleon.SaveTheme();
+        chameleon->setInterval(QString::fromLocal8Bit(argv[5]).toInt());
+        chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+        chameleon->SaveTheme();
         return 0;
     }
     if (std::strcmp(argv[2], "get") == 0) {
-        const bool found = chameleon.GetTheme();
-        std::printf("%d\n", chameleon.Interval());
+        const bool found = chameleon->GetTheme();
+        std::printf("%d\n", chameleon->Interval());
         return found ? 0 : 1;
     }
     return 2;
@@ -105,7 +106,6 @@ class TestChameleonThemes : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void membersAreLateBound();
     void saveWritesEveryKeyAsTextAndGetReadsItBack();
     void emptyThemeNameBecomesDefaultTheme();
     void missingThemeRaisesThemeMissingOnce();
@@ -120,23 +120,30 @@ private Q_SLOTS:
     void storeErrorsReachTheCaller();
 
 private:
-    QString iniPath(const QString &appName) const
+    QString iniPath(const QString &appName = App) const
     {
         return m_config->path() + QStringLiteral("/Kelocontrols/") + appName + QStringLiteral(".ini");
     }
+    // The store's accesses for `keys` of one theme, as the access hook records them.
+    static QStringList accesses(const char *kind, const QString &theme, const QStringList &keys)
+    {
+        QStringList expected;
+        for (const QString &key : keys) {
+            expected << QString::fromLatin1(kind) + QLatin1Char(' ') + App + QLatin1Char('/') + theme + QLatin1Char('/')
+                    + key;
+        }
+        return expected;
+    }
 
-    std::unique_ptr<QTemporaryDir> m_config;
-    QByteArray m_savedXdg;
+    std::unique_ptr<KeloTest::ScopedConfigHome> m_config;
     QStringList m_accesses;
 };
 
 void TestChameleonThemes::init()
 {
     resetRandomGenerator();
-    m_savedXdg = qgetenv("XDG_CONFIG_HOME");
-    m_config = std::make_unique<QTemporaryDir>();
+    m_config = std::make_unique<KeloTest::ScopedConfigHome>();
     QVERIFY(m_config->isValid());
-    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
     m_accesses.clear();
     setSettingsAccessHook(
         [this](SettingsAccess access, const QString &app, const QString &section, const QString &key) {
@@ -148,78 +155,46 @@ void TestChameleonThemes::init()
 void TestChameleonThemes::cleanup()
 {
     setSettingsAccessHook({});
-    qputenv("XDG_CONFIG_HOME", m_savedXdg);
+    m_config.reset();
     WandPool::shared().reset();
-}
-
-// A host calls both late-bound.
-void TestChameleonThemes::membersAreLateBound()
-{
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QStringLiteral("Late"));
-    QVariant saved = QStringLiteral("not empty");
-    QVERIFY(QMetaObject::invokeMethod(&chameleon, "SaveTheme", Q_RETURN_ARG(QVariant, saved)));
-    QVERIFY(!saved.isValid());
-    bool found = false;
-    QVERIFY(QMetaObject::invokeMethod(&chameleon, "GetTheme", Q_RETURN_ARG(bool, found)));
-    QVERIFY(found);
 }
 
 void TestChameleonThemes::saveWritesEveryKeyAsTextAndGetReadsItBack()
 {
     QWidget form;
-    auto *chameleon = new Kelochameleon(&form);
-    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
+    Kelochameleon *chameleon = chameleonFor(QStringLiteral("Sea Side"), &form);
     configure(*chameleon);
-    chameleon->setThemeName(QStringLiteral("Sea Side"));
     const QVariantMap before = snapshot(*chameleon);
     QSignalSpy changes(chameleon, &Kelochameleon::PropertyChanged);
 
-    QVERIFY(!chameleon->SaveTheme().isValid());
-
-    QStringList expected;
-    for (const QString &key : ThemeKeysInWriteOrder) {
-        expected << QStringLiteral("W Kelochameleon1/Sea Side/") + key;
-    }
-    QCOMPARE(m_accesses, expected);
-    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))),
-        QStringLiteral("[Sea%20Side]\n"
-                       "BackgroundPicture=\"/pics/sea side, blue.png\"\n"
-                       "BackgroundPictureStyle=8\n"
-                       "BackgroundStyle=3\n"
-                       "ColorMaximum=200\n"
-                       "ColorMinimum=20\n"
-                       "ColorStepRate=7\n"
-                       "Enabled=False\n"
-                       "FontStyle=1\n"
-                       "Interval=1500\n"
-                       "NewBackColor=-2147483633\n"
-                       "ThemeExists=True\n"
-                       "WandStyle=3\n"));
+    // Late-bound as a host calls it: SaveTheme returns an empty value.
+    QVariant saved = QStringLiteral("not empty");
+    QVERIFY(QMetaObject::invokeMethod(chameleon, "SaveTheme", Q_RETURN_ARG(QVariant, saved)));
+    QVERIFY(!saved.isValid());
+    QCOMPARE(m_accesses, accesses("W", QStringLiteral("Sea Side"), ThemeKeysInWriteOrder));
+    QCOMPARE(KeloTest::readTextFile(iniPath()),
+        QStringLiteral("[Sea%20Side]\nBackgroundPicture=\"/pics/sea side, blue.png\"\nBackgroundPictureStyle=8\n"
+                       "BackgroundStyle=3\nColorMaximum=200\nColorMinimum=20\nColorStepRate=7\nEnabled=False\n"
+                       "FontStyle=1\nInterval=1500\nNewBackColor=-2147483633\nThemeExists=True\nWandStyle=3\n"));
     QCOMPARE(changes.count(), 0);
     QCOMPARE(snapshot(*chameleon), before);
-    QCOMPARE(chameleon->settingsApplicationName(), QStringLiteral("Kelochameleon1"));
-    // Nothing is applied: the form keeps its own look.
-    QVERIFY(!form.autoFillBackground());
+    QCOMPARE(chameleon->settingsApplicationName(), App);
+    QVERIFY(!form.autoFillBackground()); // nothing is applied
 
-    // Read back by another chameleon of the same name, in the read order,
-    // without PropertyChanged and without applying anything.
+    // Read back late-bound by another chameleon of the same name, found without
+    // regard to case, in the read order, without PropertyChanged and without
+    // applying anything.
     m_accesses.clear();
     QWidget other;
-    auto *target = new Kelochameleon(&other);
-    target->setObjectName(QStringLiteral("Kelochameleon1"));
-    target->setThemeName(QStringLiteral("sea side")); // found without regard to case
+    Kelochameleon *target = chameleonFor(QStringLiteral("sea side"), &other);
     target->setThemeIsUsed(true);
     QSignalSpy targetChanges(target, &Kelochameleon::PropertyChanged);
     QSignalSpy missing(target, &Kelochameleon::ThemeMissing);
-    QVERIFY(target->GetTheme());
-    QCOMPARE(targetChanges.count(), 0);
-    QCOMPARE(missing.count(), 0);
-    expected.clear();
-    for (const QString &key : ThemeKeysInReadOrder) {
-        expected << QStringLiteral("R Kelochameleon1/sea side/") + key;
-    }
-    QCOMPARE(m_accesses, expected);
+    bool found = false;
+    QVERIFY(QMetaObject::invokeMethod(target, "GetTheme", Q_RETURN_ARG(bool, found)));
+    QVERIFY(found);
+    QCOMPARE(targetChanges.count() + missing.count(), 0);
+    QCOMPARE(m_accesses, accesses("R", QStringLiteral("sea side"), ThemeKeysInReadOrder));
     // Every theme value as saved; the name, the flag and the font are not part of a theme.
     QVariantMap read = before;
     read.insert(QStringLiteral("ThemeName"), QStringLiteral("sea side"));
@@ -229,106 +204,82 @@ void TestChameleonThemes::saveWritesEveryKeyAsTextAndGetReadsItBack()
     QVERIFY(!target->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
 
     // The defaults as texts; saving again replaces the values in place.
-    Kelochameleon fresh;
-    fresh.setObjectName(QStringLiteral("Kelochameleon1"));
-    fresh.setThemeName(QStringLiteral("Sea Side"));
-    fresh.SaveTheme();
-    const QString text = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
-    QVERIFY2(text.contains(QStringLiteral("\nEnabled=True\n")), qPrintable(text));
-    QVERIFY(text.contains(QStringLiteral("\nNewBackColor=0\n")));
-    QVERIFY(text.contains(QStringLiteral("\nBackgroundPicture=\n")));
-    QVERIFY(text.contains(QStringLiteral("\nInterval=1000\n")));
+    std::unique_ptr<Kelochameleon>(chameleonFor(QStringLiteral("Sea Side")))->SaveTheme();
+    const QString text = KeloTest::readTextFile(iniPath());
+    for (const char *line : {"\nEnabled=True\n", "\nNewBackColor=0\n", "\nBackgroundPicture=\n", "\nInterval=1000\n"}) {
+        QVERIFY2(text.contains(QLatin1String(line)), line);
+    }
     QCOMPARE(text.count(QStringLiteral("Interval=")), 1);
 }
 
 void TestChameleonThemes::emptyThemeNameBecomesDefaultTheme()
 {
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
-    chameleon.setInterval(700);
-    chameleon.setThemeName(QString());
-    QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
-    chameleon.SaveTheme();
-    QCOMPARE(chameleon.ThemeName(), QStringLiteral("DefaultTheme"));
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.at(0).at(0).toString(), QStringLiteral("ThemeName"));
-    QVERIFY(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")))
-                .startsWith(QStringLiteral("[DefaultTheme]\n")));
+    std::unique_ptr<Kelochameleon> chameleon(chameleonFor(QString()));
+    chameleon->setInterval(700);
+    QSignalSpy changes(chameleon.get(), &Kelochameleon::PropertyChanged);
+    chameleon->SaveTheme();
+    QCOMPARE(chameleon->ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(KeloTest::firstArguments(changes), QStringList{"ThemeName"});
+    QVERIFY(KeloTest::readTextFile(iniPath()).startsWith(QStringLiteral("[DefaultTheme]\n")));
 
-    Kelochameleon reader;
-    reader.setObjectName(QStringLiteral("Kelochameleon1"));
-    reader.setThemeName(QString());
-    changes.clear();
-    QSignalSpy readerChanges(&reader, &Kelochameleon::PropertyChanged);
+    std::unique_ptr<Kelochameleon> reader(chameleonFor(QString()));
+    QSignalSpy readerChanges(reader.get(), &Kelochameleon::PropertyChanged);
     m_accesses.clear();
-    QVERIFY(reader.GetTheme());
-    QCOMPARE(reader.ThemeName(), QStringLiteral("DefaultTheme"));
-    QCOMPARE(reader.Interval(), 700);
-    QCOMPARE(readerChanges.count(), 1);
+    QVERIFY(reader->GetTheme());
+    QCOMPARE(reader->ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(reader->Interval(), 700);
+    QCOMPARE(KeloTest::firstArguments(readerChanges), QStringList{"ThemeName"});
     QCOMPARE(m_accesses.first(), QStringLiteral("R Kelochameleon1/DefaultTheme/ThemeExists"));
 
     // Missing as well: the name still changes.
-    Kelochameleon stranger;
-    stranger.setObjectName(QStringLiteral("Stranger"));
-    stranger.setThemeName(QString());
-    QVERIFY(!stranger.GetTheme());
-    QCOMPARE(stranger.ThemeName(), QStringLiteral("DefaultTheme"));
+    std::unique_ptr<Kelochameleon> stranger(chameleonFor(QString(), nullptr, QStringLiteral("Stranger")));
+    QVERIFY(!stranger->GetTheme());
+    QCOMPARE(stranger->ThemeName(), QStringLiteral("DefaultTheme"));
 }
 
 void TestChameleonThemes::missingThemeRaisesThemeMissingOnce()
 {
     // A file with other themes, and one section whose ThemeExists is not true.
-    QVERIFY(KeloTest::writeTextFile(iniPath(QStringLiteral("Kelochameleon1")),
+    QVERIFY(KeloTest::writeTextFile(iniPath(),
         QStringLiteral("[Other]\nThemeExists=True\nInterval=300\n\n[Half]\nInterval=300\n\n"
                        "[Withdrawn]\nThemeExists=False\nInterval=300\n")));
-    const QString fileBefore = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
+    const QString fileBefore = KeloTest::readTextFile(iniPath());
     for (const QString &theme : {QStringLiteral("Nowhere"), QStringLiteral("Half"), QStringLiteral("Withdrawn")}) {
-        Kelochameleon chameleon;
-        chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
-        configure(chameleon);
-        chameleon.setThemeName(theme);
-        const QVariantMap before = snapshot(chameleon);
-        QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
-        QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
+        std::unique_ptr<Kelochameleon> chameleon(chameleonFor(theme));
+        configure(*chameleon);
+        const QVariantMap before = snapshot(*chameleon);
+        QSignalSpy missing(chameleon.get(), &Kelochameleon::ThemeMissing);
+        QSignalSpy changes(chameleon.get(), &Kelochameleon::PropertyChanged);
         m_accesses.clear();
-        QVERIFY(!chameleon.GetTheme());
+        QVERIFY(!chameleon->GetTheme());
         QCOMPARE(missing.count(), 1);
         QCOMPARE(changes.count(), 0);
-        QCOMPARE(snapshot(chameleon), before);
-        QCOMPARE(m_accesses, QStringList{QStringLiteral("R Kelochameleon1/") + theme + QStringLiteral("/ThemeExists")});
+        QCOMPARE(snapshot(*chameleon), before);
+        QCOMPARE(m_accesses, accesses("R", theme, {QStringLiteral("ThemeExists")}));
     }
-    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+    QCOMPARE(KeloTest::readTextFile(iniPath()), fileBefore);
 }
 
 void TestChameleonThemes::handEditedBoundsStayUnclamped()
 {
-    QVERIFY(KeloTest::writeTextFile(iniPath(QStringLiteral("Kelochameleon1")),
+    QVERIFY(KeloTest::writeTextFile(iniPath(),
         QStringLiteral("[Hand]\nThemeExists=True\nColorMinimum=200\nColorMaximum=100\nColorStepRate=300\n"
                        "Interval=-5\nBackgroundStyle=9\n")));
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
-    configure(chameleon);
-    chameleon.setThemeName(QStringLiteral("Hand"));
-    QVERIFY(chameleon.GetTheme());
-    QCOMPARE(chameleon.ColorMinimum(), 200);
-    QCOMPARE(chameleon.ColorMaximum(), 100);
-    QCOMPARE(chameleon.ColorStepRate(), 300);
-    QCOMPARE(chameleon.Interval(), -5);
-    QCOMPARE(int(chameleon.BackgroundStyle()), 9);
+    std::unique_ptr<Kelochameleon> chameleon(chameleonFor(QStringLiteral("Hand")));
+    configure(*chameleon);
+    QVERIFY(chameleon->GetTheme());
     // Keys left out take the defaults, not the values the control had.
-    QCOMPARE(chameleon.NewBackColor(), 0u);
-    QVERIFY(chameleon.Enabled());
-    QCOMPARE(chameleon.WandStyle(), keloWandStyle::None);
-    QCOMPARE(chameleon.FontStyle(), keloFontStyle::None);
-    QCOMPARE(chameleon.BackgroundPicture(), QString());
-    QCOMPARE(chameleon.BackgroundPictureStyle(), keloPictureStyle::None);
+    QCOMPARE(KeloTest::propertyTexts(chameleon.get(),
+                 {"ColorMinimum", "ColorMaximum", "ColorStepRate", "Interval", "BackgroundStyle", "NewBackColor",
+                     "Enabled", "WandStyle", "FontStyle", "BackgroundPicture", "BackgroundPictureStyle"}),
+        (QStringList{"ColorMinimum=200", "ColorMaximum=100", "ColorStepRate=300", "Interval=-5", "BackgroundStyle=9",
+            "NewBackColor=0", "Enabled=true", "WandStyle=0", "FontStyle=0",
+            "BackgroundPicture=", "BackgroundPictureStyle=0"}));
     // Saved again, the unclamped pair goes back as it is.
-    chameleon.setThemeName(QStringLiteral("Copy"));
-    chameleon.SaveTheme();
-    QCOMPARE(GetSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Copy"), QStringLiteral("ColorMinimum")),
-        QStringLiteral("200"));
-    QCOMPARE(GetSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Copy"), QStringLiteral("ColorMaximum")),
-        QStringLiteral("100"));
+    chameleon->setThemeName(QStringLiteral("Copy"));
+    chameleon->SaveTheme();
+    QCOMPARE(GetSetting(App, QStringLiteral("Copy"), QStringLiteral("ColorMinimum")), QStringLiteral("200"));
+    QCOMPARE(GetSetting(App, QStringLiteral("Copy"), QStringLiteral("ColorMaximum")), QStringLiteral("100"));
 }
 
 void TestChameleonThemes::badValueEndsTheReadWhereItStands_data()
@@ -353,6 +304,8 @@ void TestChameleonThemes::badValueEndsTheReadWhereItStands_data()
     row("ThemeExists", "maybe", ErrorNumber::TypeMismatch);
 }
 
+// GetTheme stores each value as it reads it: the keys before a bad one hold
+// the theme's values, the bad one and those after it keep theirs.
 void TestChameleonThemes::badValueEndsTheReadWhereItStands()
 {
     QFETCH(QString, key);
@@ -360,221 +313,168 @@ void TestChameleonThemes::badValueEndsTheReadWhereItStands()
     QFETCH(int, error);
 
     // A theme of the defaults, but for the interval and the minimum, with one bad value.
-    Kelochameleon writer;
-    writer.setObjectName(QStringLiteral("Kelochameleon1"));
-    writer.setThemeName(QStringLiteral("Bad"));
-    writer.setInterval(2500);
-    writer.setColorMinimum(40);
-    writer.SaveTheme();
-    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Bad"), key, text);
-    const QString fileBefore = KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1")));
-    const QVariantMap theme = snapshot(writer);
+    std::unique_ptr<Kelochameleon> writer(chameleonFor(QStringLiteral("Bad")));
+    writer->setInterval(2500);
+    writer->setColorMinimum(40);
+    writer->SaveTheme();
+    SaveSetting(App, QStringLiteral("Bad"), key, text);
+    const QString fileBefore = KeloTest::readTextFile(iniPath());
+    const QVariantMap theme = snapshot(*writer);
 
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
-    configure(chameleon);
-    chameleon.setThemeName(QStringLiteral("Bad"));
-    const QVariantMap before = snapshot(chameleon);
-    QSignalSpy changes(&chameleon, &Kelochameleon::PropertyChanged);
-    QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
-
-    QCOMPARE(errorNumberOf([&] { chameleon.GetTheme(); }), error);
-    // Each value is stored as it is read: the keys read before the bad one
-    // hold the theme's values, the bad one and those after it keep theirs.
-    const QVariantMap after = snapshot(chameleon);
+    std::unique_ptr<Kelochameleon> chameleon(chameleonFor(QStringLiteral("Bad")));
+    configure(*chameleon);
+    const QVariantMap before = snapshot(*chameleon);
+    QSignalSpy changes(chameleon.get(), &Kelochameleon::PropertyChanged);
+    QSignalSpy missing(chameleon.get(), &Kelochameleon::ThemeMissing);
+    QCOMPARE(errorNumberOf([&] { chameleon->GetTheme(); }), error);
+    const QVariantMap after = snapshot(*chameleon);
     const qsizetype bad = ThemeKeysInReadOrder.indexOf(key);
     for (const QString &name : ThemeKeysInReadOrder.mid(1)) {
         const bool read = ThemeKeysInReadOrder.indexOf(name) < bad;
         QVERIFY2(after.value(name) == (read ? theme : before).value(name), qPrintable(name));
     }
-    QCOMPARE(changes.count(), 0);
-    QCOMPARE(missing.count(), 0);
-    QCOMPARE(KeloTest::readTextFile(iniPath(QStringLiteral("Kelochameleon1"))), fileBefore);
+    QCOMPARE(changes.count() + missing.count(), 0);
+    QCOMPARE(KeloTest::readTextFile(iniPath()), fileBefore);
     // The same error late-bound.
-    QCOMPARE(errorNumberOf([&] { QMetaObject::invokeMethod(&chameleon, "GetTheme"); }), error);
+    QCOMPARE(errorNumberOf([&] { QMetaObject::invokeMethod(chameleon.get(), "GetTheme"); }), error);
 }
 
 void TestChameleonThemes::truthAndNumberTexts_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QVariant>("expected");
+    QTest::addColumn<QString>("expected"); // "" when the theme counts as missing
 
-    const auto row = [](const char *key, const char *text, const QVariant &expected) {
-        QTest::addRow("%s '%s'", key, text) << QString::fromLatin1(key) << QString::fromLatin1(text) << expected;
+    const auto row = [](const char *key, const char *text, const char *expected) {
+        QTest::addRow("%s '%s'", key, text)
+            << QString::fromLatin1(key) << QString::fromLatin1(text) << QString::fromLatin1(expected);
     };
     // Truth values: True / False in any case, or a number (non-zero is True).
-    row("Enabled", "True", true);
-    row("Enabled", "false", false);
-    row("Enabled", "  TRUE ", true);
-    row("Enabled", "1", true);
-    row("Enabled", "-1", true);
-    row("Enabled", "0", false);
-    row("Enabled", " 12 ", true);
-    row("Enabled", "0.0", false);
-    // An invalid expectation: the theme counts as missing.
-    row("ThemeExists", "0", QVariant());
-    row("ThemeExists", "-1", true);
-    row("ThemeExists", "false", QVariant());
+    row("Enabled", "True", "true");
+    row("Enabled", "false", "false");
+    row("Enabled", "  TRUE ", "true");
+    row("Enabled", "1", "true");
+    row("Enabled", "-1", "true");
+    row("Enabled", "0", "false");
+    row("Enabled", " 12 ", "true");
+    row("Enabled", "0.0", "false");
+    row("ThemeExists", "0", "");
+    row("ThemeExists", "-1", "true");
+    row("ThemeExists", "false", "");
     // Numbers as the classic conversions read them.
-    row("Interval", " 1500 ", 1500);
-    row("Interval", "1e3", 1000);
-    row("Interval", "12.5", 12); // half to even
-    row("NewBackColor", "2147483663", 0x8000000Fu);
-    row("NewBackColor", "-2147483633", 0x8000000Fu);
-    row("NewBackColor", "3368601", 0x00336699u);
+    row("Interval", " 1500 ", "1500");
+    row("Interval", "1e3", "1000");
+    row("Interval", "12.5", "12"); // half to even
+    row("NewBackColor", "2147483663", "2147483663"); // 0x8000000F
+    row("NewBackColor", "-2147483633", "2147483663");
+    row("NewBackColor", "3368601", "3368601"); // 0x00336699
 }
 
 void TestChameleonThemes::truthAndNumberTexts()
 {
     QFETCH(QString, key);
     QFETCH(QString, text);
-    QFETCH(QVariant, expected);
+    QFETCH(QString, expected);
 
-    Kelochameleon writer;
-    writer.setObjectName(QStringLiteral("Kelochameleon1"));
-    writer.setThemeName(QStringLiteral("Texts"));
-    writer.SaveTheme();
-    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Texts"), key, text);
-
-    Kelochameleon chameleon;
-    chameleon.setObjectName(QStringLiteral("Kelochameleon1"));
-    chameleon.setThemeName(QStringLiteral("Texts"));
-    chameleon.setInterval(4321);
-    const bool found = chameleon.GetTheme();
+    std::unique_ptr<Kelochameleon>(chameleonFor(QStringLiteral("Texts")))->SaveTheme();
+    SaveSetting(App, QStringLiteral("Texts"), key, text);
+    std::unique_ptr<Kelochameleon> chameleon(chameleonFor(QStringLiteral("Texts")));
+    chameleon->setInterval(4321);
+    const bool found = chameleon->GetTheme();
+    QCOMPARE(found, !expected.isEmpty());
     if (key == u"ThemeExists") {
-        QCOMPARE(found, expected.isValid());
-        QCOMPARE(chameleon.Interval(), found ? 1000 : 4321);
-        return;
-    }
-    QVERIFY(found);
-    if (key == u"Enabled") {
-        QCOMPARE(chameleon.Enabled(), expected.toBool());
-    } else if (key == u"Interval") {
-        QCOMPARE(chameleon.Interval(), expected.toInt());
+        QCOMPARE(chameleon->Interval(), found ? 1000 : 4321);
     } else {
-        QCOMPARE(chameleon.NewBackColor(), expected.toUInt());
+        QCOMPARE(KeloTest::propertyTexts(chameleon.get(), {key}), QStringList{key + QLatin1Char('=') + expected});
     }
 }
 
 void TestChameleonThemes::applicationNameIsTheObjectName()
 {
-    Kelochameleon unnamed;
-    QCOMPARE(unnamed.objectName(), QString());
-    unnamed.setThemeName(QStringLiteral("Plain"));
-    unnamed.setInterval(300);
-    unnamed.SaveTheme();
-    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("Kelochameleon"));
+    std::unique_ptr<Kelochameleon> unnamed(chameleonFor(QStringLiteral("Plain"), nullptr, QString()));
+    unnamed->setInterval(300);
+    unnamed->SaveTheme();
+    QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("Kelochameleon"));
     QVERIFY(QFileInfo::exists(iniPath(QStringLiteral("Kelochameleon"))));
 
     // Fetched afresh at each call: a renamed chameleon uses its new name.
-    unnamed.setObjectName(QStringLiteral("frmMain_Chameleon"));
-    QVERIFY(!unnamed.GetTheme());
-    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("frmMain_Chameleon"));
-    unnamed.setObjectName(QString());
-    QVERIFY(unnamed.GetTheme());
-    QCOMPARE(unnamed.settingsApplicationName(), QStringLiteral("Kelochameleon"));
+    unnamed->setObjectName(QStringLiteral("frmMain_Chameleon"));
+    QVERIFY(!unnamed->GetTheme());
+    QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("frmMain_Chameleon"));
+    unnamed->setObjectName(QString());
+    QVERIFY(unnamed->GetTheme());
+    QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("Kelochameleon"));
 
     // Chameleons with the same name share their themes, whatever their form.
     QWidget formA;
     QWidget formB;
-    auto *a = new Kelochameleon(&formA);
-    auto *b = new Kelochameleon(&formB);
-    a->setObjectName(QStringLiteral("Kelochameleon1"));
-    b->setObjectName(QStringLiteral("Kelochameleon1"));
-    a->setThemeName(QStringLiteral("Shared"));
-    b->setThemeName(QStringLiteral("Shared"));
+    Kelochameleon *a = chameleonFor(QStringLiteral("Shared"), &formA);
+    Kelochameleon *b = chameleonFor(QStringLiteral("Shared"), &formB);
     a->setColorStepRate(99);
     a->SaveTheme();
     QVERIFY(b->GetTheme());
     QCOMPARE(b->ColorStepRate(), 99);
-    auto *c = new Kelochameleon(&formB);
-    c->setObjectName(QStringLiteral("Kelochameleon2"));
-    c->setThemeName(QStringLiteral("Shared"));
-    QVERIFY(!c->GetTheme());
+    QVERIFY(!chameleonFor(QStringLiteral("Shared"), &formB, QStringLiteral("Kelochameleon2"))->GetTheme());
 }
 
 void TestChameleonThemes::twoProcessesShareOneStore()
 {
-    const auto run = [this](const QStringList &arguments, QByteArray *output) {
+    QByteArray printed;
+    const auto run = [&](const QString &arguments) {
         QProcess helper;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_config->path());
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         helper.setProcessEnvironment(environment);
-        helper.start(
-            QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--theme-helper")} + arguments);
+        helper.start(QCoreApplication::applicationFilePath(),
+            QStringList{QStringLiteral("--theme-helper")} + arguments.split(QLatin1Char(' ')));
         if (!helper.waitForFinished(60000)) {
             return -1;
         }
-        if (output) {
-            *output = helper.readAllStandardOutput().trimmed();
-        }
+        printed = helper.readAllStandardOutput().trimmed();
         return helper.exitStatus() == QProcess::NormalExit ? helper.exitCode() : -1;
     };
 
-    Kelochameleon here;
-    here.setObjectName(QStringLiteral("Kelochameleon1"));
-    here.setThemeName(QStringLiteral("Dusk"));
-    QVERIFY(!here.GetTheme());
-
+    std::unique_ptr<Kelochameleon> here(chameleonFor(QStringLiteral("Dusk")));
+    QVERIFY(!here->GetTheme());
     // The other process saves; this one sees it at once.
-    QCOMPARE(
-        run({QStringLiteral("save"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk"), QStringLiteral("2200")},
-            nullptr),
-        0);
-    QVERIFY(here.GetTheme());
-    QCOMPARE(here.Interval(), 2200);
-    QCOMPARE(here.BackgroundStyle(), keloBackgroundStyle::FixedColor);
-
+    QCOMPARE(run(QStringLiteral("save Kelochameleon1 Dusk 2200")), 0);
+    QVERIFY(here->GetTheme());
+    QCOMPARE(here->Interval(), 2200);
+    QCOMPARE(here->BackgroundStyle(), keloBackgroundStyle::FixedColor);
     // Overwritten there with a value of the same length: no stale copy here.
-    QCOMPARE(
-        run({QStringLiteral("save"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk"), QStringLiteral("3300")},
-            nullptr),
-        0);
-    QVERIFY(here.GetTheme());
-    QCOMPARE(here.Interval(), 3300);
-
+    QCOMPARE(run(QStringLiteral("save Kelochameleon1 Dusk 3300")), 0);
+    QVERIFY(here->GetTheme());
+    QCOMPARE(here->Interval(), 3300);
     // And the other way round.
-    here.setInterval(4400);
-    here.SaveTheme();
-    QByteArray printed;
-    QCOMPARE(run({QStringLiteral("get"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dusk")}, &printed), 0);
+    here->setInterval(4400);
+    here->SaveTheme();
+    QCOMPARE(run(QStringLiteral("get Kelochameleon1 Dusk")), 0);
     QCOMPARE(printed, QByteArray("4400"));
-    QCOMPARE(run({QStringLiteral("get"), QStringLiteral("Kelochameleon1"), QStringLiteral("Dawn")}, &printed), 1);
+    QCOMPARE(run(QStringLiteral("get Kelochameleon1 Dawn")), 1);
 }
 
 void TestChameleonThemes::showReadsTheThemeWhenUsedOrReportsItMissing()
 {
-    Kelochameleon writer;
-    writer.setObjectName(QStringLiteral("Kelochameleon1"));
-    writer.setThemeName(QStringLiteral("Teal"));
-    writer.setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    writer.setNewBackColor(0x00808000u);
-    writer.SaveTheme();
+    std::unique_ptr<Kelochameleon> writer(chameleonFor(QStringLiteral("Teal")));
+    writer->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    writer->setNewBackColor(0x00808000u);
+    writer->SaveTheme();
 
+    // A used theme is read at every Show, before the chameleon styles the form.
     QWidget form;
     form.resize(200, 150);
-    auto *chameleon = new Kelochameleon(&form);
-    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
-    chameleon->setThemeName(QStringLiteral("Teal"));
-    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    chameleon->setNewBackColor(0x000000FFu);
-    chameleon->setThemeIsUsed(true);
+    Kelochameleon *chameleon = chameleonFor(QStringLiteral("Teal"), &form);
+    KeloTest::setProperties(chameleon, {{"BackgroundStyle", 2}, {"NewBackColor", 0x000000FFu}, {"ThemeIsUsed", true}});
     form.show();
     QCOMPARE(chameleon->NewBackColor(), 0x00808000u);
     QCOMPARE(form.palette().color(QPalette::Window), QColor(0x00, 0x80, 0x80));
     QVERIFY(chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
-
-    // The theme is read at every Show: a change in the store shows at Refresh.
-    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Teal"), QStringLiteral("NewBackColor"),
-        QStringLiteral("255"));
+    SaveSetting(App, QStringLiteral("Teal"), QStringLiteral("NewBackColor"), QStringLiteral("255"));
     chameleon->Refresh();
     QCOMPARE(form.palette().color(QPalette::Window), QColor(0xFF, 0x00, 0x00));
-
     // A theme that disables the chameleon leaves its timer off.
-    SaveSetting(
-        QStringLiteral("Kelochameleon1"), QStringLiteral("Teal"), QStringLiteral("Enabled"), QStringLiteral("False"));
+    SaveSetting(App, QStringLiteral("Teal"), QStringLiteral("Enabled"), QStringLiteral("False"));
     chameleon->Refresh();
     QVERIFY(!chameleon->Enabled());
     QVERIFY(!chameleon->findChild<QTimer *>(QStringLiteral("Timer1"))->isActive());
@@ -582,12 +482,8 @@ void TestChameleonThemes::showReadsTheThemeWhenUsedOrReportsItMissing()
     // A theme that is not there: ThemeMissing at every Show, and the
     // chameleon goes on with its own values.
     QWidget lost;
-    auto *stray = new Kelochameleon(&lost);
-    stray->setObjectName(QStringLiteral("Kelochameleon1"));
-    stray->setThemeName(QStringLiteral("Nowhere"));
-    stray->setThemeIsUsed(true);
-    stray->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    stray->setNewBackColor(0x00336699u);
+    Kelochameleon *stray = chameleonFor(QStringLiteral("Nowhere"), &lost);
+    KeloTest::setProperties(stray, {{"BackgroundStyle", 2}, {"NewBackColor", 0x00336699u}, {"ThemeIsUsed", true}});
     QSignalSpy missing(stray, &Kelochameleon::ThemeMissing);
     lost.show();
     QCOMPARE(missing.count(), 1);
@@ -599,15 +495,12 @@ void TestChameleonThemes::showReadsTheThemeWhenUsedOrReportsItMissing()
     // Without ThemeIsUsed, or disabled, or in a designer, the store is not read.
     for (int variant = 0; variant < 3; ++variant) {
         QWidget other;
-        Kelochameleon *c = nullptr;
+        std::optional<ControlBase::DesignModeScope> designer;
         if (variant == 2) {
-            ControlBase::DesignModeScope designer;
-            c = new Kelochameleon(&other);
-        } else {
-            c = new Kelochameleon(&other);
+            designer.emplace();
         }
-        c->setObjectName(QStringLiteral("Kelochameleon1"));
-        c->setThemeName(QStringLiteral("Teal"));
+        Kelochameleon *c = chameleonFor(QStringLiteral("Teal"), &other);
+        designer.reset();
         c->setThemeIsUsed(variant != 0);
         c->setEnabled(variant != 1);
         m_accesses.clear();
@@ -619,15 +512,10 @@ void TestChameleonThemes::showReadsTheThemeWhenUsedOrReportsItMissing()
 
 void TestChameleonThemes::storeErrorsReachTheCaller()
 {
-    QVERIFY(KeloTest::writeTextFile(
-        iniPath(QStringLiteral("Kelochameleon1")), QStringLiteral("[Bad]\nThemeExists=True\nInterval=abc\n")));
+    QVERIFY(KeloTest::writeTextFile(iniPath(), QStringLiteral("[Bad]\nThemeExists=True\nInterval=abc\n")));
     QWidget form;
-    auto *chameleon = new Kelochameleon(&form);
-    chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
-    chameleon->setThemeName(QStringLiteral("Bad"));
-    chameleon->setThemeIsUsed(true);
-    chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    chameleon->setNewBackColor(0x00336699u);
+    Kelochameleon *chameleon = chameleonFor(QStringLiteral("Bad"), &form);
+    KeloTest::setProperties(chameleon, {{"ThemeIsUsed", true}, {"BackgroundStyle", 2}, {"NewBackColor", 0x00336699u}});
     // Show cannot let it cross the event loop: it warns and styles nothing.
     QTest::ignoreMessage(QtWarningMsg, "Kelochameleon Kelochameleon1: Type mismatch");
     form.show();

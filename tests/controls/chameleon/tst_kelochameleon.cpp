@@ -37,6 +37,8 @@ namespace {
 const QStringList PersistedOrder{"ColorMinimum", "ColorMaximum", "ColorStepRate", "Enabled", "BackgroundStyle",
     "WandStyle", "NewBackColor", "Interval", "FontStyle", "NewFont", "BackgroundPicture", "BackgroundPictureStyle",
     "ThemeName", "ThemeIsUsed", "MouseIcon", "WandFollowsMouse"};
+const QColor Red(255, 0, 0);
+const QColor Blue(0, 0, 255);
 
 void tick(Kelochameleon *chameleon, int times = 1)
 {
@@ -62,41 +64,57 @@ QColor windowColour(const QWidget *widget)
     return widget->palette().color(QPalette::Window);
 }
 
+OleColor backOf(QObject *control)
+{
+    return ControlAccess::backColor(control);
+}
+
 // How many copies of the background picture the chameleon painted on its form.
 int pictureCopies(const Kelochameleon *chameleon)
 {
     return chameleon->findChild<FormPictureLayer *>(QStringLiteral("BackgroundLayer"))->copies();
 }
 
-// A picture of 100 x 100 pixels: red, with a blue top-left pixel that marks
-// where each copy begins.
+// 100 x 100 red pixels with a blue top-left pixel that marks where each copy begins.
 QString writeMarkedPicture(const QTemporaryDir &dir)
 {
     QImage image(100, 100, QImage::Format_RGB32);
-    image.fill(QColor(255, 0, 0));
-    image.setPixelColor(0, 0, QColor(0, 0, 255));
+    image.fill(Red);
+    image.setPixelColor(0, 0, Blue);
     const QString path = dir.filePath(QStringLiteral("marked.png"));
     image.save(path);
     return path;
-}
-
-bool isMarker(const QImage &image, int x, int y)
-{
-    return image.pixelColor(x, y) == QColor(0, 0, 255);
 }
 
 // A 250 x 250 form with a chameleon named Kelochameleon1, not shown yet.
 struct Form
 {
     std::unique_ptr<QWidget> widget = std::make_unique<QWidget>();
-    Kelochameleon *chameleon = nullptr;
+    Kelochameleon *chameleon = new Kelochameleon(widget.get());
 
     Form()
     {
         widget->resize(250, 250);
-        chameleon = new Kelochameleon(widget.get());
         chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
     }
+    void fixedColour(OleColor colour)
+    {
+        chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
+        chameleon->setNewBackColor(colour);
+    }
+    void changeFont(const QFont &font)
+    {
+        chameleon->setFontStyle(keloFontStyle::ChangeFont);
+        chameleon->setNewFont(font);
+    }
+    void picture(const QString &path, keloPictureStyle style)
+    {
+        chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
+        chameleon->setBackgroundPicture(path);
+        chameleon->setBackgroundPictureStyle(style);
+    }
+    QImage shot() const { return widget->grab().toImage(); }
+    bool markerAt(int x, int y) const { return shot().pixelColor(x, y) == Blue; }
 };
 
 class ChameleonUiLoader : public QUiLoader
@@ -104,43 +122,33 @@ class ChameleonUiLoader : public QUiLoader
 public:
     QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override
     {
-        if (className == QLatin1String("Kelochameleon")) {
-            auto *chameleon = new Kelochameleon(parent);
-            chameleon->setObjectName(name);
-            return chameleon;
+        if (className != QLatin1String("Kelochameleon")) {
+            return QUiLoader::createWidget(className, parent, name);
         }
-        return QUiLoader::createWidget(className, parent, name);
+        auto *chameleon = new Kelochameleon(parent);
+        chameleon->setObjectName(name);
+        return chameleon;
     }
 };
 
 const char FormFile[] = R"(<?xml version="1.0" encoding="UTF-8"?>
-<ui version="4.0">
- <class>Form</class>
+<ui version="4.0"><class>Form</class>
  <widget class="QWidget" name="Form">
   <property name="geometry"><rect><x>0</x><y>0</y><width>200</width><height>120</height></rect></property>
   <widget class="QLabel" name="labName">
    <property name="geometry"><rect><x>10</x><y>40</y><width>80</width><height>20</height></rect></property>
-   <property name="text"><string>Name</string></property>
-  </widget>
+   <property name="text"><string>Name</string></property></widget>
   <widget class="QLineEdit" name="txtName">
-   <property name="geometry"><rect><x>100</x><y>40</y><width>80</width><height>20</height></rect></property>
-  </widget>
+   <property name="geometry"><rect><x>100</x><y>40</y><width>80</width><height>20</height></rect></property></widget>
   <widget class="Kelochameleon" name="Kelochameleon1">
    <property name="geometry"><rect><x>10</x><y>10</y><width>32</width><height>32</height></rect></property>
    <property name="BackgroundStyle"><enum>Kelocontrols::keloBackgroundStyle::FixedColor</enum></property>
    <property name="NewBackColor"><UInt>6710886</UInt></property>
-   <property name="WandStyle"><enum>Starburst</enum></property>
-  </widget>
+   <property name="WandStyle"><enum>Starburst</enum></property></widget>
  </widget>
- <customwidgets>
-  <customwidget>
-   <class>Kelochameleon</class>
-   <extends>QWidget</extends>
-   <header>Kelochameleon.h</header>
-  </customwidget>
- </customwidgets>
- <resources/>
- <connections/>
+ <customwidgets><customwidget><class>Kelochameleon</class><extends>QWidget</extends>
+   <header>Kelochameleon.h</header></customwidget></customwidgets>
+ <resources/><connections/>
 </ui>
 )";
 
@@ -177,17 +185,11 @@ private Q_SLOTS:
     void timerRunsOnlyWhileEnabledAtRunTime();
     void backgroundStyles_data();
     void backgroundStyles();
-    void colouringStopsAtTheFirstControlWithoutBackColor();
-    void colouringSkipsOnlyTheChameleonItself();
+    void colouringPassSkipsTheChameleonAndStopsAtTheFirstControlWithoutBackColor();
     void nestedControlsTakeTheColourAndTheFont();
-    void fontReachesEveryControlWithAFont();
     void variedColourDriftsFromTheFixedSequence();
-    void tiledPictureCoversTheFormAndSurvivesRepaints();
-    void placedPictureAndTheNextFullApply();
-    void pictureNotPlacedOrNotLoadable();
-    void refreshReportsOverflowOfUnclampedBounds();
-    void aChameleonWithoutAFormStylesNothing();
-    void mouseIconIsTheControlsCursor();
+    void picturesArePlacedTiledOrNotAtAll();
+    void edgeCases();
     void wandFollowsTheFormsMouseOnlyWhenAskedTo();
     void formFileLoadedAtRunTimeAndInDesignMode();
 };
@@ -304,13 +306,16 @@ void TestKelochameleon::loadingKeepsValuesUnclampedAndRejectsBadOnes()
 {
     QWidget form;
     Kelochameleon chameleon(&form);
-    PropertyBag bag;
-    bag.WriteProperty(QStringLiteral("ColorMinimum"), 200);
-    bag.WriteProperty(QStringLiteral("ColorMaximum"), 100);
-    bag.WriteProperty(QStringLiteral("ColorStepRate"), 999);
-    bag.WriteProperty(QStringLiteral("BackgroundStyle"), 7);
-    bag.WriteProperty(QStringLiteral("NewBackColor"), -2147483643);
-    chameleon.ReadProperties(bag);
+    const auto read = [&](const QVariantMap &values) {
+        PropertyBag bag;
+        for (auto it = values.cbegin(); it != values.cend(); ++it) {
+            bag.WriteProperty(it.key(), it.value());
+        }
+        return errorNumberOf([&] { chameleon.ReadProperties(bag); });
+    };
+    QCOMPARE(read({{"ColorMinimum", 200}, {"ColorMaximum", 100}, {"ColorStepRate", 999}, {"BackgroundStyle", 7},
+                 {"NewBackColor", -2147483643}}),
+        0);
     QCOMPARE(chameleon.ColorMinimum(), 200);
     QCOMPARE(chameleon.ColorMaximum(), 100);
     QCOMPARE(chameleon.ColorStepRate(), 999);
@@ -319,23 +324,18 @@ void TestKelochameleon::loadingKeepsValuesUnclampedAndRejectsBadOnes()
 
     // With loaded bounds out of range the clamping keeps its order: below the
     // lower bound first, then above the upper one, so the upper bound wins.
-    PropertyBag wide;
-    wide.WriteProperty(QStringLiteral("ColorMinimum"), 300);
-    wide.WriteProperty(QStringLiteral("ColorMaximum"), -5);
-    chameleon.ReadProperties(wide);
+    const QVariantMap wide{{"ColorMinimum", 300}, {"ColorMaximum", -5}};
+    read(wide);
     chameleon.setColorMaximum(10); // between 300 and 255
     QCOMPARE(chameleon.ColorMaximum(), 255);
-    chameleon.ReadProperties(wide);
+    read(wide);
     chameleon.setColorMinimum(3); // between 0 and -5
     QCOMPARE(chameleon.ColorMinimum(), -5);
 
-    const QList<std::tuple<const char *, QVariant, int>> bad{{"Interval", QStringLiteral("soon"), 13},
-        {"ColorMaximum", 70000, 6}, {"NewFont", 12, 13}, {"WandFollowsMouse", QStringLiteral("maybe"), 13}};
-    for (const auto &[name, value, error] : bad) {
-        PropertyBag wrong;
-        wrong.WriteProperty(QString::fromLatin1(name), value);
-        QCOMPARE(errorNumberOf([&] { chameleon.ReadProperties(wrong); }), error);
-    }
+    QCOMPARE(read({{"Interval", QStringLiteral("soon")}}), 13);
+    QCOMPARE(read({{"ColorMaximum", 70000}}), 6);
+    QCOMPARE(read({{"NewFont", 12}}), 13);
+    QCOMPARE(read({{"WandFollowsMouse", QStringLiteral("maybe")}}), 13);
 }
 
 void TestKelochameleon::colourBoundsClampInTheOrderTheyAreSet_data()
@@ -397,18 +397,17 @@ void TestKelochameleon::designTimeFaceAndRunTimeSize()
     QCOMPARE(chameleon->sizeHint(), QSize(16, 16));
     form.show();
     QVERIFY(!timerRuns(chameleon));
-
-    const QColor red(255, 0, 0);
     QImage face = chameleon->grab().toImage();
     QCOMPARE(face.size(), QSize(16, 16));
-    QVERIFY(face.pixelColor(0, 0) != red);
+    QVERIFY(face.pixelColor(0, 0) != Red);
+    // Disabled, the face is crossed out in red from corner to corner.
     chameleon->setEnabled(false);
     face = chameleon->grab().toImage();
     for (int i = 0; i < 16; ++i) {
-        QCOMPARE(face.pixelColor(i, i), red);
-        QCOMPARE(face.pixelColor(i, 15 - i), red);
+        QCOMPARE(face.pixelColor(i, i), Red);
+        QCOMPARE(face.pixelColor(i, 15 - i), Red);
     }
-    QVERIFY(face.pixelColor(8, 2) != red);
+    QVERIFY(face.pixelColor(8, 2) != Red);
     // Showing again in design mode keeps the timer off and the form untouched.
     chameleon->setEnabled(true);
     chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
@@ -427,10 +426,8 @@ void TestKelochameleon::timerRunsOnlyWhileEnabledAtRunTime()
 {
     Form form;
     auto *label = new QLabel(QStringLiteral("Name"), form.widget.get());
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    form.chameleon->setNewBackColor(0x00336699);
-    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
-    form.chameleon->setNewFont(QFont(QStringLiteral("DejaVu Serif"), 30));
+    form.fixedColour(0x00336699);
+    form.changeFont(QFont(QStringLiteral("DejaVu Serif"), 30));
     form.chameleon->setEnabled(false);
     const QFont labelFont = label->font();
     QVERIFY(!timerRuns(form.chameleon));
@@ -465,8 +462,7 @@ void TestKelochameleon::backgroundStyles_data()
     QTest::newRow("Picture without one") << int(keloBackgroundStyle::Picture) << false << 0u;
 }
 
-// What each style gives the form, and that ticks change nothing but the
-// varied colour.
+// What each style gives the form, and that ticks change nothing but the varied colour.
 void TestKelochameleon::backgroundStyles()
 {
     QFETCH(int, style);
@@ -494,13 +490,15 @@ void TestKelochameleon::backgroundStyles()
     QCOMPARE(windowColour(form.widget.get()), QColor(Qt::yellow));
 }
 
-void TestKelochameleon::colouringStopsAtTheFirstControlWithoutBackColor()
+void TestKelochameleon::colouringPassSkipsTheChameleonAndStopsAtTheFirstControlWithoutBackColor()
 {
     Form form;
     QWidget *f = form.widget.get();
     auto *text = new QLineEdit(f);
     auto *label = new QLabel(QStringLiteral("Name"), f);
     auto *card = new KeloscoreCard(f);
+    auto *namesake = new QLabel(f);
+    namesake->setObjectName(QStringLiteral("Kelochameleon1"));
     new QTimer(f);
     auto *late = new QLabel(QStringLiteral("After the timer"), f);
     auto *lateCard = new KeloscoreCard(f);
@@ -509,55 +507,38 @@ void TestKelochameleon::colouringStopsAtTheFirstControlWithoutBackColor()
     late->setGeometry(10, 90, 100, 24);
     card->move(150, 10);
     lateCard->move(150, 90);
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    form.chameleon->setNewBackColor(0x00336699);
+    form.fixedColour(0x00336699);
     form.widget->show();
 
     const QColor colour = toQColor(0x00336699);
     QCOMPARE(windowColour(f), colour);
-    QCOMPARE(ControlAccess::backColor(text), ControlAccess::WindowBackground);
-    QCOMPARE(ControlAccess::backColor(label), OleColor(0x00336699));
+    QCOMPARE(backOf(text), ControlAccess::WindowBackground);
+    QCOMPARE(backOf(label), OleColor(0x00336699));
     QCOMPARE(card->BackColor(), OleColor(0x00336699));
-    // The timer ended the pass.
+    // A control named like the chameleon is passed over; the timer ends the pass.
+    QVERIFY(!namesake->autoFillBackground());
     QVERIFY(!late->autoFillBackground());
     QCOMPARE(lateCard->BackColor(), OleColor(0x8000000F));
-
     // What the form shows: the text box keeps its white face.
-    const QImage shot = f->grab().toImage();
+    const QImage shot = form.shot();
     QCOMPARE(shot.pixelColor(label->geometry().topRight() + QPoint(-2, 2)), colour);
     QCOMPARE(shot.pixelColor(text->geometry().topRight() + QPoint(-4, 4)), text->palette().color(QPalette::Base));
     QCOMPARE(shot.pixelColor(f->width() - 2, f->height() - 2), colour);
-}
-
-void TestKelochameleon::colouringSkipsOnlyTheChameleonItself()
-{
-    Form form;
-    QWidget *f = form.widget.get();
-    auto *namesake = new QLabel(f);
-    namesake->setObjectName(QStringLiteral("Kelochameleon1"));
-    auto *unnamed = new QLabel(f);
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    form.chameleon->setNewBackColor(0x00010203);
-    form.widget->show();
-    QVERIFY(!namesake->autoFillBackground());
-    QCOMPARE(ControlAccess::backColor(unnamed), OleColor(0x00010203));
 
     // An unnamed chameleon is told apart from unnamed controls by identity.
     Form second;
     second.chameleon->setObjectName(QString());
     auto *plain = new QLabel(second.widget.get());
-    second.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    second.chameleon->setNewBackColor(0x00040506);
+    second.fixedColour(0x00040506);
     second.widget->show();
-    QCOMPARE(ControlAccess::backColor(plain), OleColor(0x00040506));
+    QCOMPARE(backOf(plain), OleColor(0x00040506));
 }
 
 void TestKelochameleon::nestedControlsTakeTheColourAndTheFont()
 {
     Form form;
     QWidget *f = form.widget.get();
-    auto *group = new QGroupBox(QStringLiteral("Group"), f);
-    auto *card = new KeloscoreCard(group);
+    auto *card = new KeloscoreCard(new QGroupBox(QStringLiteral("Group"), f));
     auto *frame = new QFrame(f);
     auto *list = new KelolistBox(frame);
     list->setBackColor(0x00FFFFFF); // white, but not the window colour it keeps
@@ -568,62 +549,44 @@ void TestKelochameleon::nestedControlsTakeTheColourAndTheFont()
     auto *text = new QLineEdit(page);
     tabs->addTab(page, QStringLiteral("Page"));
     const QFont font(QStringLiteral("DejaVu Serif"), 15);
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    form.chameleon->setNewBackColor(0x00336699);
-    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
-    form.chameleon->setNewFont(font);
+    form.fixedColour(0x00336699);
+    form.changeFont(font);
     form.widget->show();
-    QCOMPARE(card->BackColor(), OleColor(0x00336699));
-    QCOMPARE(list->BackColor(), OleColor(0x00336699));
-    QCOMPARE(ControlAccess::backColor(label), OleColor(0x00336699));
-    QCOMPARE(ControlAccess::backColor(onPage), OleColor(0x00336699));
-    QCOMPARE(ControlAccess::backColor(text), ControlAccess::WindowBackground);
+    for (QObject *control : QList<QObject *>{card, list, label, onPage}) {
+        QCOMPARE(backOf(control), OleColor(0x00336699));
+    }
+    QCOMPARE(backOf(text), ControlAccess::WindowBackground);
     QCOMPARE(card->Font(), font);
     QCOMPARE(list->Font(), font);
     QCOMPARE(onPage->font(), font);
 
     // A timer inside the group box ends the colouring pass for every control
-    // after it, nested or not; the font still reaches them.
+    // after it, nested or not; the font still reaches them all.
     Form second;
     auto *box = new QGroupBox(second.widget.get());
     auto *before = new QLabel(box);
     new QTimer(box);
     auto *after = new QLabel(box);
     auto *outside = new QLabel(second.widget.get());
-    second.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    second.chameleon->setNewBackColor(0x00010203);
-    second.chameleon->setFontStyle(keloFontStyle::ChangeFont);
-    second.chameleon->setNewFont(font);
+    auto *lateCard = new KeloscoreCard(second.widget.get());
+    second.fixedColour(0x00010203);
+    const QFont bold(QStringLiteral("DejaVu Serif"), 19, QFont::Bold);
+    second.changeFont(bold);
     second.widget->show();
-    QCOMPARE(ControlAccess::backColor(before), OleColor(0x00010203));
-    QCOMPARE(ControlAccess::backColor(after), ControlAccess::ButtonFace);
-    QCOMPARE(ControlAccess::backColor(outside), ControlAccess::ButtonFace);
-    QCOMPARE(outside->font(), font);
-}
+    QCOMPARE(backOf(before), OleColor(0x00010203));
+    QCOMPARE(backOf(after), ControlAccess::ButtonFace);
+    QCOMPARE(backOf(outside), ControlAccess::ButtonFace);
+    for (QWidget *widget : QList<QWidget *>{second.widget.get(), before, after, outside}) {
+        QCOMPARE(widget->font(), bold);
+    }
+    QCOMPARE(lateCard->Font(), bold);
 
-void TestKelochameleon::fontReachesEveryControlWithAFont()
-{
-    Form form;
-    QWidget *f = form.widget.get();
-    auto *first = new QLabel(f);
-    new QTimer(f);
-    auto *second = new QLabel(f);
-    auto *card = new KeloscoreCard(f);
-    const QFont font(QStringLiteral("DejaVu Serif"), 19, QFont::Bold);
-    form.chameleon->setNewFont(font);
-    form.chameleon->setFontStyle(keloFontStyle::ChangeFont);
-    form.widget->show();
-    QCOMPARE(f->font(), font);
-    QCOMPARE(first->font(), font);
-    QCOMPARE(second->font(), font);
-    QCOMPARE(card->Font(), font);
-
-    // Any other style changes nothing, and restores nothing.
-    form.chameleon->setNewFont(QFont(QStringLiteral("DejaVu Sans"), 7));
-    form.chameleon->setFontStyle(keloFontStyle::None);
-    form.chameleon->Refresh();
-    QCOMPARE(second->font(), font);
-    QCOMPARE(card->Font(), font);
+    // Any other font style changes nothing, and restores nothing.
+    second.chameleon->setNewFont(QFont(QStringLiteral("DejaVu Sans"), 7));
+    second.chameleon->setFontStyle(keloFontStyle::None);
+    second.chameleon->Refresh();
+    QCOMPARE(outside->font(), bold);
+    QCOMPARE(lateCard->Font(), bold);
 }
 
 void TestKelochameleon::variedColourDriftsFromTheFixedSequence()
@@ -663,98 +626,77 @@ void TestKelochameleon::variedColourDriftsFromTheFixedSequence()
     }
 }
 
-void TestKelochameleon::tiledPictureCoversTheFormAndSurvivesRepaints()
+void TestKelochameleon::picturesArePlacedTiledOrNotAtAll()
 {
     QTemporaryDir dir;
+    const QString marked = writeMarkedPicture(dir);
     Form form;
     auto *label = new QLabel(QStringLiteral("On the picture"), form.widget.get());
     label->setGeometry(110, 110, 30, 20);
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
-    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
-    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    form.picture(marked, keloPictureStyle::Tiled);
     form.widget->show();
     QVERIFY(WandPool::shared().pictureMode());
-
-    // 100 x 100 pixels (1500 twips) on 250 x 250: three columns of three.
+    // 100 x 100 pixels (1500 twips) on 250 x 250: three columns of three, also after a repaint.
     QCOMPARE(pictureCopies(form.chameleon), 9);
     for (int pass = 0; pass < 2; ++pass) {
-        const QImage shot = form.widget->grab().toImage();
         for (int x : {0, 100, 200}) {
             for (int y : {0, 100, 200}) {
-                QVERIFY2(isMarker(shot, x, y), qPrintable(QStringLiteral("copy at %1,%2").arg(x).arg(y)));
+                QVERIFY2(form.markerAt(x, y), qPrintable(QStringLiteral("copy at %1,%2").arg(x).arg(y)));
             }
         }
-        QVERIFY(!isMarker(shot, 50, 50));
-        QCOMPARE(shot.pixelColor(249, 249), QColor(255, 0, 0));
+        QVERIFY(!form.markerAt(50, 50));
+        QCOMPARE(form.shot().pixelColor(249, 249), Red);
         form.widget->repaint();
     }
     // The picture stays on the surface; the form keeps its own colour below it.
     QVERIFY(!form.widget->autoFillBackground());
-}
 
-void TestKelochameleon::placedPictureAndTheNextFullApply()
-{
-    QTemporaryDir dir;
-    Form form;
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
-    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
+    // Placed once; the form's scale is put back once the picture is placed.
     form.chameleon->setBackgroundPictureStyle(keloPictureStyle::Center);
     form.widget->setProperty("ScaleMode", 3);
-    form.widget->show();
+    form.chameleon->Refresh();
     QCOMPARE(pictureCopies(form.chameleon), 1);
-    QImage shot = form.widget->grab().toImage();
-    QVERIFY(isMarker(shot, 75, 75));
-    QCOMPARE(shot.pixelColor(174, 174), QColor(255, 0, 0));
-    QVERIFY(shot.pixelColor(176, 176) != QColor(255, 0, 0));
-    // The form's scale is put back once the picture is placed.
+    QVERIFY(form.markerAt(75, 75));
+    QCOMPARE(form.shot().pixelColor(174, 174), Red);
+    QVERIFY(form.shot().pixelColor(176, 176) != Red);
     QCOMPARE(form.widget->property("ScaleMode").toInt(), 3);
-
     form.chameleon->setBackgroundPictureStyle(keloPictureStyle::BottomRight);
     form.chameleon->Refresh();
-    shot = form.widget->grab().toImage();
-    QVERIFY(isMarker(shot, 150, 150));
-    QVERIFY(!isMarker(shot, 75, 75));
+    QVERIFY(form.markerAt(150, 150));
+    QVERIFY(!form.markerAt(75, 75));
 
     // The next full apply with another style clears the picture.
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    form.chameleon->setNewBackColor(0x00FF00);
+    form.fixedColour(0x00FF00);
     form.chameleon->Refresh();
     QCOMPARE(pictureCopies(form.chameleon), 0);
     QVERIFY(!WandPool::shared().pictureMode());
-    QCOMPARE(form.widget->grab().toImage().pixelColor(200, 200), QColor(0, 255, 0));
-}
+    QCOMPARE(form.shot().pixelColor(200, 200), QColor(0, 255, 0));
 
-void TestKelochameleon::pictureNotPlacedOrNotLoadable()
-{
-    QTemporaryDir dir;
-    Form form;
-    form.widget->setProperty("ScaleMode", 3);
-    form.chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
-    form.chameleon->setBackgroundPicture(writeMarkedPicture(dir));
-    form.widget->show();
     // No placement: nothing drawn, the form's scale not even touched.
-    QCOMPARE(pictureCopies(form.chameleon), 0);
-    QVERIFY(!isMarker(form.widget->grab().toImage(), 0, 0));
-    QCOMPARE(form.widget->property("ScaleMode").toInt(), 3);
+    Form unplaced;
+    unplaced.widget->setProperty("ScaleMode", 3);
+    unplaced.picture(marked, keloPictureStyle::None);
+    unplaced.widget->show();
+    QCOMPARE(pictureCopies(unplaced.chameleon), 0);
+    QVERIFY(!unplaced.markerAt(0, 0));
+    QCOMPARE(unplaced.widget->property("ScaleMode").toInt(), 3);
 
     // A missing file, a file that is not a picture, an empty path: nothing
     // drawn, no error, and the form left in twips.
-    QFile junk(dir.filePath(QStringLiteral("junk.png")));
-    QVERIFY(junk.open(QIODevice::WriteOnly));
-    junk.write("not a picture");
-    junk.close();
-    form.chameleon->setBackgroundPictureStyle(keloPictureStyle::TopLeft);
-    for (const QString &path : {dir.filePath(QStringLiteral("missing.png")), junk.fileName(), QString()}) {
-        form.widget->setProperty("ScaleMode", 3);
-        form.chameleon->setBackgroundPicture(path);
-        form.chameleon->Refresh();
-        QCOMPARE(pictureCopies(form.chameleon), 0);
-        QCOMPARE(form.widget->property("ScaleMode").toInt(), 1);
+    const QString junk = dir.filePath(QStringLiteral("junk.png"));
+    QVERIFY(KeloTest::writeTextFile(junk, QStringLiteral("not a picture")));
+    for (const QString &path : {dir.filePath(QStringLiteral("missing.png")), junk, QString()}) {
+        unplaced.widget->setProperty("ScaleMode", 3);
+        unplaced.picture(path, keloPictureStyle::TopLeft);
+        unplaced.chameleon->Refresh();
+        QCOMPARE(pictureCopies(unplaced.chameleon), 0);
+        QCOMPARE(unplaced.widget->property("ScaleMode").toInt(), 1);
     }
 }
 
-void TestKelochameleon::refreshReportsOverflowOfUnclampedBounds()
+void TestKelochameleon::edgeCases()
 {
+    // Bounds loaded beyond what a colour can hold overflow at Refresh, styling nothing.
     Form form;
     PropertyBag bag;
     bag.WriteProperty(QStringLiteral("ColorMinimum"), -32768);
@@ -763,35 +705,28 @@ void TestKelochameleon::refreshReportsOverflowOfUnclampedBounds()
     form.chameleon->ReadProperties(bag);
     QCOMPARE(errorNumberOf([&] { form.chameleon->Refresh(); }), ErrorNumber::Overflow);
     QVERIFY(!form.widget->autoFillBackground());
-}
 
-void TestKelochameleon::aChameleonWithoutAFormStylesNothing()
-{
-    Kelochameleon chameleon;
-    chameleon.setBackgroundStyle(keloBackgroundStyle::FixedColor);
-    chameleon.setNewBackColor(0x00123456);
-    chameleon.setFontStyle(keloFontStyle::ChangeFont);
-    chameleon.setWandFollowsMouse(true);
-    chameleon.show();
-    // Its own colour is set; the form it lacks ends the pass quietly.
-    QCOMPARE(chameleon.backColor(), OleColor(0x00123456));
-    chameleon.setBackgroundStyle(keloBackgroundStyle::Picture);
-    chameleon.setBackgroundPictureStyle(keloPictureStyle::Tiled);
-    chameleon.Refresh();
-    QCOMPARE(pictureCopies(&chameleon), 0);
-    tick(&chameleon, 3);
-}
+    // Without a form: its own colour is set, the missing form ends the pass quietly.
+    Kelochameleon alone;
+    alone.setBackgroundStyle(keloBackgroundStyle::FixedColor);
+    alone.setNewBackColor(0x00123456);
+    alone.setFontStyle(keloFontStyle::ChangeFont);
+    alone.setWandFollowsMouse(true);
+    alone.show();
+    QCOMPARE(alone.backColor(), OleColor(0x00123456));
+    alone.setBackgroundStyle(keloBackgroundStyle::Picture);
+    alone.setBackgroundPictureStyle(keloPictureStyle::Tiled);
+    alone.Refresh();
+    QCOMPARE(pictureCopies(&alone), 0);
+    tick(&alone, 3);
 
-void TestKelochameleon::mouseIconIsTheControlsCursor()
-{
-    QWidget form;
-    Kelochameleon chameleon(&form);
+    // The mouse icon is the control's cursor.
     QPixmap icon(16, 16);
     icon.fill(Qt::blue);
-    chameleon.setMouseIcon(icon);
-    QCOMPARE(chameleon.cursor().pixmap().toImage(), icon.toImage());
-    chameleon.setMouseIcon(QPixmap());
-    QVERIFY(!chameleon.testAttribute(Qt::WA_SetCursor));
+    form.chameleon->setMouseIcon(icon);
+    QCOMPARE(form.chameleon->cursor().pixmap().toImage(), icon.toImage());
+    form.chameleon->setMouseIcon(QPixmap());
+    QVERIFY(!form.chameleon->testAttribute(Qt::WA_SetCursor));
 }
 
 void TestKelochameleon::wandFollowsTheFormsMouseOnlyWhenAskedTo()
@@ -849,8 +784,7 @@ void TestKelochameleon::formFileLoadedAtRunTimeAndInDesignMode()
     QCOMPARE(chameleon->size(), QSize(0, 0));
     const QColor colour = toQColor(6710886);
     QCOMPARE(windowColour(form->findChild<QLabel *>(QStringLiteral("labName"))), colour);
-    QCOMPARE(ControlAccess::backColor(form->findChild<QLineEdit *>(QStringLiteral("txtName"))),
-        ControlAccess::WindowBackground);
+    QCOMPARE(backOf(form->findChild<QLineEdit *>(QStringLiteral("txtName"))), ControlAccess::WindowBackground);
     QCOMPARE(form->grab().toImage().pixelColor(5, 100), colour);
 
     {

@@ -33,14 +33,24 @@ WandFrame frameOf(const WandElement &e, bool erasing, bool pictureMode = false)
     return frame;
 }
 
-WandStroke lineStroke(QPointF from, QPointF to, OleColor colour)
+// One stroke as text, to six digits: "50,60-56,60 #40" for a line, "(50,60) r2 a1 #40" for a circle.
+QString describe(const WandStroke &s)
 {
-    WandStroke s;
-    s.kind = WandStroke::Kind::Line;
-    s.from = from;
-    s.to = to;
-    s.colour = colour;
-    return s;
+    const auto point = [](QPointF p) { return QStringLiteral("%1,%2").arg(p.x()).arg(p.y()); };
+    const QString colour = QStringLiteral(" #%1").arg(s.colour, 0, 16);
+    if (s.kind == WandStroke::Kind::Line) {
+        return point(s.from) + QLatin1Char('-') + point(s.to) + colour;
+    }
+    return QStringLiteral("(%1) r%2 a%3").arg(point(s.from)).arg(s.radius).arg(s.aspect) + colour;
+}
+
+QStringList describe(const WandFrame &frame)
+{
+    QStringList texts;
+    for (const WandStroke &s : frame.strokes) {
+        texts << describe(s);
+    }
+    return texts;
 }
 
 double lengthOf(const WandStroke &s)
@@ -48,12 +58,9 @@ double lengthOf(const WandStroke &s)
     return std::hypot(s.to.x() - s.from.x(), s.to.y() - s.from.y());
 }
 
-bool near(QPointF a, QPointF b)
-{
-    return std::abs(a.x() - b.x()) < 1e-9 && std::abs(a.y() - b.y()) < 1e-9;
-}
-
 } // namespace
+
+Q_DECLARE_METATYPE(Kelocontrols::WandElement)
 
 class TestWandGeometry : public QObject
 {
@@ -65,13 +72,10 @@ private Q_SLOTS:
 
     void channelsKeepTheClassicRounding_data();
     void channelsKeepTheClassicRounding();
-    void blendClampsAndRounds();
-    void greyByContrastSwitchesAbove192();
-    void starsShrinkInsideTheirSquare();
+    void blendAndContrastGrey();
+    void framesOfEachStyle_data();
+    void framesOfEachStyle();
     void erasingFramesUseTheBackgroundOnlyOverPlainSurfaces();
-    void ripplesGrowAndFade();
-    void atomOrbitAndElectron();
-    void starburstOpensOutward();
     void lightningHasThirtyThreeConnectedSegments();
     void boltDepthDecidesItsSize_data();
     void boltDepthDecidesItsSize();
@@ -80,36 +84,42 @@ private Q_SLOTS:
 void TestWandGeometry::channelsKeepTheClassicRounding_data()
 {
     QTest::addColumn<uint>("colour");
-    QTest::addColumn<int>("red");
-    QTest::addColumn<int>("green");
-    QTest::addColumn<int>("blue");
+    QTest::addColumn<QString>("channels"); // red green blue
+    QTest::addColumn<int>("brightness");
 
-    QTest::newRow("black") << 0x000000u << 0 << 0 << 0;
-    QTest::newRow("low bytes") << 0x102030u << 0x30 << 0x20 << 0x10;
-    QTest::newRow("red below half") << 0x00007Fu << 0x7F << 0 << 0;
+    QTest::newRow("black") << 0x000000u << "0 0 0" << 0;
+    QTest::newRow("low bytes") << 0x102030u << "48 32 16" << 32;
+    QTest::newRow("red below half") << 0x00007Fu << "127 0 0" << 42;
     // Quotients are rounded half to even before the bytes are cut, so a
     // low byte of 128 and more carries into the next channel.
-    QTest::newRow("red 128: green x.5 to even") << 0x000080u << 0x80 << 0 << 0;
-    QTest::newRow("green 1, red 128: 1.5 to 2") << 0x000180u << 0x80 << 2 << 0;
-    QTest::newRow("red 255 carries") << 0x0000FFu << 0xFF << 1 << 0;
-    QTest::newRow("0x0000FF80") << 0x00FF80u << 0x80 << 0 << 1;
-    QTest::newRow("grey 0x808080") << 0x808080u << 0x80 << 0x80 << 0x81;
-    QTest::newRow("white") << 0xFFFFFFu << 0xFF << 0 << 0;
+    QTest::newRow("red 128: green x.5 to even") << 0x000080u << "128 0 0" << 43;
+    QTest::newRow("green 1, red 128: 1.5 to 2") << 0x000180u << "128 2 0" << 43;
+    QTest::newRow("red 255 carries") << 0x0000FFu << "255 1 0" << 85;
+    QTest::newRow("0x0000FF80") << 0x00FF80u << "128 0 1" << 43;
+    QTest::newRow("grey 0x808080") << 0x808080u << "128 128 129" << 128;
+    QTest::newRow("white reads as red") << 0xFFFFFFu << "255 0 0" << 85;
+    QTest::newRow("0x404040") << 0x404040u << "64 64 64" << 64;
+    QTest::newRow("0x7FC0C0") << 0x7FC0C0u << "192 193 128" << 171;
+    QTest::newRow("192.33 is not above 192") << 0xAFC8C8u << "200 201 176" << 192;
+    QTest::newRow("192.67 is") << 0xB0C8C8u << "200 201 177" << 193;
+    QTest::newRow("0xC0C0C0") << 0xC0C0C0u << "192 193 193" << 193;
+    QTest::newRow("0xFEFEFE") << 0xFEFEFEu << "254 255 255" << 255;
 }
 
+// The channels as the classic rounding reads them decide the contrasting
+// grey: light grey above a brightness of 192, grey at or below it.
 void TestWandGeometry::channelsKeepTheClassicRounding()
 {
     QFETCH(uint, colour);
-    QFETCH(int, red);
-    QFETCH(int, green);
-    QFETCH(int, blue);
+    QFETCH(QString, channels);
+    QFETCH(int, brightness);
     const WandColors::Channels c = WandColors::channels(colour);
-    QCOMPARE(c.red, red);
-    QCOMPARE(c.green, green);
-    QCOMPARE(c.blue, blue);
+    QCOMPARE(QStringLiteral("%1 %2 %3").arg(c.red).arg(c.green).arg(c.blue), channels);
+    QCOMPARE(WandColors::brightness(colour), brightness);
+    QCOMPARE(WandColors::greyByContrast(colour), brightness > 192 ? WandColors::LightGrey : WandColors::Grey);
 }
 
-void TestWandGeometry::blendClampsAndRounds()
+void TestWandGeometry::blendAndContrastGrey()
 {
     const OleColor from = RGB(10, 20, 30);
     const OleColor to = RGB(20, 40, 60);
@@ -122,134 +132,97 @@ void TestWandGeometry::blendClampsAndRounds()
     QCOMPARE(WandColors::blend(from, to, 0.25), RGB(12, 25, 38));
 }
 
-void TestWandGeometry::greyByContrastSwitchesAbove192()
+void TestWandGeometry::framesOfEachStyle_data()
 {
-    // Channels as the classic rounding reads them.
-    QCOMPARE(WandColors::brightness(0x404040), 64);
-    QCOMPARE(WandColors::brightness(0x7FC0C0), 171); // (192, 193, 128)
-    // (200, 201, 176): 192.33 -> 192, not above 192.
-    QCOMPARE(WandColors::brightness(0xAFC8C8), 192);
-    QCOMPARE(WandColors::greyByContrast(0xAFC8C8), WandColors::Grey);
-    // (200, 201, 177): 192.67 -> 193.
-    QCOMPARE(WandColors::brightness(0xB0C8C8), 193);
-    QCOMPARE(WandColors::greyByContrast(0xB0C8C8), WandColors::LightGrey);
-    QCOMPARE(WandColors::greyByContrast(0xC0C0C0), WandColors::LightGrey);
-    QCOMPARE(WandColors::greyByContrast(0xFEFEFE), WandColors::LightGrey);
-    // White reads as (255, 0, 0), brightness 85.
-    QCOMPARE(WandColors::greyByContrast(0xFFFFFF), WandColors::Grey);
-    QCOMPARE(WandColors::greyByContrast(0x000000), WandColors::Grey);
+    QTest::addColumn<WandElement>("element");
+    QTest::addColumn<QStringList>("strokes"); // the first strokes drawn, as describe() writes them
+
+    // Stars: four lines across a square of 6 pixels, shrinking with their life.
+    QTest::newRow("star, new") << element(keloWandStyle::Stars, 6,
+        6) << QStringList{"47,57-53,63 #40", "53,57-47,63 #40", "50,57-50,63 #40", "47,60-53,60 #40"};
+    QTest::newRow("star, last tick") << element(keloWandStyle::Stars, 1, 6)
+                                     << QStringList{"49.5,59.5-50.5,60.5 #40", "50.5,59.5-49.5,60.5 #40",
+                                            "50,59.5-50,60.5 #40", "49.5,60-50.5,60 #40"};
+    // Ripples: radius 2 in the element's own colour, growing by 2 a tick while
+    // the colour fades to the background (0x40 -> 0, 0 -> 32).
+    QTest::newRow("ripple, new") << element(keloWandStyle::Ripples, 40, 40) << QStringList{"(50,60) r2 a1 #40"};
+    QTest::newRow("ripple, halfway") << element(keloWandStyle::Ripples, 20, 40)
+                                     << QStringList{"(50,60) r42 a1 #100020"};
+    QTest::newRow("ripple, last tick") << element(keloWandStyle::Ripples, 1, 40)
+                                       << QStringList{"(50,60) r80 a1 #1f0002"};
+    // Starburst: a ray every pi/10, 6 long, moving out and fading.
+    QTest::newRow("starburst, new") << element(keloWandStyle::Starburst, 20, 20)
+                                    << QStringList{"50,60-56,60 #40", "50,60-55.7063,61.8541 #40"};
+    QTest::newRow("starburst, last tick")
+        << element(keloWandStyle::Starburst, 1, 20) << QStringList{"88,60-94,60 #1e0003"};
+    // Atom: a grey orbit (30 wide, aspect 0.5) and the electron on it, in the element's colour.
+    WandElement atom = element(keloWandStyle::Atom, 20, 20, 0x0000FF00);
+    atom.parameter1 = 0.5;
+    atom.parameter2 = 30.0f;
+    QTest::newRow("atom") << atom
+                          << QStringList{QStringLiteral("(50,60) r30 a0.5 #%1").arg(WandColors::Grey, 0, 16),
+                                 QStringLiteral("(80,60) r%1 a1 #ff00").arg(WandGeometry::ElectronRadius)};
+    atom.life = qint16(20 - WandGeometry::ElectronTicksPerOrbit / 2);
+    QTest::newRow("atom, half an orbit later")
+        << atom
+        << QStringList{QStringLiteral("(50,60) r30 a0.5 #%1").arg(WandColors::Grey, 0, 16),
+               QStringLiteral("(20,60) r%1 a1 #ff00").arg(WandGeometry::ElectronRadius)};
 }
 
-void TestWandGeometry::starsShrinkInsideTheirSquare()
+void TestWandGeometry::framesOfEachStyle()
 {
-    const WandFrame big = frameOf(element(keloWandStyle::Stars, 6, 6), false);
-    const QList<WandStroke> expected{lineStroke({47, 57}, {53, 63}, 0x40), lineStroke({53, 57}, {47, 63}, 0x40),
-        lineStroke({50, 57}, {50, 63}, 0x40), lineStroke({47, 60}, {53, 60}, 0x40)};
-    QCOMPARE(big.strokes, expected);
-
-    const WandFrame small = frameOf(element(keloWandStyle::Stars, 1, 6), false);
-    QCOMPARE(small.strokes.size(), 4);
-    QCOMPARE(small.strokes.at(0).from, QPointF(49.5, 59.5));
-    QCOMPARE(small.strokes.at(0).to, QPointF(50.5, 60.5));
-    QCOMPARE(small.strokes.at(3).from, QPointF(49.5, 60));
-    QCOMPARE(small.strokes.at(3).to, QPointF(50.5, 60));
+    QFETCH(WandElement, element);
+    QFETCH(QStringList, strokes);
+    const WandFrame frame = frameOf(element, false);
+    QCOMPARE(describe(frame).mid(0, strokes.size()), strokes);
+    const int rays = element.style == keloWandStyle::Starburst ? 20 : 0;
+    QCOMPARE(frame.lineCount(), element.style == keloWandStyle::Stars ? 4 : rays);
+    QCOMPARE(frame.circleCount(),
+        element.style == keloWandStyle::Atom ? 2 : (element.style == keloWandStyle::Ripples ? 1 : 0));
+    if (element.style == keloWandStyle::Starburst) {
+        // A quarter turn on, the sixth ray; the floating-point angle passes 2 pi
+        // after 20 steps; every ray is 6 long.
+        const double inner = 2.0 * (element.initialLife - element.life);
+        QCOMPARE(
+            describe(frame.strokes.at(5)).section(QLatin1Char('-'), 0, 0), QStringLiteral("50,%1").arg(60 + inner));
+        for (const WandStroke &ray : frame.strokes) {
+            QVERIFY(qAbs(lengthOf(ray) - 6.0) < 1e-9);
+        }
+    }
+    if (element.style == keloWandStyle::Atom) {
+        // A tall orbit: the radius is the vertical one.
+        const WandStroke orbit = frame.strokes.at(0);
+        QCOMPARE(orbit.radiusX(), 30.0);
+        QCOMPARE(orbit.radiusY(), 15.0);
+        WandElement tall = element;
+        tall.parameter1 = 2.0;
+        QCOMPARE(frameOf(tall, false).strokes.at(0).radiusX(), 15.0);
+        QCOMPARE(frameOf(tall, false).strokes.at(0).radiusY(), 30.0);
+    }
 }
 
 void TestWandGeometry::erasingFramesUseTheBackgroundOnlyOverPlainSurfaces()
 {
-    const WandElement star = element(keloWandStyle::Stars, 4, 6, 0x00FF00);
-    const WandFrame drawn = frameOf(star, false);
-    const WandFrame erased = frameOf(star, true);
-    const WandFrame erasedOverPicture = frameOf(star, true, true);
-    for (int i = 0; i < 4; ++i) {
-        QCOMPARE(drawn.strokes.at(i).colour, OleColor(0x00FF00));
-        QCOMPARE(erased.strokes.at(i).colour, Back);
-        QCOMPARE(erasedOverPicture.strokes.at(i).colour, OleColor(0x00FF00));
-        // The same geometry both times: the erasing frame covers the drawn one.
-        QCOMPARE(erased.strokes.at(i).from, drawn.strokes.at(i).from);
-        QCOMPARE(erased.strokes.at(i).to, drawn.strokes.at(i).to);
-    }
-    QVERIFY(erasedOverPicture.exclusiveOr);
-    QVERIFY(!erased.exclusiveOr);
-}
-
-void TestWandGeometry::ripplesGrowAndFade()
-{
-    // New: radius 2 in the element's own colour.
-    const WandFrame fresh = frameOf(element(keloWandStyle::Ripples, 40, 40), false);
-    QCOMPARE(fresh.circleCount(), 1);
-    QCOMPARE(fresh.lineCount(), 0);
-    QCOMPARE(fresh.strokes.at(0).from, QPointF(50, 60));
-    QCOMPARE(fresh.strokes.at(0).radius, 2.0);
-    QCOMPARE(fresh.strokes.at(0).aspect, 1.0);
-    QCOMPARE(fresh.strokes.at(0).colour, RGB(0x40, 0, 0));
-
-    // Halfway: radius 42, colour halfway to the background (0x40 -> 0, 0 -> 32).
-    const WandFrame half = frameOf(element(keloWandStyle::Ripples, 20, 40), false);
-    QCOMPARE(half.strokes.at(0).radius, 42.0);
-    QCOMPARE(half.strokes.at(0).colour, RGB(0x20, 0, 16));
-
-    // Last tick: radius 80, 39/40 of the way.
-    const WandFrame last = frameOf(element(keloWandStyle::Ripples, 1, 40), false);
-    QCOMPARE(last.strokes.at(0).radius, 80.0);
-    QCOMPARE(last.strokes.at(0).colour, RGB(2, 0, 31));
-
-    // Over a picture the erasing frame repeats the faded colour.
-    QCOMPARE(frameOf(element(keloWandStyle::Ripples, 20, 40), true, true).strokes.at(0).colour, RGB(0x20, 0, 16));
-}
-
-void TestWandGeometry::atomOrbitAndElectron()
-{
     WandElement atom = element(keloWandStyle::Atom, 20, 20, 0x0000FF00);
     atom.parameter1 = 0.5;
     atom.parameter2 = 30.0f;
-    const WandFrame fresh = frameOf(atom, false);
-    QCOMPARE(fresh.circleCount(), 2);
-    const WandStroke orbit = fresh.strokes.at(0);
-    QCOMPARE(orbit.from, QPointF(50, 60));
-    QCOMPARE(orbit.radius, 30.0);
-    QCOMPARE(orbit.aspect, 0.5);
-    QCOMPARE(orbit.radiusX(), 30.0);
-    QCOMPARE(orbit.radiusY(), 15.0);
-    QCOMPARE(orbit.colour, WandColors::Grey);
-    const WandStroke electron = fresh.strokes.at(1);
-    QCOMPARE(electron.radius, WandGeometry::ElectronRadius);
-    QCOMPARE(electron.colour, OleColor(0x0000FF00));
-    QVERIFY(near(electron.from, QPointF(80, 60)));
-
-    // Half an orbit later the electron is on the other side.
-    atom.life = qint16(20 - WandGeometry::ElectronTicksPerOrbit / 2);
-    QVERIFY(near(frameOf(atom, false).strokes.at(1).from, QPointF(20, 60)));
-
-    // A tall orbit: the radius is the vertical one.
-    atom.parameter1 = 2.0;
-    const WandStroke tall = frameOf(atom, false).strokes.at(0);
-    QCOMPARE(tall.radiusX(), 15.0);
-    QCOMPARE(tall.radiusY(), 30.0);
-
-    // Erasing over a plain background: orbit and electron in the background.
-    const WandFrame erased = frameOf(atom, true);
-    QCOMPARE(erased.strokes.at(0).colour, Back);
-    QCOMPARE(erased.strokes.at(1).colour, Back);
-}
-
-void TestWandGeometry::starburstOpensOutward()
-{
-    const WandFrame fresh = frameOf(element(keloWandStyle::Starburst, 20, 20), false);
-    // One ray every pi/10; the floating-point angle passes 2 pi after 20 steps.
-    QCOMPARE(fresh.lineCount(), 20);
-    const WandStroke first = fresh.strokes.at(0);
-    QCOMPARE(first.from, QPointF(50, 60));
-    QCOMPARE(first.to, QPointF(56, 60));
-    for (const WandStroke &ray : fresh.strokes) {
-        QVERIFY(qAbs(lengthOf(ray) - 6.0) < 1e-9);
+    for (const WandElement &e : {element(keloWandStyle::Stars, 4, 6, 0x00FF00), atom}) {
+        const WandFrame drawn = frameOf(e, false);
+        const WandFrame erased = frameOf(e, true);
+        const WandFrame erasedOverPicture = frameOf(e, true, true);
+        QVERIFY(erasedOverPicture.exclusiveOr);
+        QVERIFY(!erased.exclusiveOr);
+        // The same geometry: the erasing frame covers the drawn one, in the
+        // background colour, or over a picture repeating the drawing.
+        QCOMPARE(erasedOverPicture.strokes, drawn.strokes);
+        for (int i = 0; i < drawn.strokes.size(); ++i) {
+            WandStroke expected = drawn.strokes.at(i);
+            expected.colour = Back;
+            QCOMPARE(erased.strokes.at(i), expected);
+        }
     }
-    const WandFrame last = frameOf(element(keloWandStyle::Starburst, 1, 20), false);
-    QCOMPARE(last.strokes.at(0).from, QPointF(50 + 38, 60));
-    QCOMPARE(last.strokes.at(0).to, QPointF(50 + 44, 60));
-    const WandStroke quarter = last.strokes.at(5);
-    QVERIFY(near(quarter.from, QPointF(50 + 38 * std::cos(M_PI / 2), 60 + 38 * std::sin(M_PI / 2))));
-    QCOMPARE(last.strokes.at(0).colour, WandColors::blend(0x40, Back, 19.0 / 20.0));
+    // Over a picture the erasing frame of a ripple repeats the faded colour.
+    QCOMPARE(frameOf(element(keloWandStyle::Ripples, 20, 40), true, true).strokes.at(0).colour, RGB(0x20, 0, 16));
 }
 
 void TestWandGeometry::lightningHasThirtyThreeConnectedSegments()
@@ -258,23 +231,20 @@ void TestWandGeometry::lightningHasThirtyThreeConnectedSegments()
     bolt.parameter1 = 1.0;
     const WandFrame frame = frameOf(bolt, false);
     QCOMPARE(frame.lineCount(), 33);
+    const auto near = [](QPointF a, QPointF b) { return std::abs(a.x() - b.x()) + std::abs(a.y() - b.y()) < 1e-9; };
     QList<QPointF> reached{QPointF(50, 60)};
     for (const WandStroke &segment : frame.strokes) {
         QCOMPARE(segment.colour, OleColor(0x00FFFFFF));
-        QVERIFY(lengthOf(segment) >= 10.0 - 1e-9);
-        QVERIFY(lengthOf(segment) < 20.0);
-        const bool connected
-            = std::any_of(reached.cbegin(), reached.cend(), [&](QPointF p) { return near(p, segment.from); });
-        QVERIFY2(connected, "every segment starts where the bolt already is");
+        QVERIFY(lengthOf(segment) >= 10.0 - 1e-9 && lengthOf(segment) < 20.0);
+        QVERIFY2(std::any_of(reached.cbegin(), reached.cend(), [&](QPointF p) { return near(p, segment.from); }),
+            "every segment starts where the bolt already is");
         reached << segment.to;
     }
-    // The first level is one segment from the start, in the direction the
-    // generator's numbers give it.
+    // The first level is one segment from the start, in the direction the generator's numbers give it.
     resetRandomGenerator();
     const double length = double(Rnd()) * 10 + 10;
     const double angle = std::fmod(1.0 + (double(Rnd()) - 0.5) * 3, 2 * WandGeometry::Pi);
-    const QPointF end(50 + length * std::sin(angle), 60 + length * std::cos(angle));
-    QVERIFY(near(frame.strokes.at(0).to, end));
+    QVERIFY(near(frame.strokes.at(0).to, QPointF(50 + length * std::sin(angle), 60 + length * std::cos(angle))));
 }
 
 void TestWandGeometry::boltDepthDecidesItsSize_data()

@@ -36,12 +36,27 @@ public:
     QList<Shown> shown;
 };
 
-std::unique_ptr<QWidget> makeSurface()
+// A pool drawing into a recording display, and a 300 x 300 surface to move over.
+struct Pool
 {
-    auto surface = std::make_unique<QWidget>();
-    surface->resize(300, 300);
-    return surface;
-}
+    RecordingDisplay display;
+    WandPool pool{&display};
+    std::unique_ptr<QWidget> surface = std::make_unique<QWidget>();
+
+    Pool() { surface->resize(300, 300); }
+    // One tick, then a movement over the surface.
+    void tickAndMove(keloWandStyle style, float x = 100, float y = 100)
+    {
+        pool.advance();
+        pool.movement(surface.get(), x, y, style);
+    }
+    void ticks(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            pool.advance();
+        }
+    }
+};
 
 } // namespace
 
@@ -54,78 +69,70 @@ private Q_SLOTS:
     void cleanupTestCase() { resetRandomGenerator(); }
 
     void startsOncePerTickInTheHighestFreeSlot();
-    void atomsStopAtSixActive();
     void twipsAreConvertedAtFifteenPerPixel_data();
     void twipsAreConvertedAtFifteenPerPixel();
-    void noneStyleOnlyRecordsTheTemplate();
     void idleWandSparklesAtTheLastPosition();
     void lifetimesAndFrameOrder_data();
     void lifetimesAndFrameOrder();
     void pictureModeUsesTheExclusiveOrPen();
-    void resetErasesEverythingAtOnce();
-    void destroyedSurfacesRunOutSilently();
-    void surfacesThatCannotBeDrawnOnRaise();
+    void resetAndLostSurfaces();
     void startsDrawFromTheFixedSequence();
 };
 
 // At most one start per tick, always in the free slot with the highest
-// index, never more than 21 alive; the template follows every movement.
+// index, never more than 21 alive (6 atoms); the template follows every
+// movement, also of the None style, which starts nothing.
 void TestWandPool::startsOncePerTickInTheHighestFreeSlot()
 {
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    QVERIFY(!pool.mayStart());
-    pool.movement(surface.get(), 10, 10, keloWandStyle::Stars);
-    QCOMPARE(pool.activeCount(), 0);
-    QVERIFY(display.shown.isEmpty());
+    Pool p;
+    QVERIFY(!p.pool.mayStart());
+    p.pool.movement(p.surface.get(), 10, 10, keloWandStyle::Stars);
+    QCOMPARE(p.pool.activeCount(), 0);
+    QVERIFY(p.display.shown.isEmpty());
 
     // Stars live 6 ticks: slots 20 down to 15 fill, then 20 is free again.
     QList<int> started;
     for (int tick = 0; tick < 8; ++tick) {
-        pool.advance();
-        QVERIFY(pool.mayStart());
+        p.pool.advance();
+        QVERIFY(p.pool.mayStart());
         std::array<bool, WandPool::Size> before{};
         for (int i = 0; i < WandPool::Size; ++i) {
-            before[size_t(i)] = pool.element(i).isActive();
+            before[size_t(i)] = p.pool.element(i).isActive();
         }
-        pool.movement(surface.get(), 100, 100, keloWandStyle::Stars);
-        QVERIFY(!pool.mayStart());
-        pool.movement(surface.get(), 120, 130, keloWandStyle::Stars);
+        p.pool.movement(p.surface.get(), 100, 100, keloWandStyle::Stars);
+        QVERIFY(!p.pool.mayStart());
+        p.pool.movement(p.surface.get(), 120, 130, keloWandStyle::Stars);
         for (int i = 0; i < WandPool::Size; ++i) {
-            if (!before[size_t(i)] && pool.element(i).isActive()) {
+            if (!before[size_t(i)] && p.pool.element(i).isActive()) {
                 started << i;
             }
         }
     }
     QCOMPARE(started, (QList<int>{20, 19, 18, 17, 16, 15, 20, 19}));
-    QCOMPARE(pool.templateElement().surface.data(), surface.get());
-    QCOMPARE(pool.templateElement().x, 120.0f);
-    QCOMPARE(pool.templateElement().y, 130.0f);
+    QCOMPARE(p.pool.templateElement().surface.data(), p.surface.get());
+    QCOMPARE(p.pool.templateElement().x, 120.0f);
+    QCOMPARE(p.pool.templateElement().y, 130.0f);
 
-    // Ripples live 40 ticks: the pool fills up and stays full.
-    WandPool full(&display);
-    for (int tick = 0; tick < 30; ++tick) {
-        full.advance();
-        full.movement(surface.get(), 100, 100, keloWandStyle::Ripples);
-        QVERIFY(full.activeCount() <= WandPool::Size);
+    // Ripples live 40 ticks: the pool fills up and stays full; atoms stop at six.
+    for (const auto &[style, limit] :
+        {std::pair{keloWandStyle::Ripples, WandPool::Size}, std::pair{keloWandStyle::Atom, WandPool::AtomLimit}}) {
+        Pool full;
+        int most = 0;
+        for (int tick = 0; tick < 400; ++tick) {
+            full.tickAndMove(style);
+            QVERIFY(full.pool.activeCount() <= limit);
+            most = qMax(most, full.pool.activeCount());
+        }
+        QCOMPARE(most, limit);
     }
-    QCOMPARE(full.activeCount(), WandPool::Size);
-}
-
-void TestWandPool::atomsStopAtSixActive()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    int most = 0;
-    for (int tick = 0; tick < 400; ++tick) {
-        pool.advance();
-        pool.movement(surface.get(), 100, 100, keloWandStyle::Atom);
-        most = qMax(most, pool.activeCount());
-        QVERIFY(pool.activeCount() <= WandPool::AtomLimit);
+    Pool none;
+    for (int tick = 0; tick < 500; ++tick) {
+        none.tickAndMove(keloWandStyle::None, tick, tick);
+        QVERIFY(none.pool.mayStart());
     }
-    QCOMPARE(most, WandPool::AtomLimit);
+    QCOMPARE(none.pool.activeCount(), 0);
+    QCOMPARE(none.pool.templateElement().x, 499.0f);
+    QVERIFY(none.display.shown.isEmpty());
 }
 
 void TestWandPool::twipsAreConvertedAtFifteenPerPixel_data()
@@ -150,69 +157,42 @@ void TestWandPool::twipsAreConvertedAtFifteenPerPixel()
     QFETCH(QPointF, position);
     QFETCH(QPointF, pixels);
 
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
+    Pool p;
+    const QStringList settings{"ScaleMode", "DrawMode", "DrawWidth", "DrawStyle"};
     if (scaleMode.isValid()) {
-        surface->setProperty("ScaleMode", scaleMode);
-        surface->setProperty("DrawMode", 4);
-        surface->setProperty("DrawWidth", 3);
-        surface->setProperty("DrawStyle", 2);
+        KeloTest::setProperties(
+            p.surface.get(), {{"ScaleMode", scaleMode}, {"DrawMode", 4}, {"DrawWidth", 3}, {"DrawStyle", 2}});
     }
-    pool.advance();
-    pool.movement(surface.get(), float(position.x()), float(position.y()), keloWandStyle::Ripples);
-    pool.advance();
-    const WandElement &started = pool.element(20);
+    const QStringList before = KeloTest::propertyTexts(p.surface.get(), settings);
+    p.tickAndMove(keloWandStyle::Ripples, float(position.x()), float(position.y()));
+    p.pool.advance();
+    const WandElement &started = p.pool.element(20);
     QVERIFY(started.isActive());
-    QVERIFY(qAbs(started.x - pixels.x()) < 1e-3);
-    QVERIFY(qAbs(started.y - pixels.y()) < 1e-3);
+    QVERIFY(qAbs(started.x - pixels.x()) < 1e-3 && qAbs(started.y - pixels.y()) < 1e-3);
     // The template keeps the position in the surface's own scale.
-    QCOMPARE(pool.templateElement().x, float(position.x()));
-    QCOMPARE(display.shown.first().frame.strokes.first().from, QPointF(started.x, started.y));
+    QCOMPARE(p.pool.templateElement().x, float(position.x()));
+    QCOMPARE(p.display.shown.first().frame.strokes.first().from, QPointF(started.x, started.y));
     // The surface's own settings are put back after every drawing.
-    QCOMPARE(surface->property("ScaleMode"), scaleMode);
-    if (scaleMode.isValid()) {
-        QCOMPARE(surface->property("DrawMode").toInt(), 4);
-        QCOMPARE(surface->property("DrawWidth").toInt(), 3);
-        QCOMPARE(surface->property("DrawStyle").toInt(), 2);
-    }
-}
-
-void TestWandPool::noneStyleOnlyRecordsTheTemplate()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    for (int tick = 0; tick < 500; ++tick) {
-        pool.advance();
-        pool.movement(surface.get(), tick, tick, keloWandStyle::None);
-        QVERIFY(pool.mayStart());
-    }
-    QCOMPARE(pool.activeCount(), 0);
-    QCOMPARE(pool.templateElement().x, 499.0f);
-    QVERIFY(display.shown.isEmpty());
+    QCOMPARE(KeloTest::propertyTexts(p.surface.get(), settings), before);
 }
 
 void TestWandPool::idleWandSparklesAtTheLastPosition()
 {
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    pool.advance();
-    pool.movement(surface.get(), 150, 150, keloWandStyle::Stars);
+    Pool p;
+    p.tickAndMove(keloWandStyle::Stars, 150, 150);
     int idleStarts = 0;
     for (int tick = 0; tick < 600; ++tick) {
-        const int activeBefore = pool.activeCount();
-        const bool wasFree = !pool.element(0).isActive();
-        pool.advance();
-        if (wasFree && pool.element(0).isActive() && pool.element(0).life == pool.element(0).initialLife) {
+        const int activeBefore = p.pool.activeCount();
+        const bool wasFree = !p.pool.element(0).isActive();
+        p.pool.advance();
+        const WandElement &idle = p.pool.element(0);
+        if (wasFree && idle.isActive() && idle.life == idle.initialLife) {
             ++idleStarts;
             QCOMPARE(activeBefore, 0);
-            QVERIFY(qAbs(pool.element(0).x - 150.0f) <= 20.0f);
-            QVERIFY(qAbs(pool.element(0).y - 150.0f) <= 20.0f);
+            QVERIFY(qAbs(idle.x - 150.0f) <= 20.0f && qAbs(idle.y - 150.0f) <= 20.0f);
         }
         for (int i = 1; i < 20; ++i) {
-            QVERIFY(!pool.element(i).isActive());
+            QVERIFY(!p.pool.element(i).isActive());
         }
     }
     // One start in ten idle ticks, each living six ticks: some, not many.
@@ -229,143 +209,105 @@ void TestWandPool::lifetimesAndFrameOrder_data()
     QTest::newRow("Lightning") << int(keloWandStyle::Lightning) << 1;
 }
 
+// Drawn at start, then erased and redrawn once a tick, erased for good on
+// the last; the idle rule cannot start anything while it lives.
 void TestWandPool::lifetimesAndFrameOrder()
 {
     QFETCH(int, style);
     QFETCH(int, life);
 
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    pool.advance();
-    pool.movement(surface.get(), 100, 100, keloWandStyle(style));
-    QCOMPARE(pool.element(20).life, qint16(life));
-    QCOMPARE(pool.element(20).initialLife, qint16(life));
-    // Ticks without movement, until the element is gone; the idle rule
-    // cannot start anything while it lives.
-    for (int tick = 0; tick < life; ++tick) {
-        pool.advance();
-    }
-    QCOMPARE(pool.element(20).life, qint16(0));
-    // Drawn at start, then erased and redrawn once a tick, erased for good
-    // on the last.
+    Pool p;
+    p.tickAndMove(keloWandStyle(style));
+    QCOMPARE(p.pool.element(20).life, qint16(life));
+    QCOMPARE(p.pool.element(20).initialLife, qint16(life));
+    p.ticks(life);
+    QCOMPARE(p.pool.element(20).life, qint16(0));
     QList<bool> erasing;
-    for (const RecordingDisplay::Shown &s : display.shown) {
+    for (const RecordingDisplay::Shown &s : p.display.shown) {
         if (s.element == 20) {
+            QCOMPARE(s.surface, p.surface.get());
             erasing << s.frame.erasing;
-            QCOMPARE(s.surface, surface.get());
         }
     }
     QList<bool> expected{false};
     for (int tick = 1; tick < life; ++tick) {
         expected << true << false;
     }
-    expected << true;
-    QCOMPARE(erasing, expected);
+    QCOMPARE(erasing, expected << true);
 }
 
 void TestWandPool::pictureModeUsesTheExclusiveOrPen()
 {
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    pool.setPictureMode(true);
-    pool.advance();
-    pool.movement(surface.get(), 100, 100, keloWandStyle::Stars);
-    pool.advance();
-    QCOMPARE(display.shown.size(), 3);
-    const OleColor colour = pool.element(20).colour;
-    for (const RecordingDisplay::Shown &s : display.shown) {
+    Pool p;
+    p.pool.setPictureMode(true);
+    p.tickAndMove(keloWandStyle::Stars);
+    p.pool.advance();
+    QCOMPARE(p.display.shown.size(), 3);
+    for (const RecordingDisplay::Shown &s : p.display.shown) {
         QVERIFY(s.frame.exclusiveOr);
         for (const WandStroke &stroke : s.frame.strokes) {
-            QCOMPARE(stroke.colour, colour);
+            QCOMPARE(stroke.colour, p.pool.element(20).colour);
         }
     }
     // The erasing frame repeats the drawing it removes.
-    QCOMPARE(display.shown.at(1).frame.strokes, display.shown.at(0).frame.strokes);
+    QCOMPARE(p.display.shown.at(1).frame.strokes, p.display.shown.at(0).frame.strokes);
 }
 
-void TestWandPool::resetErasesEverythingAtOnce()
+void TestWandPool::resetAndLostSurfaces()
 {
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
+    // A reset erases everything at once.
+    Pool p;
     for (int tick = 0; tick < 5; ++tick) {
-        pool.advance();
-        pool.movement(surface.get(), 100, 100, keloWandStyle::Ripples);
+        p.tickAndMove(keloWandStyle::Ripples);
     }
-    QCOMPARE(pool.activeCount(), 5);
-    display.shown.clear();
-    pool.reset();
-    QCOMPARE(pool.activeCount(), 0);
-    QCOMPARE(display.shown.size(), 5);
-    for (const RecordingDisplay::Shown &s : display.shown) {
+    QCOMPARE(p.pool.activeCount(), 5);
+    p.display.shown.clear();
+    p.pool.reset();
+    QCOMPARE(p.pool.activeCount(), 0);
+    QCOMPARE(p.display.shown.size(), 5);
+    for (const RecordingDisplay::Shown &s : p.display.shown) {
         QVERIFY(s.frame.erasing);
     }
-}
 
-void TestWandPool::destroyedSurfacesRunOutSilently()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
-    pool.advance();
-    pool.movement(surface.get(), 100, 100, keloWandStyle::Stars);
-    QCOMPARE(pool.activeCount(), 1);
-    surface.reset();
-    display.shown.clear();
-    for (int tick = 0; tick < 6; ++tick) {
-        pool.advance();
-    }
-    QCOMPARE(pool.activeCount(), 0);
-    QVERIFY(display.shown.isEmpty());
-    // The idle rule finds the template's surface gone and starts nothing.
-    for (int tick = 0; tick < 200; ++tick) {
-        pool.advance();
-    }
-    QCOMPARE(pool.activeCount(), 0);
-}
+    // A destroyed surface: its elements run out silently, and the idle rule
+    // finds the template's surface gone and starts nothing.
+    p.tickAndMove(keloWandStyle::Stars);
+    QCOMPARE(p.pool.activeCount(), 1);
+    p.surface.reset();
+    p.display.shown.clear();
+    p.ticks(206);
+    QCOMPARE(p.pool.activeCount(), 0);
+    QVERIFY(p.display.shown.isEmpty());
 
-void TestWandPool::surfacesThatCannotBeDrawnOnRaise()
-{
-    RecordingDisplay display;
-    WandPool pool(&display);
+    // Surfaces that cannot be drawn on raise, and start nothing, so the next movement may still start.
     QTimer timer;
-    pool.advance();
-    QCOMPARE(KeloTest::errorNumberOf([&] { pool.movement(&timer, 1, 1, keloWandStyle::Ripples); }), 438);
-    QCOMPARE(pool.activeCount(), 0);
-    // Nothing started, so the next movement may still start.
-    QVERIFY(pool.mayStart());
-    QCOMPARE(KeloTest::errorNumberOf([&] { pool.movement(nullptr, 1, 1, keloWandStyle::Ripples); }), 91);
-    // Advancing with such a template ignores the failures.
-    pool.advance();
+    p.pool.advance();
+    QCOMPARE(KeloTest::errorNumberOf([&] { p.pool.movement(&timer, 1, 1, keloWandStyle::Ripples); }), 438);
+    QCOMPARE(p.pool.activeCount(), 0);
+    QVERIFY(p.pool.mayStart());
+    QCOMPARE(KeloTest::errorNumberOf([&] { p.pool.movement(nullptr, 1, 1, keloWandStyle::Ripples); }), 91);
+    p.pool.advance(); // advancing with such a template ignores the failures
 }
 
 void TestWandPool::startsDrawFromTheFixedSequence()
 {
-    RecordingDisplay display;
-    WandPool pool(&display);
-    auto surface = makeSurface();
+    Pool p;
     const float first = Rnd(), second = Rnd(), third = Rnd();
-
+    const auto startAfterReset = [&](keloWandStyle style) {
+        p.pool.advance();
+        resetRandomGenerator();
+        p.pool.movement(p.surface.get(), 100, 100, style);
+    };
     // Atom: chance(2) first. The generator's first number, 0.7055, is not
     // below 1/2, so nothing starts and only that number is used.
-    pool.advance();
-    resetRandomGenerator();
-    pool.movement(surface.get(), 100, 100, keloWandStyle::Atom);
-    QCOMPARE(pool.activeCount(), 0);
+    startAfterReset(keloWandStyle::Atom);
+    QCOMPARE(p.pool.activeCount(), 0);
     QCOMPARE(Rnd(), second);
-
-    pool.advance();
-    resetRandomGenerator();
-    pool.movement(surface.get(), 100, 100, keloWandStyle::Starburst);
-    QCOMPARE(pool.element(20).colour, QBColor(int(std::nearbyint(double(first) * 15)))); // 10.58 -> 11
-
+    startAfterReset(keloWandStyle::Starburst);
+    QCOMPARE(p.pool.element(20).colour, QBColor(int(std::nearbyint(double(first) * 15)))); // 10.58 -> 11
     // Stars: x, then y, then the colour.
-    pool.advance();
-    resetRandomGenerator();
-    pool.movement(surface.get(), 100, 100, keloWandStyle::Stars);
-    const WandElement &star = pool.element(19);
+    startAfterReset(keloWandStyle::Stars);
+    const WandElement &star = p.pool.element(19);
     QCOMPARE(star.x, float(100 + double(first) * 40 - 20));
     QCOMPARE(star.y, float(100 + double(second) * 40 - 20));
     QCOMPARE(star.colour, QBColor(int(std::nearbyint(double(third) * 15)))); // 8.69 -> 9
