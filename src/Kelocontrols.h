@@ -3,10 +3,15 @@
 // Umbrella header: everything a host needs to use the Kelocontrols widgets.
 
 #include "ChameleonPropertyPage.h"
+#include "ClipboardFiles.h"
 #include "CommonFile.h"
 #include "Conversions.h"
+#include "FileConfirmations.h"
 #include "FileIcon.h"
+#include "FileOperations.h"
+#include "FileProgressDialog.h"
 #include "FileSystem.h"
+#include "FileTransfer.h"
 #include "ImageList.h"
 #include "InterfaceDescription.h"
 #include "ItemModelRecordset.h"
@@ -31,3 +36,4 @@
 #include "RuntimeError.h"
 #include "SettingsStore.h"
 #include "SqlQueryRecordset.h"
+#include "TransferMonitor.h"
