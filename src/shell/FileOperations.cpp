@@ -192,7 +192,7 @@ int copyContents(Job &job, int in, int out, qint64 size, dev_t targetDevice)
         if (::ioctl(out, FICLONE, in) == 0) {
             if (job.monitor)
                 job.monitor->addBytes(size);
-            return 0;
+            return job.monitor && job.shouldStop() ? ECANCELED : 0;
         }
         job.noReflink.insert(targetDevice);
     }
@@ -257,6 +257,9 @@ int writeFile(Job &job, int sourceFolder, const char *sourceName, int targetFold
     if (!S_ISREG(info.st_mode))
         return EINVAL;
     job.beginItem(sourceName, info.st_size);
+    if (info.st_size >= (qint64(1) << 16))
+        ::posix_fadvise(
+            in.get(), 0, 0, POSIX_FADV_SEQUENTIAL); // a source not in the cache is read ahead in large steps
     UniqueFd out(::openat(targetFolder, targetName, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!out.valid())
         return errno;
