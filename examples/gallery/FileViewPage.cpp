@@ -1,6 +1,8 @@
 #include "GalleryPages.h"
 
+#include <Kelocontrols/ClipboardFiles.h>
 #include <Kelocontrols/FileIcon.h>
+#include <Kelocontrols/FileTransfer.h>
 #include <Kelocontrols/KelofileView.h>
 #include <Kelocontrols/ListView.h>
 #include <Kelocontrols/frmProperties.h>
@@ -92,6 +94,41 @@ QLabel *caption(const QString &text, QWidget *parent)
     return label;
 }
 
+// Copy and paste on the sample folder through the clipboard's file list:
+// what is copied here pastes into a file manager, and the other way round.
+QWidget *clipboardBar(KelofileView *files, QWidget *parent)
+{
+    auto *bar = new QWidget(parent);
+    auto *layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *copy = new QPushButton(QStringLiteral("Copy selected"), bar);
+    auto *paste = new QPushButton(QStringLiteral("Paste"), bar);
+    auto *pasteMove = new QPushButton(QStringLiteral("Paste (move)"), bar);
+    auto *state = new QLabel(bar);
+    layout->addWidget(copy);
+    layout->addWidget(paste);
+    layout->addWidget(pasteMove);
+    layout->addWidget(state, 1);
+    QObject::connect(copy, &QPushButton::clicked, files, [files, state] {
+        const int selected = files->ItemSelected();
+        if (selected <= 0) {
+            state->setText(QStringLiteral("Select a file or folder first."));
+            return;
+        }
+        files->setItemIndex(selected);
+        const QString path = files->PathRoot() + QLatin1Char('/') + files->ItemName();
+        if (Kelocontrols::ClipboardPutFiles({path}))
+            state->setText(QStringLiteral("On the clipboard: %1").arg(path));
+    });
+    const auto pasteHere = [files](bool asCopy) {
+        Kelocontrols::PasteFiles(files->PathRoot(), asCopy);
+        files->Refresh(); // show what the paste did
+    };
+    QObject::connect(paste, &QPushButton::clicked, files, [pasteHere] { pasteHere(true); });
+    QObject::connect(pasteMove, &QPushButton::clicked, files, [pasteHere] { pasteHere(false); });
+    return bar;
+}
+
 QWidget *folderPanel(QWidget *parent)
 {
     auto *panel = new QWidget(parent);
@@ -159,6 +196,7 @@ QWidget *folderPanel(QWidget *parent)
     });
 
     layout->addLayout(controls);
+    layout->addWidget(clipboardBar(files, panel));
     layout->addWidget(files, 1);
     layout->addWidget(status);
     return panel;

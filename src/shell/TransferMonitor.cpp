@@ -1,0 +1,7 @@
+#include "TransferMonitor.h"
+
+namespace Kelocontrols {
+
+TransferMonitor::~TransferMonitor() = default;
+
+} // namespace Kelocontrols
