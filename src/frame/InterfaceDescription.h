@@ -55,7 +55,7 @@ namespace Kelocontrols {
  * - A member with a "DispId:<name>" class information entry shows its
  *   dispatch id; one with a "Help:<name>" entry has its help string on the
  *   following line.
- * - Enumerations are those of namespace Kelocontrols that the properties,
+ * - Enumerations are the published ones (KeloEnums.h) that the properties,
  *   methods or events use, in order of first use, with every member and value.
  */
 QString describeInterface(const QObject &control);

@@ -55,23 +55,23 @@ const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
                 "Style", QVariant(0), [](const C &c) { return QVariant(c.m_style); },
                 [](C &c, const QVariant &v) { c.m_style = CInt(v); })
             .add(
-                "ScoreStar", QVariant(0.8f), [](const C &c) { return QVariant(c.m_thresholds.star); },
-                [](C &c, const QVariant &v) { c.m_thresholds.star = CSng(v); })
+                "ScoreStar", QVariant(0.8f), [](const C &c) { return QVariant(c.scale().thresholds.star); },
+                [](C &c, const QVariant &v) { c.m_scale.thresholds.star = CSng(v); })
             .add(
-                "ScoreGood", QVariant(0.6f), [](const C &c) { return QVariant(c.m_thresholds.good); },
-                [](C &c, const QVariant &v) { c.m_thresholds.good = CSng(v); })
+                "ScoreGood", QVariant(0.6f), [](const C &c) { return QVariant(c.scale().thresholds.good); },
+                [](C &c, const QVariant &v) { c.m_scale.thresholds.good = CSng(v); })
             .add(
-                "ScoreMaybe", QVariant(0.4f), [](const C &c) { return QVariant(c.m_thresholds.maybe); },
-                [](C &c, const QVariant &v) { c.m_thresholds.maybe = CSng(v); })
+                "ScoreMaybe", QVariant(0.4f), [](const C &c) { return QVariant(c.scale().thresholds.maybe); },
+                [](C &c, const QVariant &v) { c.m_scale.thresholds.maybe = CSng(v); })
             .add(
-                "ScoreBad", QVariant(0.2f), [](const C &c) { return QVariant(c.m_thresholds.bad); },
-                [](C &c, const QVariant &v) { c.m_thresholds.bad = CSng(v); })
+                "ScoreBad", QVariant(0.2f), [](const C &c) { return QVariant(c.scale().thresholds.bad); },
+                [](C &c, const QVariant &v) { c.m_scale.thresholds.bad = CSng(v); })
             .add(
-                "ScoreMin", QVariant(0.0f), [](const C &c) { return QVariant(c.m_scoreMin); },
-                [](C &c, const QVariant &v) { c.m_scoreMin = CSng(v); })
+                "ScoreMin", QVariant(0.0f), [](const C &c) { return QVariant(c.scale().min); },
+                [](C &c, const QVariant &v) { c.m_scale.min = CSng(v); })
             .add(
-                "ScoreMax", QVariant(1.0f), [](const C &c) { return QVariant(c.m_scoreMax); },
-                [](C &c, const QVariant &v) { c.m_scoreMax = CSng(v); })
+                "ScoreMax", QVariant(1.0f), [](const C &c) { return QVariant(c.scale().max); },
+                [](C &c, const QVariant &v) { c.m_scale.max = CSng(v); })
             .add(
                 "ShowLimitLines", QVariant(false), [](const C &c) { return QVariant(c.m_showLimitLines); },
                 [](C &c, const QVariant &v) { c.m_showLimitLines = CBool(v); })
@@ -231,90 +231,84 @@ void KeloscoreCard::setStyle(keloScoreCardStyle style)
     propertyChanged("Style");
 }
 
-// Each threshold clamps against its two neighbours only: first the one
-// below, then the one above.
+// The clamping rules live in ScoreScale. While the first batch of writes is
+// open (a form setting its properties), the writes are also kept as written:
+// a scale that is in order as written is the card's scale, even where one
+// write alone was clamped against a neighbour the form had not set yet.
 void KeloscoreCard::setScoreStar(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.good) {
-        s = m_thresholds.good;
-    }
-    if (s > m_scoreMax) {
-        s = m_scoreMax;
-    }
-    m_thresholds.star = s;
-    propertyChanged("ScoreStar");
-    redraw();
+    noteFirstWrite("ScoreStar");
+    const float s = single(score);
+    m_scale = m_scale.withStar(s);
+    m_written.thresholds.star = s;
+    scaleChanged("ScoreStar");
 }
 
 void KeloscoreCard::setScoreGood(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.maybe) {
-        s = m_thresholds.maybe;
-    }
-    if (s > m_thresholds.star) {
-        s = m_thresholds.star;
-    }
-    m_thresholds.good = s;
-    propertyChanged("ScoreGood");
-    redraw();
+    noteFirstWrite("ScoreGood");
+    const float s = single(score);
+    m_scale = m_scale.withGood(s);
+    m_written.thresholds.good = s;
+    scaleChanged("ScoreGood");
 }
 
 void KeloscoreCard::setScoreMaybe(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.bad) {
-        s = m_thresholds.bad;
-    }
-    if (s > m_thresholds.good) {
-        s = m_thresholds.good;
-    }
-    m_thresholds.maybe = s;
-    propertyChanged("ScoreMaybe");
-    redraw();
+    noteFirstWrite("ScoreMaybe");
+    const float s = single(score);
+    m_scale = m_scale.withMaybe(s);
+    m_written.thresholds.maybe = s;
+    scaleChanged("ScoreMaybe");
 }
 
 void KeloscoreCard::setScoreBad(double score)
 {
-    float s = single(score);
-    if (s < m_scoreMin) {
-        s = m_scoreMin;
-    }
-    if (s > m_thresholds.maybe) {
-        s = m_thresholds.maybe;
-    }
-    m_thresholds.bad = s;
-    propertyChanged("ScoreBad");
-    redraw();
+    noteFirstWrite("ScoreBad");
+    const float s = single(score);
+    m_scale = m_scale.withBad(s);
+    m_written.thresholds.bad = s;
+    scaleChanged("ScoreBad");
 }
 
-// ScoreMin and ScoreMax step back by one whole unit when they would cross,
-// then push every threshold that falls outside the new range.
 void KeloscoreCard::setScoreMin(double score)
 {
+    noteFirstWrite("ScoreMin");
     const float s = single(score);
-    m_scoreMin = s >= m_scoreMax ? m_scoreMax - 1.0f : s;
-    for (float *t : {&m_thresholds.bad, &m_thresholds.maybe, &m_thresholds.good, &m_thresholds.star}) {
-        if (*t < m_scoreMin) {
-            *t = m_scoreMin;
-        }
-    }
-    propertyChanged("ScoreMin");
-    redraw();
+    m_scale = m_scale.withMin(s);
+    m_written.min = s;
+    scaleChanged("ScoreMin");
 }
 
 void KeloscoreCard::setScoreMax(double score)
 {
+    noteFirstWrite("ScoreMax");
     const float s = single(score);
-    m_scoreMax = s <= m_scoreMin ? m_scoreMin + 1.0f : s;
-    for (float *t : {&m_thresholds.bad, &m_thresholds.maybe, &m_thresholds.good, &m_thresholds.star}) {
-        if (*t > m_scoreMax) {
-            *t = m_scoreMax;
-        }
+    m_scale = m_scale.withMax(s);
+    m_written.max = s;
+    scaleChanged("ScoreMax");
+}
+
+void KeloscoreCard::scaleChanged(const char *name)
+{
+    if (!inFirstWrites()) {
+        m_written = m_scale;
     }
-    propertyChanged("ScoreMax");
+    propertyChanged(name);
     redraw();
+}
+
+const ScoreScale &KeloscoreCard::scale() const
+{
+    return inFirstWrites() && m_written.isOrdered() ? m_written : m_scale;
+}
+
+void KeloscoreCard::firstWritesSettled()
+{
+    if (m_written.isOrdered()) {
+        m_scale = m_written;
+    }
+    m_written = m_scale;
 }
 
 // ---- gauge decorations ------------------------------------------------------
@@ -398,13 +392,44 @@ void KeloscoreCard::setGaugeOrientation(keloGaugeOrientation orientation)
 
 int KeloscoreCard::grade() const
 {
-    return scoreGrade(m_value, m_thresholds);
+    return scoreGrade(m_value, scale().thresholds);
+}
+
+double KeloscoreCard::ScoreStar() const
+{
+    return scale().thresholds.star;
+}
+
+double KeloscoreCard::ScoreGood() const
+{
+    return scale().thresholds.good;
+}
+
+double KeloscoreCard::ScoreMaybe() const
+{
+    return scale().thresholds.maybe;
+}
+
+double KeloscoreCard::ScoreBad() const
+{
+    return scale().thresholds.bad;
+}
+
+double KeloscoreCard::ScoreMin() const
+{
+    return scale().min;
+}
+
+double KeloscoreCard::ScoreMax() const
+{
+    return scale().max;
 }
 
 // ---- life cycle and layout ----------------------------------------------------
 
 void KeloscoreCard::propertiesLoaded()
 {
+    m_written = m_scale;
     fitToStyle();
     redraw();
 }
@@ -502,7 +527,7 @@ void KeloscoreCard::drawFlashCard()
 
 void KeloscoreCard::drawGauge()
 {
-    if (m_scoreMax == m_scoreMin) {
+    if (scale().max == scale().min) {
         return; // nothing to scale against: the surface keeps what it showed
     }
     m_picture->setPicture(QPixmap());
@@ -510,9 +535,9 @@ void KeloscoreCard::drawGauge()
     GaugeSpec gaugeSpec;
     gaugeSpec.style = m_style;
     gaugeSpec.value = m_value;
-    gaugeSpec.scoreMin = m_scoreMin;
-    gaugeSpec.scoreMax = m_scoreMax;
-    gaugeSpec.thresholds = m_thresholds;
+    gaugeSpec.scoreMin = scale().min;
+    gaugeSpec.scoreMax = scale().max;
+    gaugeSpec.thresholds = scale().thresholds;
     gaugeSpec.foreColor = m_picture->foreColor();
     gaugeSpec.backColor = m_picture->backColor();
     gaugeSpec.blocks = m_blocks;

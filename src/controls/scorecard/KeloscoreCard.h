@@ -25,7 +25,10 @@ class PictureBox;
  *
  * Setters keep the thresholds in order: each clamps against its two
  * neighbours, while `ScoreMin` and `ScoreMax` push all four. Loading a saved
- * control (ReadProperties) keeps values exactly as saved.
+ * control (ReadProperties) keeps values exactly as saved. A form sets the
+ * scale one property at a time right after construction; those first writes
+ * are checked as a whole (see ControlBase): a scale that is in order as
+ * written is kept as written, whatever order its properties came in.
  *
  * Inner widgets: `Picture1` (the drawing surface; its input is re-raised as
  * the stock events), `ImageList32` and `ImageList16` (the fifteen grade
@@ -86,9 +89,8 @@ class KeloscoreCard : public Kelocontrols::ControlBase
     Q_PROPERTY(QFont Font READ Font WRITE setFont)
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
     Q_PROPERTY(double Value READ Value WRITE setValue)
-    Q_PROPERTY(Kelocontrols::keloScoreCardStyle Style READ Style WRITE setStyle)
-    // The scale is declared before the thresholds: forms set properties in
-    // declaration order, and a threshold outside the old scale would be clamped.
+    Q_PROPERTY(Kelocontrols::keloScoreCardStyle::Value Style READ Style WRITE setStyle)
+    // Forms set properties in declaration order: the scale before the thresholds.
     Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
     Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
     Q_PROPERTY(double ScoreStar READ ScoreStar WRITE setScoreStar)
@@ -99,12 +101,13 @@ class KeloscoreCard : public Kelocontrols::ControlBase
     Q_PROPERTY(double ShowTickLinesEvery READ ShowTickLinesEvery WRITE setShowTickLinesEvery)
     Q_PROPERTY(uint TickLineColor READ TickLineColor WRITE setTickLineColor)
     Q_PROPERTY(uint FontColor READ FontColor WRITE setFontColor)
-    Q_PROPERTY(Kelocontrols::keloShowValue ShowValue READ ShowValue WRITE setShowValue)
-    Q_PROPERTY(Kelocontrols::keloToolTipStyle ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
+    Q_PROPERTY(Kelocontrols::keloShowValue::Value ShowValue READ ShowValue WRITE setShowValue)
+    Q_PROPERTY(Kelocontrols::keloToolTipStyle::Value ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
     Q_PROPERTY(QString ToolTip READ ToolTip WRITE setToolTip)
-    Q_PROPERTY(Kelocontrols::keloMarkerStyle ShowMarker READ ShowMarker WRITE setShowMarker)
+    Q_PROPERTY(Kelocontrols::keloMarkerStyle::Value ShowMarker READ ShowMarker WRITE setShowMarker)
     Q_PROPERTY(int ShowBlocks READ ShowBlocks WRITE setShowBlocks)
-    Q_PROPERTY(Kelocontrols::keloGaugeOrientation GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
+    Q_PROPERTY(
+        Kelocontrols::keloGaugeOrientation::Value GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
 
 public:
     explicit KeloscoreCard(QWidget *parent = nullptr);
@@ -131,17 +134,17 @@ public:
     void setValue(double value);
     Kelocontrols::keloScoreCardStyle Style() const { return Kelocontrols::keloScoreCardStyle(m_style); }
     void setStyle(Kelocontrols::keloScoreCardStyle style);
-    double ScoreStar() const { return m_thresholds.star; }
+    double ScoreStar() const;
     void setScoreStar(double score);
-    double ScoreGood() const { return m_thresholds.good; }
+    double ScoreGood() const;
     void setScoreGood(double score);
-    double ScoreMaybe() const { return m_thresholds.maybe; }
+    double ScoreMaybe() const;
     void setScoreMaybe(double score);
-    double ScoreBad() const { return m_thresholds.bad; }
+    double ScoreBad() const;
     void setScoreBad(double score);
-    double ScoreMin() const { return m_scoreMin; }
+    double ScoreMin() const;
     void setScoreMin(double score);
-    double ScoreMax() const { return m_scoreMax; }
+    double ScoreMax() const;
     void setScoreMax(double score);
     bool ShowLimitLines() const { return m_showLimitLines; }
     void setShowLimitLines(bool show);
@@ -185,6 +188,7 @@ Q_SIGNALS:
 
 protected:
     void propertiesLoaded() override;
+    void firstWritesSettled() override;
     void userModeChanged() override;
     void resizeEvent(QResizeEvent *event) override;
 
@@ -194,6 +198,8 @@ private:
     bool isPictureStyle() const { return m_style >= 0 && m_style <= 5; }
     QSize pictureFitSize() const;
     void forwardStockEvents();
+    const Kelocontrols::ScoreScale &scale() const;
+    void scaleChanged(const char *name);
     void redraw();
     void drawPicture();
     void drawFlashCard();
@@ -209,9 +215,9 @@ private:
 
     float m_value = 0.5f;
     int m_style = 0;
-    Kelocontrols::ScoreThresholds m_thresholds;
-    float m_scoreMin = 0.0f;
-    float m_scoreMax = 1.0f;
+    Kelocontrols::ScoreScale m_scale;
+    // The scale as written while the first batch of writes is open.
+    Kelocontrols::ScoreScale m_written;
     bool m_showLimitLines = false;
     double m_tickEvery = 0.0;
     Kelocontrols::OleColor m_tickLineColor = 0;

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void grade();
     void thresholdClamping();
     void rangeClamping();
+    void formWritesKeepAScaleInOrder_data();
+    void formWritesKeepAScaleInOrder();
     void ignoredValues();
     void propertyChangedNames();
     void toolTips();
@@ -180,6 +182,62 @@ void tst_KeloscoreCard::rangeClamping()
         QCOMPARE(card.ScoreBad(), 9.0);
         QCOMPARE(card.ScoreStar(), 9.0);
     }
+}
+
+using Writes = QList<QPair<QByteArray, double>>;
+using Scale = QList<double>; // ScoreMin, ScoreMax, ScoreBad, ScoreMaybe, ScoreGood, ScoreStar
+
+void tst_KeloscoreCard::formWritesKeepAScaleInOrder_data()
+{
+    QTest::addColumn<bool>("afterEventLoop");
+    QTest::addColumn<Writes>("writes");
+    QTest::addColumn<Scale>("expected");
+
+    const Writes below{{"ScoreStar", 0.125}, {"ScoreGood", 0.0625}, {"ScoreMaybe", 0.03125}, {"ScoreBad", 0.015625}};
+    QTest::newRow("all below their defaults") << false << below << Scale{0, 1, 0.015625, 0.03125, 0.0625, 0.125};
+    QTest::newRow("all above their defaults")
+        << false << Writes{{"ScoreStar", 0.96875}, {"ScoreGood", 0.9375}, {"ScoreMaybe", 0.875}, {"ScoreBad", 0.84375}}
+        << Scale{0, 1, 0.84375, 0.875, 0.9375, 0.96875};
+    QTest::newRow("range below zero") << false
+                                      << Writes{{"ScoreMin", -2}, {"ScoreMax", -1}, {"ScoreStar", -1.125},
+                                             {"ScoreGood", -1.25}, {"ScoreMaybe", -1.5}, {"ScoreBad", -1.75}}
+                                      << Scale{-2, -1, -1.75, -1.5, -1.25, -1.125};
+    // What is not in order as a whole is clamped write by write.
+    QTest::newRow("one threshold alone") << false << Writes{{"ScoreStar", 0.125}}
+                                         << Scale{0, 1, double(0.2f), double(0.4f), double(0.6f), double(0.6f)};
+    // A write against declaration order is no form's: the writes before it
+    // are taken as they stand, and it is clamped.
+    QTest::newRow("against declaration order") << false << Writes{{"ScoreBad", 0.015625}, {"ScoreMaybe", 0.03125}}
+                                               << Scale{0, 1, 0.015625, 0.03125, double(0.6f), double(0.8f)};
+    QTest::newRow("written twice") << false << Writes{{"ScoreStar", 0.125}, {"ScoreStar", 0.7}}
+                                   << Scale{0, 1, double(0.2f), double(0.4f), double(0.6f), double(0.7f)};
+    QTest::newRow("once the event loop ran")
+        << true << below << Scale{0, 1, 0.015625, double(0.2f), double(0.4f), double(0.6f)};
+}
+
+// A form sets its properties one by one in declaration order: a scale that
+// is in order once all are set is kept exactly, whatever each write alone
+// would have been clamped to.
+void tst_KeloscoreCard::formWritesKeepAScaleInOrder()
+{
+    QFETCH(bool, afterEventLoop);
+    QFETCH(Writes, writes);
+    QFETCH(Scale, expected);
+
+    KeloscoreCard card;
+    if (afterEventLoop) {
+        QCoreApplication::processEvents();
+    }
+    for (const auto &[name, value] : writes) {
+        QVERIFY(card.setProperty(name.constData(), value));
+    }
+    const Scale actual{
+        card.ScoreMin(), card.ScoreMax(), card.ScoreBad(), card.ScoreMaybe(), card.ScoreGood(), card.ScoreStar()};
+    QCOMPARE(actual, expected);
+    QCoreApplication::processEvents(); // the batch ends: nothing moves
+    const Scale settled{
+        card.ScoreMin(), card.ScoreMax(), card.ScoreBad(), card.ScoreMaybe(), card.ScoreGood(), card.ScoreStar()};
+    QCOMPARE(settled, expected);
 }
 
 void tst_KeloscoreCard::ignoredValues()
