@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "PropertyBag.h"
 
 #include <QFont>
@@ -30,7 +32,7 @@ class PropertyTableBase;
  *   polished (shown) or when the event loop runs; firstWritesSettled() is
  *   then called once.
  */
-class ControlBase : public QWidget
+class KELOCONTROLS_EXPORT ControlBase : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(bool UserMode READ UserMode WRITE setUserMode DESIGNABLE false STORED false)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 class QObject;
@@ -58,6 +60,6 @@ namespace Kelocontrols {
  * - Enumerations are the published ones (KeloEnums.h) that the properties,
  *   methods or events use, in order of first use, with every member and value.
  */
-QString describeInterface(const QObject &control);
+KELOCONTROLS_EXPORT QString describeInterface(const QObject &control);
 
 } // namespace Kelocontrols

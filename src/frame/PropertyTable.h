@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "PropertyBag.h"
 
 #include <QList>
@@ -28,7 +30,7 @@ namespace Kelocontrols {
  * another order (the score card writes ScoreBad late) gives that order with
  * setWriteOrder().
  */
-class PropertyTableBase
+class KELOCONTROLS_EXPORT PropertyTableBase
 {
 public:
     virtual ~PropertyTableBase() = default;

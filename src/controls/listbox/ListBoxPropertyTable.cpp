@@ -1,4 +1,6 @@
-#include "ListBoxPropertyTable.h"
+#include "ListBoxPropertyTable_p.h"
+
+#include "KelolistBox_p.h"
 
 #include "Conversions.h"
 #include "KelolistBox.h"
@@ -21,15 +23,15 @@ ListBoxPropertyTable::ListBoxPropertyTable()
 {
     using C = KelolistBox;
     add(
-        "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.m_backColor); },
+        "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.d->backColor); },
         [](C &c, const QVariant &v) {
-            c.m_backColor = colorFromVariant(v);
+            c.d->backColor = colorFromVariant(v);
             c.applyColors();
         });
     add(
-        "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.m_foreColor); },
+        "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.d->foreColor); },
         [](C &c, const QVariant &v) {
-            c.m_foreColor = colorFromVariant(v);
+            c.d->foreColor = colorFromVariant(v);
             c.applyColors();
         });
     add(
@@ -37,39 +39,39 @@ ListBoxPropertyTable::ListBoxPropertyTable()
         [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); });
     add(
         "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
-        [](C &c, const QVariant &v) { c.m_list->setFont(fontFromVariant(v)); });
+        [](C &c, const QVariant &v) { c.d->list->setFont(fontFromVariant(v)); });
     // The list's current text: saved for the form file's reader, never loaded.
     add(
         "Text", QVariant(QStringLiteral("listItems")), [](const C &c) { return QVariant(c.listText()); }, Storer());
     add(
-        "Locked", QVariant(false), [](const C &c) { return QVariant(c.m_locked); },
-        [](C &c, const QVariant &v) { c.m_locked = CBool(v); });
+        "Locked", QVariant(false), [](const C &c) { return QVariant(c.d->locked); },
+        [](C &c, const QVariant &v) { c.d->locked = CBool(v); });
     // Kept as it was saved (any type the bag holds); it does not select anything.
     add(
-        "Value", QVariant::fromValue(qint16(0)), [](const C &c) { return c.m_savedValue; },
-        [](C &c, const QVariant &v) { c.m_savedValue = v; });
+        "Value", QVariant::fromValue(qint16(0)), [](const C &c) { return c.d->savedValue; },
+        [](C &c, const QVariant &v) { c.d->savedValue = v; });
     add(
-        "Appearance", QVariant(1), [](const C &c) { return QVariant(c.m_appearance); },
+        "Appearance", QVariant(1), [](const C &c) { return QVariant(c.d->appearance); },
         [](C &c, const QVariant &v) {
             const int appearance = CInt(v);
             if (appearance != 0 && appearance != 1) {
                 throw RuntimeError(ErrorNumber::InvalidPropertyValue);
             }
-            c.m_appearance = appearance;
+            c.d->appearance = appearance;
             c.applyAppearance();
         });
     add(
-        "LockedAlways", QVariant(false), [](const C &c) { return QVariant(c.m_lockedAlways); },
-        [](C &c, const QVariant &v) { c.m_lockedAlways = CBool(v); });
+        "LockedAlways", QVariant(false), [](const C &c) { return QVariant(c.d->lockedAlways); },
+        [](C &c, const QVariant &v) { c.d->lockedAlways = CBool(v); });
     add(
-        "DefaultValue", QVariant(0), [](const C &c) { return QVariant(c.m_defaultValue); },
-        [](C &c, const QVariant &v) { c.m_defaultValue = CLng(v); });
+        "DefaultValue", QVariant(0), [](const C &c) { return QVariant(c.d->defaultValue); },
+        [](C &c, const QVariant &v) { c.d->defaultValue = CLng(v); });
     add(
         "ToolTipText", QVariant(QString()), [](const C &c) { return QVariant(c.ToolTipText()); },
-        [](C &c, const QVariant &v) { c.m_list->setToolTip(textFromVariant(v)); });
+        [](C &c, const QVariant &v) { c.d->list->setToolTip(textFromVariant(v)); });
     add(
-        "DefaultText", QVariant(QString()), [](const C &c) { return QVariant(c.m_defaultText); },
-        [](C &c, const QVariant &v) { c.m_defaultText = textFromVariant(v); });
+        "DefaultText", QVariant(QString()), [](const C &c) { return QVariant(c.d->defaultText); },
+        [](C &c, const QVariant &v) { c.d->defaultText = textFromVariant(v); });
 
     m_readOrder = namesOf({"BackColor", "ForeColor", "Enabled", "Font", "Locked", "Value", "Appearance", "LockedAlways",
         "DefaultValue", "ToolTipText", "DefaultText"});

@@ -4,13 +4,14 @@
 #include "KeloEnums.h"
 #include "OleColor.h"
 #include "PropertyTable.h"
-#include "ScoreModel.h"
+#include <kelocontrols_export.h>
 
 #include <QFont>
 
+#include <memory>
+
 namespace Kelocontrols {
-class ImageList;
-class PictureBox;
+struct ScoreScale;
 } // namespace Kelocontrols
 
 /**
@@ -41,7 +42,7 @@ class PictureBox;
  * card->setValue(0.72);
  * \endcode
  */
-class KeloscoreCard : public Kelocontrols::ControlBase
+class KELOCONTROLS_EXPORT KeloscoreCard : public Kelocontrols::ControlBase
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_KeloscoreCard")
@@ -130,9 +131,9 @@ public:
     /// Repaints the surface as it is, without redrawing or rebuilding the tool tip.
     Q_INVOKABLE void Refresh();
 
-    double Value() const { return m_value; }
+    double Value() const;
     void setValue(double value);
-    Kelocontrols::keloScoreCardStyle Style() const { return Kelocontrols::keloScoreCardStyle(m_style); }
+    Kelocontrols::keloScoreCardStyle Style() const;
     void setStyle(Kelocontrols::keloScoreCardStyle style);
     double ScoreStar() const;
     void setScoreStar(double score);
@@ -146,28 +147,25 @@ public:
     void setScoreMin(double score);
     double ScoreMax() const;
     void setScoreMax(double score);
-    bool ShowLimitLines() const { return m_showLimitLines; }
+    bool ShowLimitLines() const;
     void setShowLimitLines(bool show);
-    double ShowTickLinesEvery() const { return m_tickEvery; }
+    double ShowTickLinesEvery() const;
     void setShowTickLinesEvery(double every);
-    Kelocontrols::OleColor TickLineColor() const { return m_tickLineColor; }
+    Kelocontrols::OleColor TickLineColor() const;
     void setTickLineColor(Kelocontrols::OleColor color);
-    Kelocontrols::OleColor FontColor() const { return m_fontColor; }
+    Kelocontrols::OleColor FontColor() const;
     void setFontColor(Kelocontrols::OleColor color);
-    Kelocontrols::keloShowValue ShowValue() const { return Kelocontrols::keloShowValue(m_showValue); }
+    Kelocontrols::keloShowValue ShowValue() const;
     void setShowValue(Kelocontrols::keloShowValue where);
-    Kelocontrols::keloToolTipStyle ToolTipStyle() const { return Kelocontrols::keloToolTipStyle(m_toolTipStyle); }
+    Kelocontrols::keloToolTipStyle ToolTipStyle() const;
     void setToolTipStyle(Kelocontrols::keloToolTipStyle style);
-    QString ToolTip() const { return m_toolTip; }
+    QString ToolTip() const;
     void setToolTip(const QString &text);
-    Kelocontrols::keloMarkerStyle ShowMarker() const { return Kelocontrols::keloMarkerStyle(m_marker); }
+    Kelocontrols::keloMarkerStyle ShowMarker() const;
     void setShowMarker(Kelocontrols::keloMarkerStyle marker);
-    int ShowBlocks() const { return m_blocks; }
+    int ShowBlocks() const;
     void setShowBlocks(int blocks);
-    Kelocontrols::keloGaugeOrientation GaugeOrientation() const
-    {
-        return Kelocontrols::keloGaugeOrientation(m_orientation);
-    }
+    Kelocontrols::keloGaugeOrientation GaugeOrientation() const;
     void setGaugeOrientation(Kelocontrols::keloGaugeOrientation orientation);
 
     /// The grade of the current value, 1 (worst) to 5 (best).
@@ -195,7 +193,7 @@ protected:
 private:
     static const Kelocontrols::PropertyTable<KeloscoreCard> &table();
 
-    bool isPictureStyle() const { return m_style >= 0 && m_style <= 5; }
+    bool isPictureStyle() const;
     QSize pictureFitSize() const;
     void forwardStockEvents();
     const Kelocontrols::ScoreScale &scale() const;
@@ -209,23 +207,6 @@ private:
     void layoutSurface();
     void fitToStyle();
 
-    Kelocontrols::PictureBox *m_picture;
-    Kelocontrols::ImageList *m_images32;
-    Kelocontrols::ImageList *m_images16;
-
-    float m_value = 0.5f;
-    int m_style = 0;
-    Kelocontrols::ScoreScale m_scale;
-    // The scale as written while the first batch of writes is open.
-    Kelocontrols::ScoreScale m_written;
-    bool m_showLimitLines = false;
-    double m_tickEvery = 0.0;
-    Kelocontrols::OleColor m_tickLineColor = 0;
-    Kelocontrols::OleColor m_fontColor = 0;
-    int m_showValue = 0;
-    int m_toolTipStyle = 3;
-    QString m_toolTip;
-    int m_marker = 0;
-    int m_blocks = 0;
-    int m_orientation = 0;
+    class Private;
+    std::unique_ptr<Private> const d;
 };

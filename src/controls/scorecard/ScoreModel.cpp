@@ -1,4 +1,4 @@
-#include "ScoreModel.h"
+#include "ScoreModel_p.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "PostgresServer.h"
 
 #include <Kelocontrols/RuntimeError.h>
-#include <Kelocontrols/SqlQueryRecordset.h>
+#include "SqlQueryRecordset_p.h"
 
 #include <QSqlError>
 #include <QSqlQuery>

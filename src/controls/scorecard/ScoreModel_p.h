@@ -1,11 +1,13 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 namespace Kelocontrols {
 
 /// The four thresholds that split scores into five grades.
-struct ScoreThresholds
+struct KELOCONTROLS_TESTS_EXPORT ScoreThresholds
 {
     float bad = 0.2f;
     float maybe = 0.4f;
@@ -23,7 +25,7 @@ struct ScoreThresholds
  * steps back by one whole unit when it would cross the other end and pushes
  * every threshold that falls outside the new range.
  */
-struct ScoreScale
+struct KELOCONTROLS_TESTS_EXPORT ScoreScale
 {
     float min = 0.0f;
     float max = 1.0f;
@@ -51,9 +53,9 @@ struct ScoreScale
  * takes the higher grade and, with thresholds out of order (a loaded form
  * may have them so), the highest-numbered threshold the value reaches wins.
  */
-int scoreGrade(float value, const ScoreThresholds &thresholds);
+KELOCONTROLS_TESTS_EXPORT int scoreGrade(float value, const ScoreThresholds &thresholds);
 
 /// The colour of a grade: 1 black, 2 red, 3 yellow, 4 green, 5 cyan.
-OleColor gradeColor(int grade);
+KELOCONTROLS_TESTS_EXPORT OleColor gradeColor(int grade);
 
 } // namespace Kelocontrols

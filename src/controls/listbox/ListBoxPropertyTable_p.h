@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "PropertyTable.h"
 
 #include <QList>
@@ -24,7 +26,7 @@ namespace Kelocontrols {
  * DefaultValue, LockedAlways, DefaultText); colours, font, Enabled,
  * Appearance and ToolTipText keep what the list already has.
  */
-class ListBoxPropertyTable final : public PropertyTableBase
+class KELOCONTROLS_TESTS_EXPORT ListBoxPropertyTable final : public PropertyTableBase
 {
 public:
     /// The one table of the class.
