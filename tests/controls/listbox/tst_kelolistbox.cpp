@@ -1,6 +1,6 @@
-#include <Kelocontrols/KelolistBox.h>
 #include "ListBoxModel_p.h"
 #include "ListBoxPropertyTable_p.h"
+#include <Kelocontrols/KelolistBox.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/RuntimeError.h>
 
