@@ -1,11 +1,11 @@
 #include "KelolistBox.h"
 
 #include "KelolistBox_p.h"
+#include "PropertyValues.h"
 
 #include "Conversions.h"
 #include "ItemModelRecordset_p.h"
 #include "ListBoxModel_p.h"
-#include "ListBoxPropertyTable_p.h"
 #include "RuntimeError.h"
 #include "SqlQueryRecordset_p.h"
 #include "StockEventFilter.h"
@@ -90,6 +90,76 @@ QString successText()
 
 } // namespace
 
+// The list box saves one value it never loads: "Text", the list's current
+// text, written with the default "listItems". Loading applies the lock
+// display as soon as "Locked", "LockedAlways" and the properties before them
+// are in, before "ToolTipText" and "DefaultText". InitProperties resets only
+// the properties the control owns itself (Locked, the saved Value,
+// DefaultValue, LockedAlways, DefaultText); colours, font, Enabled,
+// Appearance and ToolTipText keep what the list already has.
+const PropertyTable<KelolistBox> &KelolistBox::table()
+{
+    static const PropertyTable<KelolistBox> properties = [] {
+        using C = KelolistBox;
+        PropertyTable<C> t;
+        t.add(
+            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.d->backColor); },
+            [](C &c, const QVariant &v) {
+                c.d->backColor = colorFromVariant(v);
+                c.applyColors();
+            });
+        t.add(
+            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.d->foreColor); },
+            [](C &c, const QVariant &v) {
+                c.d->foreColor = colorFromVariant(v);
+                c.applyColors();
+            });
+        t.add(
+            "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
+            [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); });
+        t.add(
+            "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
+            [](C &c, const QVariant &v) { c.d->list->setFont(fontFromVariant(v)); });
+        // The list's current text: saved for the form file's reader, never loaded.
+        t.add(
+            "Text", QVariant(QStringLiteral("listItems")), [](const C &c) { return QVariant(c.listText()); },
+            PropertyTable<C>::Storer());
+        t.add(
+            "Locked", QVariant(false), [](const C &c) { return QVariant(c.d->locked); },
+            [](C &c, const QVariant &v) { c.d->locked = CBool(v); });
+        // Kept as it was saved (any type the bag holds); it does not select anything.
+        t.add(
+            "Value", QVariant::fromValue(qint16(0)), [](const C &c) { return c.d->savedValue; },
+            [](C &c, const QVariant &v) { c.d->savedValue = v; });
+        t.add(
+            "Appearance", QVariant(1), [](const C &c) { return QVariant(c.d->appearance); },
+            [](C &c, const QVariant &v) {
+                const int appearance = CInt(v);
+                if (appearance != 0 && appearance != 1) {
+                    throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+                }
+                c.d->appearance = appearance;
+                c.applyAppearance();
+            });
+        t.add(
+            "LockedAlways", QVariant(false), [](const C &c) { return QVariant(c.d->lockedAlways); },
+            [](C &c, const QVariant &v) { c.d->lockedAlways = CBool(v); });
+        t.add(
+            "DefaultValue", QVariant(0), [](const C &c) { return QVariant(c.d->defaultValue); },
+            [](C &c, const QVariant &v) { c.d->defaultValue = CLng(v); });
+        t.add(
+            "ToolTipText", QVariant(QString()), [](const C &c) { return QVariant(c.ToolTipText()); },
+            [](C &c, const QVariant &v) { c.d->list->setToolTip(textFromVariant(v)); });
+        t.add(
+            "DefaultText", QVariant(QString()), [](const C &c) { return QVariant(c.d->defaultText); },
+            [](C &c, const QVariant &v) { c.d->defaultText = textFromVariant(v); });
+        t.setInitialiseOrder({"Locked", "Value", "DefaultValue", "LockedAlways", "DefaultText"});
+        t.setAfterReading("DefaultValue", [](C &c) { c.applyLockDisplay(); });
+        return t;
+    }();
+    return properties;
+}
+
 KelolistBox::KelolistBox(QWidget *parent)
     : ControlBase(parent)
     , d(new Private(this))
@@ -160,7 +230,7 @@ QString KelolistBox::DefaultText() const
 
 const PropertyTableBase &KelolistBox::propertyTable() const
 {
-    return ListBoxPropertyTable::instance();
+    return table();
 }
 
 // Keys reach the list itself, mouse clicks its viewport.

@@ -2,6 +2,7 @@
 
 #include "ControlBase.h"
 #include "OleColor.h"
+#include "PropertyTable.h"
 
 #include <kelocontrols_export.h>
 
@@ -17,7 +18,6 @@ class QLabel;
 class QListView;
 
 namespace Kelocontrols {
-class ListBoxPropertyTable;
 class Recordset;
 } // namespace Kelocontrols
 
@@ -237,7 +237,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    friend class Kelocontrols::ListBoxPropertyTable;
+    static const Kelocontrols::PropertyTable<KelolistBox> &table();
 
     void forwardStockEvents();
     void onListSelectionChanged();

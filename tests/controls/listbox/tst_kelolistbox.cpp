@@ -1,5 +1,4 @@
 #include "ListBoxModel_p.h"
-#include "ListBoxPropertyTable_p.h"
 #include <Kelocontrols/KelolistBox.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/RuntimeError.h>
@@ -511,7 +510,8 @@ void TestKelolistBox::writeProperties()
 
 void TestKelolistBox::readProperties()
 {
-    const auto &table = Kelocontrols::ListBoxPropertyTable::instance();
+    const KelolistBox probe;
+    const auto &table = probe.propertyTable();
     QCOMPARE(table.readOrder(),
         (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Locked", "Value", "Appearance", "LockedAlways",
             "DefaultValue", "ToolTipText", "DefaultText"}));

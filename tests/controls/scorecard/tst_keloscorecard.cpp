@@ -36,7 +36,9 @@ class tst_KeloscoreCard : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void defaults_data();
     void defaults();
+    void artwork();
     void grade_data();
     void grade();
     void thresholdClamping();
@@ -55,33 +57,36 @@ private Q_SLOTS:
     void stockEvents();
 };
 
+void tst_KeloscoreCard::defaults_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("expected");
+    const QList<QPair<const char *, QVariant>> rows{{"BackColor", 0x8000000Fu}, {"ForeColor", 0x80000012u},
+        {"Enabled", true}, {"BorderStyle", 1}, {"Value", 0.5}, {"Style", 0}, {"ScoreStar", double(0.8f)},
+        {"ScoreGood", double(0.6f)}, {"ScoreMaybe", double(0.4f)}, {"ScoreBad", double(0.2f)}, {"ScoreMin", 0.0},
+        {"ScoreMax", 1.0}, {"ShowLimitLines", false}, {"ShowTickLinesEvery", 0.0}, {"TickLineColor", 0u},
+        {"FontColor", 0u}, {"ShowValue", 0}, {"ToolTipStyle", 3}, {"ToolTip", QString()}, {"ShowMarker", 0},
+        {"ShowBlocks", 0}, {"GaugeOrientation", 0}, {"Font", QApplication::font()}};
+    for (const auto &[name, value] : rows) {
+        QTest::newRow(name) << QByteArray(name) << value;
+    }
+}
+
 void tst_KeloscoreCard::defaults()
 {
-    KeloscoreCard card;
-    QCOMPARE(card.BackColor(), 0x8000000Fu);
-    QCOMPARE(card.ForeColor(), 0x80000012u);
-    QVERIFY(card.Enabled());
-    QCOMPARE(card.BorderStyle(), 1);
-    QCOMPARE(card.Value(), 0.5);
-    QCOMPARE(card.Style(), keloScoreCardStyle::ScoreCardSmall);
-    QCOMPARE(float(card.ScoreStar()), 0.8f);
-    QCOMPARE(float(card.ScoreGood()), 0.6f);
-    QCOMPARE(float(card.ScoreMaybe()), 0.4f);
-    QCOMPARE(float(card.ScoreBad()), 0.2f);
-    QCOMPARE(card.ScoreMin(), 0.0);
-    QCOMPARE(card.ScoreMax(), 1.0);
-    QVERIFY(!card.ShowLimitLines());
-    QCOMPARE(card.ShowTickLinesEvery(), 0.0);
-    QCOMPARE(card.TickLineColor(), 0u);
-    QCOMPARE(card.FontColor(), 0u);
-    QCOMPARE(card.ShowValue(), keloShowValue::None);
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
-    QCOMPARE(card.ToolTip(), QString());
-    QCOMPARE(card.ShowMarker(), keloMarkerStyle::None);
-    QCOMPARE(card.ShowBlocks(), 0);
-    QCOMPARE(card.GaugeOrientation(), keloGaugeOrientation::Horizontal);
-    QCOMPARE(card.Font(), QApplication::font());
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, expected);
+    const KeloscoreCard card;
+    QVariant actual = card.property(property.constData());
+    if (actual.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
+        actual = actual.toInt();
+    }
+    QCOMPARE(actual, expected);
+}
 
+void tst_KeloscoreCard::artwork()
+{
+    KeloscoreCard card;
     // Grade 3: the small score card picture "ScoreCard3" is on the surface.
     QCOMPARE(card.grade(), 3);
     auto *picture = card.findChild<PictureBox *>(QStringLiteral("Picture1"));
