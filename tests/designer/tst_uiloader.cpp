@@ -1,6 +1,5 @@
 // QUiLoader with the Kelocontrols Designer plugin: how the plugin is found,
-// that loaded controls run in run mode, that late-bound property writes by
-// name behave like the typed setters, and that forms written by Qt Designer
+// that loaded controls run in run mode, and that forms written by Qt Designer
 // (every enumeration of every control, thresholds far from their defaults)
 // come back with every value.
 
@@ -12,7 +11,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QSignalSpy>
 #include <QTest>
 #include <QUiLoader>
 
@@ -116,15 +114,6 @@ QStringList controlPropertiesInForm(const QString &path, const QString &widgetNa
     return names;
 }
 
-/// A property value as a plain QVariant: enumerations as their int.
-QVariant plain(const QVariant &value)
-{
-    if (value.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
-        return value.toInt();
-    }
-    return value;
-}
-
 QString pictureToolTip(const QWidget *card)
 {
     const auto *picture = card->findChild<QWidget *>(QStringLiteral("Picture1"));
@@ -141,8 +130,6 @@ private Q_SLOTS:
     void initTestCase();
     void findsThePluginFolder();
     void createsRunModeControls();
-    void setsPropertiesByName_data();
-    void setsPropertiesByName();
     void loadsDesignerForms_data();
     void loadsDesignerForms();
     void loadedCardsShowTheirValues();
@@ -197,63 +184,6 @@ void tst_UiLoader::createsRunModeControls()
     QCOMPARE(card->BackColor(), 0x8000000Fu);
 
     QCOMPARE(loader->createWidget(QStringLiteral("KeloNoSuchControl"), &form), nullptr);
-}
-
-void tst_UiLoader::setsPropertiesByName_data()
-{
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<bool>("written");
-    QTest::addColumn<QVariant>("expected");
-    QTest::addColumn<bool>("emits");
-
-    QTest::newRow("double") << "Value" << QVariant(0.25) << true << QVariant(0.25) << true;
-    QTest::newRow("single precision kept") << "ScoreStar" << QVariant(0.9) << true << QVariant(double(0.9f)) << true;
-    QTest::newRow("system colour") << "BackColor" << QVariant(0x8000000Fu) << true << QVariant(0x8000000Fu) << true;
-    QTest::newRow("system colour as signed 32 bits")
-        << "BackColor" << QVariant(qint32(-2147483633)) << true << QVariant(0x8000000Fu) << true;
-    QTest::newRow("system colour as 64 bits")
-        << "FontColor" << QVariant(qint64(0x80000012)) << true << QVariant(0x80000012u) << true;
-    QTest::newRow("RGB colour from int") << "TickLineColor" << QVariant(0x00FF8040) << true << QVariant(0x00FF8040u)
-                                         << true;
-    QTest::newRow("enum from int") << "Style" << QVariant(7) << true << QVariant(7) << true;
-    QTest::newRow("enum from key") << "Style" << QVariant(QStringLiteral("GaugeRainbow")) << true << QVariant(9)
-                                   << true;
-    QTest::newRow("enum at current value is silent") << "Style" << QVariant(0) << true << QVariant(0) << false;
-    QTest::newRow("ShowValue last member") << "ShowValue" << QVariant(6) << true << QVariant(6) << true;
-    QTest::newRow("ToolTipStyle out of range ignored") << "ToolTipStyle" << QVariant(4) << true << QVariant(3) << false;
-    QTest::newRow("ShowBlocks upper bound") << "ShowBlocks" << QVariant(100) << true << QVariant(100) << true;
-    QTest::newRow("ShowBlocks above range ignored") << "ShowBlocks" << QVariant(101) << true << QVariant(0) << false;
-    QTest::newRow("ShowBlocks negative ignored") << "ShowBlocks" << QVariant(-1) << true << QVariant(0) << false;
-    QTest::newRow("negative tick interval clamps")
-        << "ShowTickLinesEvery" << QVariant(-0.5) << true << QVariant(0.0) << true;
-    QTest::newRow("text that is no number refused")
-        << "Value" << QVariant(QStringLiteral("abc")) << false << QVariant(0.5) << false;
-    QTest::newRow("text") << "ToolTip" << QVariant(QStringLiteral("Release quality")) << true
-                          << QVariant(QStringLiteral("Release quality")) << true;
-    QTest::newRow("bool") << "ShowLimitLines" << QVariant(true) << true << QVariant(true) << true;
-    QTest::newRow("orientation") << "GaugeOrientation" << QVariant(1) << true << QVariant(1) << true;
-}
-
-void tst_UiLoader::setsPropertiesByName()
-{
-    QFETCH(QString, property);
-    QFETCH(QVariant, value);
-    QFETCH(bool, written);
-    QFETCH(QVariant, expected);
-    QFETCH(bool, emits);
-
-    auto loader = buildTreeLoader();
-    std::unique_ptr<QWidget> card(loader->createWidget(QStringLiteral("KeloscoreCard")));
-    QVERIFY(card);
-    QSignalSpy changes(card.get(), SIGNAL(PropertyChanged(QString)));
-
-    QCOMPARE(card->setProperty(property.toLatin1().constData(), value), written);
-    QCOMPARE(plain(card->property(property.toLatin1().constData())), expected);
-    QCOMPARE(changes.size(), emits ? 1 : 0);
-    if (emits) {
-        QCOMPARE(changes.at(0).at(0).toString(), property);
-    }
 }
 
 void tst_UiLoader::loadsDesignerForms_data()

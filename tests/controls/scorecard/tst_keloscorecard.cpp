@@ -45,7 +45,8 @@ private Q_SLOTS:
     void rangeClamping();
     void formWritesKeepAScaleInOrder_data();
     void formWritesKeepAScaleInOrder();
-    void ignoredValues();
+    void lateBoundWrites_data();
+    void lateBoundWrites();
     void propertyChangedNames();
     void toolTips();
     void designTimeLeavesToolTipAlone();
@@ -245,33 +246,66 @@ void tst_KeloscoreCard::formWritesKeepAScaleInOrder()
     QCOMPARE(settled, expected);
 }
 
-void tst_KeloscoreCard::ignoredValues()
+// Late-bound writes by name (a host, QUiLoader) behave like the typed
+// setters: conversions, ranges that ignore a write, and PropertyChanged.
+void tst_KeloscoreCard::lateBoundWrites_data()
 {
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("written");
+    QTest::addColumn<QVariant>("expected");
+    QTest::addColumn<bool>("emits");
+
+    QTest::newRow("double") << "Value" << QVariant(0.25) << true << QVariant(0.25) << true;
+    QTest::newRow("single precision kept") << "ScoreStar" << QVariant(0.9) << true << QVariant(double(0.9f)) << true;
+    QTest::newRow("system colour") << "BackColor" << QVariant(0x8000000Fu) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as signed 32 bits")
+        << "BackColor" << QVariant(qint32(-2147483633)) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as 64 bits")
+        << "FontColor" << QVariant(qint64(0x80000012)) << true << QVariant(0x80000012u) << true;
+    QTest::newRow("RGB colour from int") << "TickLineColor" << QVariant(0x00FF8040) << true << QVariant(0x00FF8040u)
+                                         << true;
+    QTest::newRow("enum from int") << "Style" << QVariant(7) << true << QVariant(7) << true;
+    QTest::newRow("enum from key") << "Style" << QVariant(QStringLiteral("GaugeRainbow")) << true << QVariant(9)
+                                   << true;
+    QTest::newRow("enum at current value is silent") << "Style" << QVariant(0) << true << QVariant(0) << false;
+    QTest::newRow("ShowValue last member") << "ShowValue" << QVariant(6) << true << QVariant(6) << true;
+    QTest::newRow("ToolTipStyle out of range ignored") << "ToolTipStyle" << QVariant(4) << true << QVariant(3) << false;
+    QTest::newRow("ShowBlocks upper bound") << "ShowBlocks" << QVariant(100) << true << QVariant(100) << true;
+    QTest::newRow("ShowBlocks above range ignored") << "ShowBlocks" << QVariant(101) << true << QVariant(0) << false;
+    QTest::newRow("ShowBlocks negative ignored") << "ShowBlocks" << QVariant(-1) << true << QVariant(0) << false;
+    QTest::newRow("negative tick interval clamps")
+        << "ShowTickLinesEvery" << QVariant(-0.5) << true << QVariant(0.0) << true;
+    QTest::newRow("text that is no number refused")
+        << "Value" << QVariant(QStringLiteral("abc")) << false << QVariant(0.5) << false;
+    QTest::newRow("text") << "ToolTip" << QVariant(QStringLiteral("Release quality")) << true
+                          << QVariant(QStringLiteral("Release quality")) << true;
+    QTest::newRow("bool") << "ShowLimitLines" << QVariant(true) << true << QVariant(true) << true;
+    QTest::newRow("orientation") << "GaugeOrientation" << QVariant(1) << true << QVariant(1) << true;
+    QTest::newRow("ToolTipStyle below range ignored") << "ToolTipStyle" << QVariant(-1) << true << QVariant(3) << false;
+    QTest::newRow("value outside the scale kept") << "Value" << QVariant(-2.5) << true << QVariant(-2.5) << true;
+}
+
+void tst_KeloscoreCard::lateBoundWrites()
+{
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
+    QFETCH(bool, written);
+    QFETCH(QVariant, expected);
+    QFETCH(bool, emits);
+
     KeloscoreCard card;
-    card.setShowTickLinesEvery(-5);
-    QCOMPARE(card.ShowTickLinesEvery(), 0.0);
-    card.setShowTickLinesEvery(0.25);
-    QCOMPARE(card.ShowTickLinesEvery(), 0.25);
-
-    card.setShowBlocks(12);
-    card.setShowBlocks(101);
-    QCOMPARE(card.ShowBlocks(), 12);
-    card.setShowBlocks(-1);
-    QCOMPARE(card.ShowBlocks(), 12);
-    card.setShowBlocks(100);
-    QCOMPARE(card.ShowBlocks(), 100);
-    card.setShowBlocks(0);
-    QCOMPARE(card.ShowBlocks(), 0);
-
-    card.setToolTipStyle(keloToolTipStyle::ShowTextAsTip);
-    card.setToolTipStyle(keloToolTipStyle(4));
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowTextAsTip);
-    card.setToolTipStyle(keloToolTipStyle(-1));
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowTextAsTip);
-
-    // A value outside the scale is kept as it is.
-    card.setValue(-2.5);
-    QCOMPARE(card.Value(), -2.5);
+    QSignalSpy changes(&card, &ControlBase::PropertyChanged);
+    QCOMPARE(card.setProperty(property.toLatin1().constData(), value), written);
+    QVariant actual = card.property(property.toLatin1().constData());
+    if (actual.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
+        actual = actual.toInt();
+    }
+    QCOMPARE(actual, expected);
+    QCOMPARE(changes.size(), emits ? 1 : 0);
+    if (emits) {
+        QCOMPARE(changes.at(0).at(0).toString(), property);
+    }
 }
 
 void tst_KeloscoreCard::propertyChangedNames()
@@ -491,19 +525,6 @@ void tst_KeloscoreCard::lateBoundAccess()
 {
     KeloscoreCard card;
     QVERIFY(card.setProperty("Style", 7));
-    QCOMPARE(card.Style(), keloScoreCardStyle::Gauge);
-    QCOMPARE(card.property("Style").toInt(), 7);
-    QVERIFY(card.setProperty("BackColor", 0x8000000Fu));
-    QVERIFY(card.setProperty("ForeColor", int(-2147483633)));
-    QCOMPARE(card.ForeColor(), 0x8000000Fu);
-    QVERIFY(card.setProperty("Value", 0.93));
-    QCOMPARE(card.property("Value").toFloat(), 0.93f);
-    QVERIFY(card.setProperty("ShowBlocks", 101));
-    QCOMPARE(card.property("ShowBlocks").toInt(), 0);
-    QVERIFY(card.setProperty("ToolTipStyle", 4));
-    QCOMPARE(card.property("ToolTipStyle").toInt(), 3);
-    QCOMPARE(card.property("ScoreStar").toFloat(), 0.8f);
-
     // A refused write raises out of setProperty() as well.
     QCOMPARE(errorNumberOf([&] { card.setProperty("BorderStyle", 2); }), int(ErrorNumber::InvalidPropertyValue));
     QCOMPARE(card.BorderStyle(), 1);
