@@ -551,6 +551,14 @@ void TestKelolistBox::readProperties()
     bad.clear();
     bad.WriteProperty(QStringLiteral("Locked"), QStringLiteral("maybe"));
     QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 13);
+
+    // The lock shows once DefaultValue is in, before a bad DefaultText stops the load.
+    KelolistBox fresh;
+    bad.clear();
+    bad.WriteProperty(QStringLiteral("Locked"), true);
+    bad.WriteProperty(QStringLiteral("DefaultText"), QVariant(QSize(1, 1)));
+    QCOMPARE(KeloTest::errorNumberOf([&] { fresh.ReadProperties(bad); }), 13);
+    QVERIFY(labelOf(fresh)->isVisibleTo(&fresh));
 }
 
 // InitProperties resets what the control owns, not what the list carries.

@@ -215,8 +215,9 @@ void tst_KeloscoreCard::formWritesKeepAScaleInOrder_data()
     // are taken as they stand, and it is clamped.
     QTest::newRow("against declaration order") << false << Writes{{"ScoreBad", 0.015625}, {"ScoreMaybe", 0.03125}}
                                                << Scale{0, 1, 0.015625, 0.03125, double(0.6f), double(0.8f)};
-    QTest::newRow("written twice") << false << Writes{{"ScoreStar", 0.125}, {"ScoreStar", 0.7}}
-                                   << Scale{0, 1, double(0.2f), double(0.4f), double(0.6f), double(0.7f)};
+    QTest::newRow("written twice") << false
+                                   << Writes{{"ScoreGood", 0.3}, {"ScoreGood", 0.3}, {"ScoreMaybe", double(0.2f)}}
+                                   << Scale{0, 1, double(0.2f), double(0.2f), double(0.4f), double(0.8f)};
     QTest::newRow("once the event loop ran")
         << true << below << Scale{0, 1, 0.015625, double(0.2f), double(0.4f), double(0.6f)};
 }
