@@ -1,4 +1,4 @@
-#include <Kelocontrols/GaugePainter.h>
+#include "GaugePainter_p.h"
 #include <Kelocontrols/KeloscoreCard.h>
 #include <Kelocontrols/PictureBox.h>
 

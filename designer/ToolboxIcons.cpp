@@ -1,6 +1,6 @@
 #include "ToolboxIcons.h"
 
-#include "ScoreCardArtwork.h"
+#include "ScoreCardArtwork_p.h"
 
 #include <QFont>
 #include <QPainter>

@@ -4,6 +4,7 @@
 #include "RuntimeError.h"
 
 #include <QApplication>
+#include <QEvent>
 
 namespace Kelocontrols {
 
@@ -31,6 +32,9 @@ ControlBase::ControlBase(QWidget *parent)
     , m_userMode(defaultUserMode())
 {
     qRegisterMetaType<Kelocontrols::PropertyBag>();
+    // The first turn of the event loop ends the first batch of writes.
+    QMetaObject::invokeMethod(
+        this, [this] { settleFirstWrites(); }, Qt::QueuedConnection);
 }
 
 ControlBase::~ControlBase() = default;
@@ -64,6 +68,36 @@ void ControlBase::setUserMode(bool userMode)
 QFont ControlBase::ambientFont() const
 {
     return parentWidget() ? parentWidget()->font() : QApplication::font();
+}
+
+void ControlBase::noteFirstWrite(const char *property)
+{
+    if (!m_firstWritesOpen) {
+        return;
+    }
+    const int index = metaObject()->indexOfProperty(property);
+    if (index <= m_lastFirstWrite) {
+        settleFirstWrites();
+    } else {
+        m_lastFirstWrite = index;
+    }
+}
+
+void ControlBase::settleFirstWrites()
+{
+    if (!m_firstWritesOpen) {
+        return;
+    }
+    m_firstWritesOpen = false;
+    firstWritesSettled();
+}
+
+bool ControlBase::event(QEvent *event)
+{
+    if (event->type() == QEvent::Polish) {
+        settleFirstWrites();
+    }
+    return QWidget::event(event);
 }
 
 void ControlBase::requireRunMode() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "PropertyBag.h"
 
 #include <QFont>
@@ -21,8 +23,16 @@ class PropertyTableBase;
  *   opens one) starts in design mode, so not even its constructor does
  *   run-time work such as starting timers.
  * - Every property write emits PropertyChanged with the property's exact name.
+ * - A form (uic's setupUi(), QUiLoader, Qt Designer) sets the properties of
+ *   a new control one by one, each once, in declaration order. The writes a
+ *   new control gets in that pattern form its first batch, so a control
+ *   whose properties constrain each other (the score card's thresholds) can
+ *   check the batch as a whole instead of write by write. The batch ends
+ *   when a write breaks the pattern (noteFirstWrite()), when the control is
+ *   polished (shown) or when the event loop runs; firstWritesSettled() is
+ *   then called once.
  */
-class ControlBase : public QWidget
+class KELOCONTROLS_EXPORT ControlBase : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(bool UserMode READ UserMode WRITE setUserMode DESIGNABLE false STORED false)
@@ -77,8 +87,22 @@ protected:
     /// Raises error 387 when the control is in design mode.
     void requireRunMode() const;
 
+    /// Whether the first batch of writes is still open.
+    bool inFirstWrites() const { return m_firstWritesOpen; }
+    /// To be called by a setter before it writes `property`: ends the first
+    /// batch when this write does not follow the declaration order.
+    void noteFirstWrite(const char *property);
+    /// Ends the first batch of writes (nothing when it has ended already).
+    void settleFirstWrites();
+    /// Called once when the first batch of writes ends.
+    virtual void firstWritesSettled() { }
+
+    bool event(QEvent *event) override;
+
 private:
     bool m_userMode;
+    bool m_firstWritesOpen = true;
+    int m_lastFirstWrite = -1; // declaration index of the batch's last noted write
 };
 
 } // namespace Kelocontrols

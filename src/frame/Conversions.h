@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QDateTime>
 #include <QString>
 #include <QVariant>
@@ -14,21 +16,21 @@ namespace Kelocontrols {
  * Independent of the floating-point rounding mode. NaN and infinities come
  * back unchanged.
  */
-double roundHalfEven(double value);
+KELOCONTROLS_EXPORT double roundHalfEven(double value);
 
 /**
  * The 16-bit integer nearest to @p value, halves to even.
  * @throws RuntimeError Overflow (6) when the rounded value lies outside
  *         -32768..32767, or for NaN.
  */
-qint16 CInt(double value);
+KELOCONTROLS_EXPORT qint16 CInt(double value);
 
 /**
  * The 32-bit integer nearest to @p value, halves to even.
  * @throws RuntimeError Overflow (6) when the rounded value lies outside the
  *         32-bit range, or for NaN.
  */
-qint32 CLng(double value);
+KELOCONTROLS_EXPORT qint32 CLng(double value);
 
 /*
  * The QVariant conversions below accept:
@@ -44,20 +46,20 @@ qint32 CLng(double value);
  */
 
 /// The QVariant as a 16-bit integer (see above). @throws RuntimeError TypeMismatch (13), Overflow (6).
-qint16 CInt(const QVariant &value);
+KELOCONTROLS_EXPORT qint16 CInt(const QVariant &value);
 
 /// The QVariant as a 32-bit integer (see above). @throws RuntimeError TypeMismatch (13), Overflow (6).
-qint32 CLng(const QVariant &value);
+KELOCONTROLS_EXPORT qint32 CLng(const QVariant &value);
 
 /**
  * The QVariant as a single-precision number (see above).
  * @throws RuntimeError TypeMismatch (13); Overflow (6) when the magnitude
  *         exceeds the largest float.
  */
-float CSng(const QVariant &value);
+KELOCONTROLS_EXPORT float CSng(const QVariant &value);
 
 /// The QVariant as a double (see above). @throws RuntimeError TypeMismatch (13).
-double CDbl(const QVariant &value);
+KELOCONTROLS_EXPORT double CDbl(const QVariant &value);
 
 /**
  * The QVariant as a truth value: numbers (and numeric strings) are true when
@@ -65,7 +67,7 @@ double CDbl(const QVariant &value);
  * allowed, are themselves; an invalid QVariant is false.
  * @throws RuntimeError TypeMismatch (13) for anything else.
  */
-bool CBool(const QVariant &value);
+KELOCONTROLS_EXPORT bool CBool(const QVariant &value);
 
 /**
  * The "0%" number format: @p value times 100 (computed in double),
@@ -80,7 +82,7 @@ bool CBool(const QVariant &value);
  * separators ("1234%"). NaN and infinities are written as the locale writes
  * them, followed by "%".
  */
-QString formatPercent(double value);
+KELOCONTROLS_EXPORT QString formatPercent(double value);
 
 /**
  * The default text of a date and time: the process QLocale's short date
@@ -89,9 +91,9 @@ QString formatPercent(double value);
  * exactly midnight is left out, as the classic runtime did; an invalid
  * date-time gives "".
  */
-QString formatGeneralDate(const QDateTime &dateTime);
+KELOCONTROLS_EXPORT QString formatGeneralDate(const QDateTime &dateTime);
 
 /// The locale-free sortable form "yyyy-mm-dd hh:nn:ss" (24-hour clock), "" for an invalid date-time.
-QString formatSortableDateTime(const QDateTime &dateTime);
+KELOCONTROLS_EXPORT QString formatSortableDateTime(const QDateTime &dateTime);
 
 } // namespace Kelocontrols

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -18,7 +20,7 @@ namespace Kelocontrols {
  * or key that is not there raises RuntimeError(ElementNotFound); adding a
  * key that is already there raises RuntimeError(KeyNotUnique).
  */
-class ImageList : public QObject
+class KELOCONTROLS_EXPORT ImageList : public QObject
 {
     Q_OBJECT
 public:

@@ -56,17 +56,37 @@ void appendHelp(QStringList &lines, const QMetaObject *meta, const QString &memb
     }
 }
 
-/// The enumeration of namespace Kelocontrols that a type name refers to, or -1.
+/// The published enumeration that a type name refers to, or -1: a property
+/// is typed with the value class's inner enumeration
+/// ("Kelocontrols::keloShowValue::Value"), a parameter may use the class.
 int libraryEnumerator(QByteArray typeName)
 {
     if (typeName.endsWith('&')) {
         typeName.chop(1);
     }
-    if (!typeName.startsWith(QByteArray(libraryNamespace.data(), libraryNamespace.size()))) {
-        return -1;
+    if (typeName.endsWith("::Value")) {
+        typeName.chop(int(qstrlen("::Value")));
     }
-    typeName.remove(0, libraryNamespace.size());
-    return Kelocontrols::staticMetaObject.indexOfEnumerator(typeName.constData());
+    const QList<QMetaEnum> published = publishedEnumerations();
+    for (int i = 0; i < published.size(); ++i) {
+        if (typeName == published.at(i).scope()) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/// The name a user writes for a published enumeration ("keloShowValue").
+QString enumerationName(const QMetaEnum &enumeration)
+{
+    return QString::fromLatin1(enumeration.scope()).mid(libraryNamespace.size());
+}
+
+/// The type as the public header spells it: an enumeration by its value class.
+QString publicTypeName(const QByteArray &typeName)
+{
+    const int index = libraryEnumerator(typeName);
+    return index < 0 ? QString::fromLatin1(typeName) : QString::fromLatin1(publishedEnumerations().at(index).scope());
 }
 
 void noteEnumeration(QList<int> &used, const QByteArray &typeName)
@@ -93,7 +113,7 @@ QString formatValue(const QVariant &value, const QMetaProperty &property)
     }
     const int enumIndex = libraryEnumerator(property.typeName());
     if (enumIndex >= 0) {
-        const QMetaEnum enumeration = Kelocontrols::staticMetaObject.enumerator(enumIndex);
+        const QMetaEnum enumeration = publishedEnumerations().at(enumIndex);
         const int number = value.toInt();
         const char *key = enumeration.valueToKey(number);
         return QStringLiteral("%1 (%2)").arg(key ? QString::fromLatin1(key) : QStringLiteral("?")).arg(number);
@@ -159,8 +179,8 @@ void describeProperties(QStringList &lines, QList<int> &enums, const QObject &ob
         const QString name = QString::fromLatin1(property.name());
         const bool isSaved = saved.contains(name);
         const QVariant value = isSaved ? control->propertyTable().defaultValue(object, name) : property.read(&object);
-        QString line = indent + QString::fromLatin1(property.typeName()) + QLatin1Char(' ') + name
-            + QStringLiteral(" = ") + formatValue(value, property);
+        QString line = indent + publicTypeName(property.typeName()) + QLatin1Char(' ') + name + QStringLiteral(" = ")
+            + formatValue(value, property);
         if (control && !isSaved) {
             line += QStringLiteral(" [not saved]");
         }
@@ -202,8 +222,8 @@ void describeEnumerations(QStringList &lines, const QList<int> &enums)
     }
     lines << QString() << QStringLiteral("Enumerations:");
     for (int index : enums) {
-        const QMetaEnum enumeration = Kelocontrols::staticMetaObject.enumerator(index);
-        lines << indent + QString::fromLatin1(enumeration.name());
+        const QMetaEnum enumeration = publishedEnumerations().at(index);
+        lines << indent + enumerationName(enumeration);
         for (int k = 0; k < enumeration.keyCount(); ++k) {
             lines << indent + indent + QString::fromLatin1(enumeration.key(k)) + QStringLiteral(" = ")
                     + QString::number(enumeration.value(k));

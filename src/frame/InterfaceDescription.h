@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 class QObject;
@@ -55,9 +57,9 @@ namespace Kelocontrols {
  * - A member with a "DispId:<name>" class information entry shows its
  *   dispatch id; one with a "Help:<name>" entry has its help string on the
  *   following line.
- * - Enumerations are those of namespace Kelocontrols that the properties,
+ * - Enumerations are the published ones (KeloEnums.h) that the properties,
  *   methods or events use, in order of first use, with every member and value.
  */
-QString describeInterface(const QObject &control);
+KELOCONTROLS_EXPORT QString describeInterface(const QObject &control);
 
 } // namespace Kelocontrols

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 namespace Kelocontrols {
@@ -32,6 +34,6 @@ namespace Kelocontrols {
  *         "[a-Z]"), whether or not
  *         the match would reach that part of the pattern.
  */
-bool Like(const QString &text, const QString &pattern);
+KELOCONTROLS_EXPORT bool Like(const QString &text, const QString &pattern);
 
 } // namespace Kelocontrols

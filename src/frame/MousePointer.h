@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QCursor>
 #include <QPixmap>
 
@@ -26,7 +28,7 @@ constexpr int SizeAll = 15;
 constexpr int Custom = 99; ///< the control's MouseIcon
 
 /// Whether @p pointer is one of the codes above.
-bool isValid(int pointer);
+KELOCONTROLS_EXPORT bool isValid(int pointer);
 
 /**
  * The Qt cursor of a pointer code; Custom uses @p icon (hot spot in its
@@ -34,7 +36,7 @@ bool isValid(int pointer);
  * gives Qt::ArrowCursor; callers that want "whatever the widget has" unset
  * the cursor for Default instead.
  */
-QCursor cursor(int pointer, const QPixmap &icon = QPixmap());
+KELOCONTROLS_EXPORT QCursor cursor(int pointer, const QPixmap &icon = QPixmap());
 } // namespace MousePointer
 
 } // namespace Kelocontrols

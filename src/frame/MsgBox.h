@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 #include <functional>
@@ -47,15 +49,15 @@ using MsgBoxHandler = std::function<int(const QString &Prompt, int Buttons, cons
  * By default a QMessageBox is shown; setMsgBoxHandler() replaces it, which is
  * how tests and hosts script the answers.
  */
-int MsgBox(const QString &Prompt, int Buttons = 0, const QString &Title = QString());
+KELOCONTROLS_EXPORT int MsgBox(const QString &Prompt, int Buttons = 0, const QString &Title = QString());
 
 /// Replaces the function that shows message boxes and returns the previous
 /// one (showStandardMsgBox when the default was in force, so it can be called
 /// or restored); an empty handler restores the default QMessageBox.
-MsgBoxHandler setMsgBoxHandler(MsgBoxHandler handler);
+KELOCONTROLS_EXPORT MsgBoxHandler setMsgBoxHandler(MsgBoxHandler handler);
 
 /// The standard box: a QMessageBox with the buttons, icon and default
 /// button of the style value.
-int showStandardMsgBox(const QString &Prompt, int Buttons, const QString &Title);
+KELOCONTROLS_EXPORT int showStandardMsgBox(const QString &Prompt, int Buttons, const QString &Title);
 
 } // namespace Kelocontrols

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QColor>
 #include <QPalette>
 #include <QtGlobal>
@@ -52,10 +54,10 @@ constexpr OleColor RGB(int red, int green, int blue)
  *
  * @throws RuntimeError InvalidProcedureCall (5) for an index outside 0..15.
  */
-OleColor QBColor(int color);
+KELOCONTROLS_EXPORT OleColor QBColor(int color);
 
 /// True when @p color is a system colour (high byte 0x80), whatever its index.
-bool isSystemColor(OleColor color);
+KELOCONTROLS_EXPORT bool isSystemColor(OleColor color);
 
 /**
  * Turns an OLE colour into a plain RGB value, resolving system colours
@@ -98,19 +100,19 @@ bool isSystemColor(OleColor color);
  * @throws RuntimeError InvalidProcedureCall (5) for a system colour index
  *         above 24 or a high byte other than 0x00 and 0x80.
  */
-OleColor OleTranslateColor(OleColor color, const QPalette &palette);
+KELOCONTROLS_EXPORT OleColor OleTranslateColor(OleColor color, const QPalette &palette);
 
 /**
  * OleTranslateColor() against the application's palette
  * (QGuiApplication::palette()), or against a default QPalette when no GUI
  * application exists.
  */
-OleColor OleTranslateColor(OleColor color);
+KELOCONTROLS_EXPORT OleColor OleTranslateColor(OleColor color);
 
 /// The QColor of an OLE colour, system colours resolved through the application's palette.
-QColor toQColor(OleColor color);
+KELOCONTROLS_EXPORT QColor toQColor(OleColor color);
 
 /// The OLE colour 0x00BBGGRR of a QColor; its alpha is dropped and an invalid QColor gives black.
-OleColor fromQColor(const QColor &color);
+KELOCONTROLS_EXPORT OleColor fromQColor(const QColor &color);
 
 } // namespace Kelocontrols

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 #include <QFrame>
@@ -25,7 +27,7 @@ class StockEventFilter;
  * a sunken 3D border two pixels wide, 0 none. Its input arrives as the stock
  * events of stockEvents().
  */
-class PictureBox : public QFrame
+class KELOCONTROLS_EXPORT PictureBox : public QFrame
 {
     Q_OBJECT
 public:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QList>
 #include <QMetaType>
 #include <QPair>
@@ -29,7 +31,7 @@ namespace Kelocontrols {
  * arrays, string lists, dates). Malformed text is rejected with a
  * RuntimeError (ErrorNumber::InvalidFileFormat) naming the line.
  */
-class PropertyBag
+class KELOCONTROLS_EXPORT PropertyBag
 {
 public:
     PropertyBag() = default;

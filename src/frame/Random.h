@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 namespace Kelocontrols {
 
 /**
@@ -19,7 +21,7 @@ namespace Kelocontrols {
  */
 
 /// The next number of the sequence, in [0, 1).
-float Rnd();
+KELOCONTROLS_EXPORT float Rnd();
 
 /**
  * A number chosen by the sign of @p number:
@@ -30,10 +32,10 @@ float Rnd();
  *   returns its first number. The same negative argument thus always gives
  *   the same number and the same sequence after it (Rnd(-1) is 0.224007).
  */
-float Rnd(float number);
+KELOCONTROLS_EXPORT float Rnd(float number);
 
 /// Reseeds from the seconds since midnight, as Randomize(double) does.
-void Randomize();
+KELOCONTROLS_EXPORT void Randomize();
 
 /**
  * Reseeds the sequence from @p number: the high 32 bits of the double, their
@@ -41,9 +43,9 @@ void Randomize();
  * its low byte is kept. Calling Rnd(-1) (or another negative number) first
  * makes the sequence after Randomize(number) repeatable.
  */
-void Randomize(double number);
+KELOCONTROLS_EXPORT void Randomize(double number);
 
 /// Puts the generator back to its start-up seed, for tests and for hosts that need reproducible runs.
-void resetRandomGenerator();
+KELOCONTROLS_EXPORT void resetRandomGenerator();
 
 } // namespace Kelocontrols

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 #include <stdexcept>
@@ -34,7 +36,7 @@ constexpr int KeyNotUnique = 35602; ///< "Key is not unique in collection"
  * QMetaObject::invokeMethod(), so a host catches it the same way whichever
  * way it called.
  */
-class RuntimeError : public std::runtime_error
+class KELOCONTROLS_EXPORT RuntimeError : public std::runtime_error
 {
 public:
     /// An error with its number and the runtime's standard text for it.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 #include <functional>
@@ -43,7 +45,8 @@ namespace Kelocontrols {
  *         folder in the file's place); InvalidFileFormat (321) when the
  *         existing file cannot be parsed (it is then left untouched).
  */
-void SaveSetting(const QString &AppName, const QString &Section, const QString &Key, const QString &Setting);
+KELOCONTROLS_EXPORT void SaveSetting(
+    const QString &AppName, const QString &Section, const QString &Key, const QString &Setting);
 
 /**
  * The value stored under (@p AppName, @p Section, @p Key), or @p Default when
@@ -53,7 +56,7 @@ void SaveSetting(const QString &AppName, const QString &Section, const QString &
  *         name, section or key; PermissionDenied (70) when the file exists but
  *         cannot be read; InvalidFileFormat (321) when it cannot be parsed.
  */
-QString GetSetting(
+KELOCONTROLS_EXPORT QString GetSetting(
     const QString &AppName, const QString &Section, const QString &Key, const QString &Default = QString());
 
 /**
@@ -62,10 +65,10 @@ QString GetSetting(
  * exists, else the encoded name.
  * @throws RuntimeError InvalidProcedureCall (5) for an empty name.
  */
-QString settingsFilePath(const QString &AppName);
+KELOCONTROLS_EXPORT QString settingsFilePath(const QString &AppName);
 
 /// The folder of all settings files: `$XDG_CONFIG_HOME/Kelocontrols` or `~/.config/Kelocontrols`.
-QString settingsFolder();
+KELOCONTROLS_EXPORT QString settingsFolder();
 
 /// What a call did with the store, for SettingsAccessHook.
 enum class SettingsAccess {
@@ -82,6 +85,6 @@ using SettingsAccessHook
  * diagnostics and tests), and returns the previous one; an empty hook
  * removes it.
  */
-SettingsAccessHook setSettingsAccessHook(SettingsAccessHook hook);
+KELOCONTROLS_EXPORT SettingsAccessHook setSettingsAccessHook(SettingsAccessHook hook);
 
 } // namespace Kelocontrols

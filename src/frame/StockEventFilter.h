@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QObject>
 #include <Qt>
 
@@ -25,7 +27,7 @@ namespace Kelocontrols {
  * another button is a MouseDown. Keys that type no character (arrows,
  * function keys, Delete) raise KeyDown and KeyUp only.
  */
-class StockEventFilter : public QObject
+class KELOCONTROLS_EXPORT StockEventFilter : public QObject
 {
     Q_OBJECT
 public:

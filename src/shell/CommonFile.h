@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "DriveInfo.h"
 #include "FolderInfo.h"
 
@@ -24,7 +26,7 @@ class FileSystem;
  * "Drive Unavailable" when not ready. Only network drives are asked whether
  * they are ready.
  */
-QString DriveTypeName(const DriveInfo &drive);
+KELOCONTROLS_EXPORT QString DriveTypeName(const DriveInfo &drive);
 
 /**
  * The caption of a drive: the share's display name for a network share,
@@ -33,14 +35,14 @@ QString DriveTypeName(const DriveInfo &drive);
  * "Local Disk (C:)", "(A:)" for an empty floppy drive, "docs on 'srv' (Z:)".
  * Raises what ShareDisplayName() raises.
  */
-QString DriveDisplayName(const DriveInfo &drive);
+KELOCONTROLS_EXPORT QString DriveDisplayName(const DriveInfo &drive);
 
 /**
  * The caption of a share "\\server\share": "share on 'server' ", with a
  * trailing blank so a drive letter can follow directly. Raises RuntimeError
  * (SubscriptOutOfRange) when the text has fewer than four "\"-separated parts.
  */
-QString ShareDisplayName(const QString &share);
+KELOCONTROLS_EXPORT QString ShareDisplayName(const QString &share);
 
 /**
  * The caption of a folder: its name, or for the root of the tree (empty
@@ -48,16 +50,16 @@ QString ShareDisplayName(const QString &share);
  * @p fileSystem; "Unknown drive or folder" when no drive has that root.
  * Raises nothing: when the drive look-up fails, the answer is "".
  */
-QString FolderDisplayName(const FolderInfo &folder, const FileSystem &fileSystem);
+KELOCONTROLS_EXPORT QString FolderDisplayName(const FolderInfo &folder, const FileSystem &fileSystem);
 
 /// FolderDisplayName() with the process-wide file system.
-QString FolderDisplayName(const FolderInfo &folder);
+KELOCONTROLS_EXPORT QString FolderDisplayName(const FolderInfo &folder);
 
 /// The caption of the folder at @p path (see FolderDisplayName()); raises nothing.
-QString FolderDisplayName(const QString &path, const FileSystem &fileSystem);
+KELOCONTROLS_EXPORT QString FolderDisplayName(const QString &path, const FileSystem &fileSystem);
 
 /// FolderDisplayName() of a path with the process-wide file system.
-QString FolderDisplayName(const QString &path);
+KELOCONTROLS_EXPORT QString FolderDisplayName(const QString &path);
 
 /**
  * A byte count in whole kilobytes, rounded up: 0 gives 0, 1 to 1,023 give 1,
@@ -65,9 +67,9 @@ QString FolderDisplayName(const QString &path);
  * Raises RuntimeError (Overflow) when the result does not fit 32 bits
  * (from 2,199,023,254,529 bytes on) or @p bytes is not a number.
  */
-qint32 SizeInKB(double bytes);
+KELOCONTROLS_EXPORT qint32 SizeInKB(double bytes);
 
 /// @p text up to its first NUL character, or whole when it has none.
-QString StripAtNull(const QString &text);
+KELOCONTROLS_EXPORT QString StripAtNull(const QString &text);
 
 } // namespace Kelocontrols

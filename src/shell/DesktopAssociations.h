@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "DesktopEntry.h"
 
 #include <QHash>
@@ -34,7 +36,7 @@ namespace Kelocontrols {
  * their standard defaults) and reads the files when asked; make a new one
  * for each request so that changes show.
  */
-class DesktopAssociations
+class KELOCONTROLS_EXPORT DesktopAssociations
 {
 public:
     /// The folders the look-up reads.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -17,7 +19,7 @@ namespace Kelocontrols {
  * Only the `[Desktop Entry]` group counts; localized keys (Name[de]) are
  * not read.
  */
-class DesktopEntry
+class KELOCONTROLS_EXPORT DesktopEntry
 {
 public:
     /**

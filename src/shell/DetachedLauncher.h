@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QByteArray>
 #include <QList>
 
@@ -20,7 +22,7 @@ namespace Kelocontrols {
  * and error are the caller's; file descriptors above 2 are closed; the
  * signal mask is cleared and SIGPIPE restored to its default.
  */
-class DetachedLauncher
+class KELOCONTROLS_EXPORT DetachedLauncher
 {
 public:
     /**

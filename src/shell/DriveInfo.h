@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 #include <QtGlobal>
 
@@ -22,7 +24,7 @@ constexpr int RamDisk = 5; ///< a file system in memory (tmpfs, ramfs)
  * only names drives can be handed a record of any shape, a drive letter
  * included, without a real drive behind it.
  */
-struct DriveInfo
+struct KELOCONTROLS_EXPORT DriveInfo
 {
     int driveType = DriveType::Unknown; ///< one of the DriveType codes
     bool isReady = false; ///< the volume answers (statvfs on its root succeeds)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 #include <QtGlobal>
 
@@ -27,7 +29,7 @@ constexpr int Alias = 1024; ///< a symbolic link
  * described by what it points to (size, dates, kind) and carries the Alias
  * bit; a broken link by the link itself.
  */
-struct FileEntry
+struct KELOCONTROLS_EXPORT FileEntry
 {
     QString name; ///< the name, decoded losslessly (FileNameCodec)
     qint64 size = 0; ///< bytes for files; 0 for folders

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QImage>
 #include <QPixmap>
 #include <QString>
@@ -55,7 +57,8 @@ constexpr int NoAssociation = 31;
  * drawn transparently on a transparent pixmap, becomes its Picture. With
  * @p open a folder shows its open variant.
  */
-void DrawFileIcon(const QString &path, bool large, PictureBox &picture, QString &typeKey, bool open);
+KELOCONTROLS_EXPORT void DrawFileIcon(
+    const QString &path, bool large, PictureBox &picture, QString &typeKey, bool open);
 
 /**
  * The same look-up as DrawFileIcon() without a picture box: the icon of
@@ -64,7 +67,7 @@ void DrawFileIcon(const QString &path, bool large, PictureBox &picture, QString 
  * (or @p pixelSize is not positive). @p typeKey, when given, receives the
  * key as DrawFileIcon() sets it.
  */
-QPixmap fileIconPixmap(const QString &path, int pixelSize, bool open, QString *typeKey = nullptr);
+KELOCONTROLS_EXPORT QPixmap fileIconPixmap(const QString &path, int pixelSize, bool open, QString *typeKey = nullptr);
 
 /**
  * Washes an image out towards white, the look of a hidden item.
@@ -77,14 +80,14 @@ QPixmap fileIconPixmap(const QString &path, int pixelSize, bool open, QString *t
  * is ignored when comparing. The result has the size of @p image, in
  * ARGB32 format (a null image gives a null image).
  */
-QImage ghostImage(const QImage &image, QRgb transparent);
+KELOCONTROLS_EXPORT QImage ghostImage(const QImage &image, QRgb transparent);
 
 /**
  * Washes the picture of @p picture out (ghostImage()): its Picture and
  * whatever is drawn on its canvas. Pixels of @p transparent stay as they
  * are.
  */
-void GhostPicture(PictureBox &picture, QRgb transparent);
+KELOCONTROLS_EXPORT void GhostPicture(PictureBox &picture, QRgb transparent);
 
 /**
  * Opens @p path with the default application of its type, or prints it
@@ -101,7 +104,7 @@ void GhostPicture(PictureBox &picture, QRgb transparent);
  * Printing hands the file's bytes to the CUPS `lp` command with the file
  * name as job title and waits for it (PrintSpooler, 5 seconds at most).
  */
-int shellExecute(const QString &path, bool print);
+KELOCONTROLS_EXPORT int shellExecute(const QString &path, bool print);
 
 /**
  * Opens (or with @p print prints) @p path with its associated application
@@ -112,6 +115,6 @@ int shellExecute(const QString &path, bool print);
  * "Unable to view file" for any other code. @p window is the owner the
  * request comes from; the box itself goes through MsgBox().
  */
-void OpenWithAssociatedApp(const QString &path, QWidget *window, bool print);
+KELOCONTROLS_EXPORT void OpenWithAssociatedApp(const QString &path, QWidget *window, bool print);
 
 } // namespace Kelocontrols

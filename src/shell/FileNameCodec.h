@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QByteArray>
 #include <QString>
 
@@ -29,12 +31,12 @@
 namespace Kelocontrols::FileNameCodec {
 
 /// The name of the @p size bytes at @p bytes, decoded losslessly.
-QString decode(const char *bytes, qsizetype size);
+KELOCONTROLS_EXPORT QString decode(const char *bytes, qsizetype size);
 
 /// The name of @p bytes, decoded losslessly.
-QString decode(const QByteArray &bytes);
+KELOCONTROLS_EXPORT QString decode(const QByteArray &bytes);
 
 /// The bytes of @p name: lone surrogates U+DC80..U+DCFF as single bytes, the rest as UTF-8.
-QByteArray encode(const QString &name);
+KELOCONTROLS_EXPORT QByteArray encode(const QString &name);
 
 } // namespace Kelocontrols::FileNameCodec

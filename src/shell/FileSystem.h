@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "DriveInfo.h"
 #include "FileEntry.h"
 #include "FolderContents.h"
@@ -79,7 +81,7 @@ namespace Kelocontrols {
  * The creation time is the birth time where the file system records it
  * (statx); elsewhere it is the modification time and createdKnown is false.
  */
-class FileSystem
+class KELOCONTROLS_EXPORT FileSystem
 {
 public:
     /// The system look-ups behind the drive list, each replaceable.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QHash>
 #include <QMimeDatabase>
 #include <QMimeType>
@@ -20,7 +22,7 @@ namespace Kelocontrols {
  *
  * Used from the user-interface thread only; the cache is not locked.
  */
-class FileTypes
+class KELOCONTROLS_EXPORT FileTypes
 {
 public:
     /// The instance of the process, created on first use.

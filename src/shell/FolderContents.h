@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "FileEntry.h"
 
 #include <QList>
@@ -12,7 +14,7 @@ namespace Kelocontrols {
  * files, each list sorted by name without regard to case (ties broken by
  * the exact name).
  */
-struct FolderContents
+struct KELOCONTROLS_EXPORT FolderContents
 {
     QString path; ///< the listed folder, absolute and cleaned
     QList<FileEntry> folders; ///< sub-folders, links to folders included

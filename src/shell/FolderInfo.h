@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 
 namespace Kelocontrols {
@@ -10,7 +12,7 @@ namespace Kelocontrols {
  * The name is the last component of the path; it is empty only for "/",
  * the root of the whole tree, which is named after its drive instead.
  */
-struct FolderInfo
+struct KELOCONTROLS_EXPORT FolderInfo
 {
     QString name; ///< last path component, "" for "/"
     QString path; ///< absolute, cleaned path without a trailing "/" (except "/" itself)

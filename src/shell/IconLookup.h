@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QHash>
 #include <QMutex>
 #include <QPixmap>
@@ -30,7 +32,7 @@ namespace Kelocontrols {
  * pixels (device pixel ratio 1), the icon centred on a transparent ground.
  * Needs a QGuiApplication, as every QPixmap does.
  */
-class IconLookup
+class KELOCONTROLS_EXPORT IconLookup
 {
 public:
     /// The painted pictures of the last resort.

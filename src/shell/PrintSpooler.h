@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QByteArray>
 
 namespace Kelocontrols {
@@ -16,7 +18,7 @@ namespace Kelocontrols {
  * `lp` to end, at most the given time; an `lp` that takes longer is killed.
  * Either way the process is reaped before print() returns.
  */
-class PrintSpooler
+class KELOCONTROLS_EXPORT PrintSpooler
 {
 public:
     /// How a print request ended.

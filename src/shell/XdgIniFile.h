@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -20,7 +22,7 @@ namespace Kelocontrols {
  * group and malformed lines are ignored: reading never fails, a missing or
  * unreadable file simply has no groups.
  */
-class XdgIniFile
+class KELOCONTROLS_EXPORT XdgIniFile
 {
 public:
     XdgIniFile() = default;

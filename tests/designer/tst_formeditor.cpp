@@ -1,14 +1,14 @@
 // Qt Designer's own form editor, run headless on this build's plugin: the
 // controls appear in the "Kelocontrols" group of the widget box, are created
-// in design mode, and a form Designer wrote reads back with every value and
-// is written out again unchanged.
+// in design mode, and every form under forms/ (each saved by this editor)
+// reads back with every value and is written out again unchanged.
 
+#include "FormFile.h"
 #include "KeloscoreCard.h"
 
 #include <QFile>
 #include <QMetaProperty>
 #include <QTest>
-#include <QXmlStreamReader>
 #include <QtDesigner/QDesignerComponents>
 #include <QtDesigner/QDesignerFormEditorInterface>
 #include <QtDesigner/QDesignerFormWindowInterface>
@@ -26,106 +26,9 @@ using namespace Kelocontrols;
 
 namespace {
 
-/// One <property> of a widget in a form file: its type element and text.
-struct FormProperty
+QString formPath(const QString &name)
 {
-    QString name;
-    QString type;
-    QString text;
-};
-
-/// The properties of every KeloscoreCard in a form, by object name.
-using FormCards = QMap<QString, QList<FormProperty>>;
-
-/// Known differences, "widget/property" -> why.
-using KnownIssues = QHash<QString, QString>;
-
-QString readValue(QXmlStreamReader &xml, QString *type)
-{
-    xml.readNextStartElement();
-    *type = xml.name().toString();
-    if (*type == u"rect" || *type == u"font") {
-        QStringList parts;
-        while (xml.readNextStartElement()) {
-            parts << xml.name().toString() + QLatin1Char('=') + xml.readElementText();
-        }
-        xml.skipCurrentElement(); // </property>
-        return parts.join(QLatin1Char(','));
-    }
-    const QString text = xml.readElementText();
-    xml.skipCurrentElement(); // </property>
-    return text;
-}
-
-FormCards parseCards(const QString &ui)
-{
-    FormCards cards;
-    QXmlStreamReader xml(ui);
-    QString current;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (!xml.isStartElement()) {
-            continue;
-        }
-        if (xml.name() == u"widget") {
-            const bool card = xml.attributes().value(QLatin1String("class")) == u"KeloscoreCard";
-            current = card ? xml.attributes().value(QLatin1String("name")).toString() : QString();
-            if (card) {
-                cards[current];
-            }
-        } else if (xml.name() == u"property" && !current.isEmpty()) {
-            FormProperty property;
-            property.name = xml.attributes().value(QLatin1String("name")).toString();
-            property.text = readValue(xml, &property.type);
-            cards[current].append(property);
-        }
-    }
-    return cards;
-}
-
-QString readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-/// What a control property of a loaded widget looks like in the form file's terms.
-QString valueAsFormText(const QWidget *widget, const FormProperty &property)
-{
-    if (property.name == u"geometry") {
-        const QRect r = widget->geometry();
-        return QStringLiteral("x=%1,y=%2,width=%3,height=%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
-    }
-    const QMetaObject *meta = widget->metaObject();
-    const QMetaProperty metaProperty = meta->property(meta->indexOfProperty(property.name.toLatin1().constData()));
-    const QVariant value = metaProperty.read(widget);
-    if (property.type == u"enum") {
-        return QString::fromLatin1(metaProperty.enumerator().valueToKey(value.toInt()));
-    }
-    if (property.type == u"double") {
-        return QString::number(value.toDouble(), 'f', 15);
-    }
-    if (property.type == u"font") {
-        const QFont font = value.value<QFont>();
-        QStringList parts{QStringLiteral("pointsize=%1").arg(font.pointSize())};
-        if (font.bold()) {
-            parts << QStringLiteral("bold=true");
-        }
-        if (font.italic()) {
-            parts << QStringLiteral("italic=true");
-        }
-        return parts.join(QLatin1Char(','));
-    }
-    return value.toString();
-}
-
-/// The file's text in the same terms: an enumerator by its bare key.
-QString formText(const FormProperty &property)
-{
-    if (property.type == u"enum") {
-        return property.text.section(QStringLiteral("::"), -1);
-    }
-    return property.text;
+    return QStringLiteral(KELO_FORMS_DIR "/") + name;
 }
 
 } // namespace
@@ -141,6 +44,7 @@ private Q_SLOTS:
     void createsDesignModeControls();
     void roundTripsForms_data();
     void roundTripsForms();
+    void formSetsEveryEnumeration();
 
 private:
     QDesignerFormWindowInterface *openForm(const QString &contents);
@@ -216,7 +120,7 @@ void tst_FormEditor::listsControlsInWidgetBox()
 
 void tst_FormEditor::createsDesignModeControls()
 {
-    QDesignerFormWindowInterface *window = openForm(readFile(QStringLiteral(KELO_FORMS_DIR "/scorecard.ui")));
+    QDesignerFormWindowInterface *window = openForm(FormFile::read(formPath(QStringLiteral("scorecard.ui"))));
     QVERIFY(window);
     QWidget *created = m_core->widgetFactory()->createWidget(QStringLiteral("KeloscoreCard"), window->mainContainer());
     auto *card = qobject_cast<KeloscoreCard *>(created);
@@ -232,64 +136,71 @@ void tst_FormEditor::createsDesignModeControls()
 void tst_FormEditor::roundTripsForms_data()
 {
     QTest::addColumn<QString>("form");
-    QTest::addColumn<bool>("designerSpelling");
-    QTest::addColumn<KnownIssues>("knownIssues");
 
-    const QString spelling
-        = QStringLiteral("Designer 6.4 reads only scope::key for an enum class, which uic cannot compile");
-
-    QTest::newRow("written by Designer") << "scorecard.ui" << true << KnownIssues{};
-    QTest::newRow("score range 0..100") << "scorerange.ui" << true << KnownIssues{};
-    KnownIssues uicIssues;
-    for (const char *name : {"coverageGauge/Style", "coverageGauge/ShowValue", "coverageGauge/ToolTipStyle",
-             "coverageGauge/ShowMarker", "coverageGauge/GaugeOrientation", "trafficLight/Style"}) {
-        uicIssues.insert(QString::fromLatin1(name), spelling);
-    }
-    QTest::newRow("fully qualified enums for uic") << "uicform.ui" << false << uicIssues;
+    QTest::newRow("three cards") << "scorecard.ui";
+    QTest::newRow("score range 0..100") << "scorerange.ui";
+    QTest::newRow("every enumeration of every control") << "enumerations.ui";
+    QTest::newRow("thresholds away from their defaults") << "thresholds.ui";
+    QTest::newRow("written for uic") << "uicform.ui";
 }
 
+// Each form was saved by this form editor: opened again, its controls hold
+// every value of the file, and saving writes the very same file.
 void tst_FormEditor::roundTripsForms()
 {
     QFETCH(QString, form);
-    QFETCH(bool, designerSpelling);
-    QFETCH(KnownIssues, knownIssues);
 
-    const QString original = readFile(QStringLiteral(KELO_FORMS_DIR "/") + form);
+    const QString original = FormFile::read(formPath(form));
     QVERIFY(!original.isEmpty());
     QDesignerFormWindowInterface *window = openForm(original);
     QVERIFY(window);
-    const FormCards cards = parseCards(original);
-    QVERIFY(!cards.isEmpty());
-    const FormCards written = parseCards(window->contents());
-    QCOMPARE(written.keys(), cards.keys());
+    const QList<FormFile::Widget> controls = FormFile::parse(original);
+    QVERIFY(!controls.isEmpty());
+    const QStringList mismatches = FormFile::mismatches(window->mainContainer(), controls);
+    QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(u'\n')));
+    for (const auto *control : window->mainContainer()->findChildren<ControlBase *>()) {
+        QCOMPARE(control->UserMode(), false);
+    }
+    QCOMPARE(window->contents(), original);
+}
 
-    for (auto card = cards.cbegin(); card != cards.cend(); ++card) {
-        const auto *widget = window->mainContainer()->findChild<KeloscoreCard *>(card.key());
-        QVERIFY(widget);
-        QCOMPARE(widget->UserMode(), false);
-        QHash<QString, QString> writtenText;
-        for (const FormProperty &p : written.value(card.key())) {
-            writtenText.insert(p.name, p.text);
-        }
-        for (const FormProperty &property : card.value()) {
-            const QString key = card.key() + QLatin1Char('/') + property.name;
-            const QString issue = knownIssues.value(key);
-            if (!issue.isEmpty()) {
-                QEXPECT_FAIL("", qPrintable(key + QStringLiteral(": ") + issue), Continue);
-            }
-            QCOMPARE(valueAsFormText(widget, property), formText(property));
-            if (designerSpelling) {
-                if (!issue.isEmpty()) {
-                    QEXPECT_FAIL("", qPrintable(key + QStringLiteral(": ") + issue), Continue);
-                }
-                QCOMPARE(writtenText.value(property.name), property.text);
-            }
-        }
-        if (designerSpelling) {
-            // Designer writes nothing the form did not hold.
-            QCOMPARE(writtenText.size(), card.value().size());
+// enumerations.ui gives every enumeration-typed property of every control in
+// the widget box a value other than the one a new control has.
+void tst_FormEditor::formSetsEveryEnumeration()
+{
+    QHash<QString, QHash<QString, QString>> set; // class -> property -> text
+    for (const FormFile::Widget &w : FormFile::parse(FormFile::read(formPath(QStringLiteral("enumerations.ui"))))) {
+        for (const FormFile::Property &p : w.properties) {
+            set[w.className].insert(p.name, p.text);
         }
     }
+    const QDesignerWidgetDataBaseInterface *database = m_core->widgetDataBase();
+    QStringList missing;
+    int enumerations = 0;
+    for (int i = 0; i < database->count(); ++i) {
+        if (database->item(i)->group() != QLatin1String("Kelocontrols")) {
+            continue;
+        }
+        const QString className = database->item(i)->name();
+        std::unique_ptr<QWidget> fresh(m_core->widgetFactory()->createWidget(className, nullptr));
+        QVERIFY(fresh);
+        const QMetaObject *meta = fresh->metaObject();
+        for (int p = meta->propertyOffset(); p < meta->propertyCount(); ++p) {
+            const QMetaProperty property = meta->property(p);
+            if (!property.isEnumType()) {
+                continue;
+            }
+            ++enumerations;
+            const QString name = QString::fromLatin1(property.name());
+            const FormFile::Property asFresh{name, QStringLiteral("enum"), QString()};
+            const QString text = set.value(className).value(name);
+            if (text.isEmpty() || text == FormFile::valueAsFormText(fresh.get(), asFresh)) {
+                missing << className + QLatin1Char('/') + name;
+            }
+        }
+    }
+    QCOMPARE(missing, QStringList());
+    QVERIFY(enumerations >= 9);
 }
 
 QTEST_MAIN(tst_FormEditor)

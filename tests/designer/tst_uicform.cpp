@@ -1,12 +1,17 @@
-// A form compiled by uic: the generated setupUi() includes
+// Forms compiled by uic: the generated setupUi() includes
 // <Kelocontrols/KeloscoreCard.h>, calls the typed setters (setStyle with the
-// enumerator spelled in full, setBackColor with an unsigned literal ...) and
-// connects on_<object>_<event> slots to the controls' events by name.
+// enumerator as Qt Designer writes it, setBackColor with an unsigned literal
+// ...) and connects on_<object>_<event> slots to the controls' events by name.
 
+#include "FormFile.h"
+#include "ui_enumerations.h"
+#include "ui_thresholds.h"
 #include "ui_uicform.h"
 
 #include <QSignalSpy>
 #include <QTest>
+
+#include <functional>
 
 using namespace Kelocontrols;
 
@@ -40,53 +45,68 @@ class tst_UicForm : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void setsEveryProperty_data();
     void setsEveryProperty();
+    void showsTheFormsValues();
     void connectsEventsByName();
 };
 
+using FormCheck = std::function<QStringList()>;
+
+/// The properties of `file` that the form uic compiled into `Ui` does not hold.
+template<class Ui>
+FormCheck compiledForm(const char *file)
+{
+    return [file] {
+        QWidget form;
+        Ui ui;
+        ui.setupUi(&form);
+        const QString path = QStringLiteral(KELO_FORMS_DIR "/") + QLatin1String(file);
+        return FormFile::mismatches(&form, FormFile::parse(FormFile::read(path)));
+    };
+}
+
+void tst_UicForm::setsEveryProperty_data()
+{
+    QTest::addColumn<FormCheck>("check");
+    QTest::newRow("every enumeration of every control") << compiledForm<Ui::EnumerationsForm>("enumerations.ui");
+    QTest::newRow("thresholds away from their defaults") << compiledForm<Ui::ThresholdsForm>("thresholds.ui");
+    QTest::newRow("every score card property") << compiledForm<Ui::UicScoreForm>("uicform.ui");
+}
+
+// setupUi() leaves every control holding each value of its form file.
 void tst_UicForm::setsEveryProperty()
+{
+    QFETCH(FormCheck, check);
+    const QStringList mismatches = check();
+    QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(u'\n')));
+}
+
+void tst_UicForm::showsTheFormsValues()
 {
     ScoreForm form;
     QCOMPARE(form.windowTitle(), QStringLiteral("Coverage"));
-
     const KeloscoreCard *gauge = form.ui.coverageGauge;
-    QCOMPARE(gauge->objectName(), QStringLiteral("coverageGauge"));
     QCOMPARE(gauge->UserMode(), true);
-    QCOMPARE(gauge->BackColor(), 0x80000005u);
-    QCOMPARE(gauge->ForeColor(), 0x00FF0000u);
-    QCOMPARE(gauge->Enabled(), false);
-    QCOMPARE(gauge->Font().pointSize(), 14);
-    QCOMPARE(gauge->Font().italic(), true);
-    QCOMPARE(gauge->BorderStyle(), 0);
-    QCOMPARE(gauge->Value(), 0.625);
-    QCOMPARE(gauge->Style(), keloScoreCardStyle::GaugeOverrun);
-    QCOMPARE(gauge->ScoreStar(), 0.875);
-    QCOMPARE(gauge->ScoreGood(), 0.75);
-    QCOMPARE(gauge->ScoreMaybe(), 0.5);
-    QCOMPARE(gauge->ScoreBad(), 0.125);
-    QCOMPARE(gauge->ScoreMin(), 0.0);
-    QCOMPARE(gauge->ScoreMax(), 1.0);
-    QCOMPARE(gauge->ShowLimitLines(), true);
-    QCOMPARE(gauge->ShowTickLinesEvery(), 0.2);
-    QCOMPARE(gauge->TickLineColor(), 0x80000010u);
-    QCOMPARE(gauge->FontColor(), 255u);
-    QCOMPARE(gauge->ShowValue(), keloShowValue::AtRight);
-    QCOMPARE(gauge->ToolTipStyle(), keloToolTipStyle::ShowValueAsTip);
     // Set by retranslateUi(), which setupUi() runs last.
     QCOMPARE(gauge->ToolTip(), QStringLiteral("Line coverage"));
-    QCOMPARE(gauge->ShowMarker(), keloMarkerStyle::ShowBar);
-    QCOMPARE(gauge->ShowBlocks(), 10);
-    QCOMPARE(gauge->GaugeOrientation(), keloGaugeOrientation::Vertical);
     QCOMPARE(gauge->grade(), 3);
     QCOMPARE(gauge->size(), QSize(40, 200));
 
     const KeloscoreCard *light = form.ui.trafficLight;
-    QCOMPARE(light->UserMode(), true);
-    QCOMPARE(light->Style(), keloScoreCardStyle::TrafficLightLarge);
-    QCOMPARE(light->Value(), 0.125);
     QCOMPARE(light->grade(), 1);
     QCOMPARE(light->size(), QSize(36, 36));
     QCOMPARE(light->pos(), QPoint(60, 10));
+
+    // Shown, the thresholds stay as the form has them.
+    QWidget thresholds;
+    Ui::ThresholdsForm ui;
+    ui.setupUi(&thresholds);
+    thresholds.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&thresholds));
+    QCOMPARE(ui.belowDefaults->ScoreStar(), 0.125);
+    QCOMPARE(ui.aboveDefaults->ScoreBad(), 0.84375);
+    QCOMPARE(ui.belowScale->ScoreMax(), -1.0);
 }
 
 void tst_UicForm::connectsEventsByName()

@@ -10,8 +10,9 @@
 #
 # Checks: the install writes only inside the prefix and holds the library,
 # headers, CMake package and Designer plugin; the plugin finds the installed
-# library; a consumer configured with only the prefix builds and prints the
-# version text "2.00.0003"; it loads the installed plugin.
+# library; no internal header (*_p.h) is installed; a consumer configured
+# with only the prefix builds and prints the version text "2.00.0003"; it
+# loads the installed plugin.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -80,6 +81,12 @@ foreach(expected
         message(FATAL_ERROR "missing after install: ${expected}")
     endif()
 endforeach()
+
+# Internal headers (*_p.h) stay in the source tree.
+file(GLOB private_headers "${prefix}/include/Kelocontrols/*_p.h")
+if(private_headers)
+    message(FATAL_ERROR "internal headers installed: ${private_headers}")
+endif()
 
 # The installed plugin resolves libKelocontrols in the same prefix through
 # its own run path, with no help from the environment.

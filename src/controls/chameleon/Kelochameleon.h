@@ -117,14 +117,14 @@ class KELOCONTROLS_EXPORT Kelochameleon : public Kelocontrols::ControlBase
     Q_PROPERTY(int ColorMaximum READ ColorMaximum WRITE setColorMaximum)
     Q_PROPERTY(int ColorStepRate READ ColorStepRate WRITE setColorStepRate)
     Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
-    Q_PROPERTY(Kelocontrols::keloBackgroundStyle BackgroundStyle READ BackgroundStyle WRITE setBackgroundStyle)
-    Q_PROPERTY(Kelocontrols::keloWandStyle WandStyle READ WandStyle WRITE setWandStyle)
+    Q_PROPERTY(Kelocontrols::keloBackgroundStyle::Value BackgroundStyle READ BackgroundStyle WRITE setBackgroundStyle)
+    Q_PROPERTY(Kelocontrols::keloWandStyle::Value WandStyle READ WandStyle WRITE setWandStyle)
     Q_PROPERTY(uint NewBackColor READ NewBackColor WRITE setNewBackColor)
     Q_PROPERTY(int Interval READ Interval WRITE setInterval)
-    Q_PROPERTY(Kelocontrols::keloFontStyle FontStyle READ FontStyle WRITE setFontStyle)
+    Q_PROPERTY(Kelocontrols::keloFontStyle::Value FontStyle READ FontStyle WRITE setFontStyle)
     Q_PROPERTY(QFont NewFont READ NewFont WRITE setNewFont)
     Q_PROPERTY(QString BackgroundPicture READ BackgroundPicture WRITE setBackgroundPicture)
-    Q_PROPERTY(Kelocontrols::keloPictureStyle BackgroundPictureStyle READ BackgroundPictureStyle WRITE
+    Q_PROPERTY(Kelocontrols::keloPictureStyle::Value BackgroundPictureStyle READ BackgroundPictureStyle WRITE
             setBackgroundPictureStyle)
     Q_PROPERTY(QString ThemeName READ ThemeName WRITE setThemeName)
     Q_PROPERTY(bool ThemeIsUsed READ ThemeIsUsed WRITE setThemeIsUsed)

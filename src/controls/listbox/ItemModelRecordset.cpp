@@ -1,4 +1,4 @@
-#include "ItemModelRecordset.h"
+#include "ItemModelRecordset_p.h"
 
 #include "RuntimeError.h"
 

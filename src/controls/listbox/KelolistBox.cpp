@@ -1,11 +1,13 @@
 #include "KelolistBox.h"
 
+#include "KelolistBox_p.h"
+#include "PropertyValues.h"
+
 #include "Conversions.h"
-#include "ItemModelRecordset.h"
-#include "ListBoxModel.h"
-#include "ListBoxPropertyTable.h"
+#include "ItemModelRecordset_p.h"
+#include "ListBoxModel_p.h"
 #include "RuntimeError.h"
-#include "SqlQueryRecordset.h"
+#include "SqlQueryRecordset_p.h"
 #include "StockEventFilter.h"
 
 #include <QCoreApplication>
@@ -88,29 +90,95 @@ QString successText()
 
 } // namespace
 
+// The list box saves one value it never loads: "Text", the list's current
+// text, written with the default "listItems". Loading applies the lock
+// display as soon as "Locked", "LockedAlways" and the properties before them
+// are in, before "ToolTipText" and "DefaultText". InitProperties resets only
+// the properties the control owns itself (Locked, the saved Value,
+// DefaultValue, LockedAlways, DefaultText); colours, font, Enabled,
+// Appearance and ToolTipText keep what the list already has.
+const PropertyTable<KelolistBox> &KelolistBox::table()
+{
+    static const PropertyTable<KelolistBox> properties = [] {
+        using C = KelolistBox;
+        PropertyTable<C> t;
+        t.add(
+            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.d->backColor); },
+            [](C &c, const QVariant &v) {
+                c.d->backColor = colorFromVariant(v);
+                c.applyColors();
+            });
+        t.add(
+            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.d->foreColor); },
+            [](C &c, const QVariant &v) {
+                c.d->foreColor = colorFromVariant(v);
+                c.applyColors();
+            });
+        t.add(
+            "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
+            [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); });
+        t.add(
+            "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
+            [](C &c, const QVariant &v) { c.d->list->setFont(fontFromVariant(v)); });
+        // The list's current text: saved for the form file's reader, never loaded.
+        t.add(
+            "Text", QVariant(QStringLiteral("listItems")), [](const C &c) { return QVariant(c.listText()); },
+            PropertyTable<C>::Storer());
+        t.add(
+            "Locked", QVariant(false), [](const C &c) { return QVariant(c.d->locked); },
+            [](C &c, const QVariant &v) { c.d->locked = CBool(v); });
+        // Kept as it was saved (any type the bag holds); it does not select anything.
+        t.add(
+            "Value", QVariant::fromValue(qint16(0)), [](const C &c) { return c.d->savedValue; },
+            [](C &c, const QVariant &v) { c.d->savedValue = v; });
+        t.add(
+            "Appearance", QVariant(1), [](const C &c) { return QVariant(c.d->appearance); },
+            [](C &c, const QVariant &v) {
+                const int appearance = CInt(v);
+                if (appearance != 0 && appearance != 1) {
+                    throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+                }
+                c.d->appearance = appearance;
+                c.applyAppearance();
+            });
+        t.add(
+            "LockedAlways", QVariant(false), [](const C &c) { return QVariant(c.d->lockedAlways); },
+            [](C &c, const QVariant &v) { c.d->lockedAlways = CBool(v); });
+        t.add(
+            "DefaultValue", QVariant(0), [](const C &c) { return QVariant(c.d->defaultValue); },
+            [](C &c, const QVariant &v) { c.d->defaultValue = CLng(v); });
+        t.add(
+            "ToolTipText", QVariant(QString()), [](const C &c) { return QVariant(c.ToolTipText()); },
+            [](C &c, const QVariant &v) { c.d->list->setToolTip(textFromVariant(v)); });
+        t.add(
+            "DefaultText", QVariant(QString()), [](const C &c) { return QVariant(c.d->defaultText); },
+            [](C &c, const QVariant &v) { c.d->defaultText = textFromVariant(v); });
+        t.setInitialiseOrder({"Locked", "Value", "DefaultValue", "LockedAlways", "DefaultText"});
+        t.setAfterReading("DefaultValue", [](C &c) { c.applyLockDisplay(); });
+        return t;
+    }();
+    return properties;
+}
+
 KelolistBox::KelolistBox(QWidget *parent)
     : ControlBase(parent)
-    , m_model(new ListBoxModel(this))
-    , m_list(new QListView(this))
-    , m_label(new QLabel(this))
-    , m_backColor(0x80000005)
-    , m_foreColor(0x80000008)
+    , d(new Private(this))
 {
-    m_model->setObjectName(QStringLiteral("listItemsModel"));
-    m_list->setObjectName(QStringLiteral("listItems"));
-    m_list->setModel(m_model);
-    m_list->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    d->model->setObjectName(QStringLiteral("listItemsModel"));
+    d->list->setObjectName(QStringLiteral("listItems"));
+    d->list->setModel(d->model);
+    d->list->setSelectionMode(QAbstractItemView::SingleSelection);
+    d->list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     // A list box's lines all have the same height; saying so spares the view
     // from measuring every entry of a long list.
-    m_list->setUniformItemSizes(true);
-    m_label->setObjectName(QStringLiteral("labItem"));
-    m_label->setTextFormat(Qt::PlainText);
-    m_label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    m_label->hide();
-    setFocusProxy(m_list);
+    d->list->setUniformItemSizes(true);
+    d->label->setObjectName(QStringLiteral("labItem"));
+    d->label->setTextFormat(Qt::PlainText);
+    d->label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    d->label->hide();
+    setFocusProxy(d->list);
     connect(
-        m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &KelolistBox::onListSelectionChanged);
+        d->list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &KelolistBox::onListSelectionChanged);
     forwardStockEvents();
     applyColors();
     applyAppearance();
@@ -122,22 +190,57 @@ KelolistBox::~KelolistBox()
 {
     // The inner widgets outlive this part of the object while QWidget
     // deletes them; their selection changes must not reach it any more.
-    m_list->selectionModel()->disconnect(this);
+    d->list->selectionModel()->disconnect(this);
+}
+
+OleColor KelolistBox::BackColor() const
+{
+    return d->backColor;
+}
+
+OleColor KelolistBox::ForeColor() const
+{
+    return d->foreColor;
+}
+
+bool KelolistBox::Locked() const
+{
+    return d->locked;
+}
+
+int KelolistBox::Appearance() const
+{
+    return d->appearance;
+}
+
+bool KelolistBox::LockedAlways() const
+{
+    return d->lockedAlways;
+}
+
+int KelolistBox::DefaultValue() const
+{
+    return d->defaultValue;
+}
+
+QString KelolistBox::DefaultText() const
+{
+    return d->defaultText;
 }
 
 const PropertyTableBase &KelolistBox::propertyTable() const
 {
-    return ListBoxPropertyTable::instance();
+    return table();
 }
 
 // Keys reach the list itself, mouse clicks its viewport.
 void KelolistBox::forwardStockEvents()
 {
-    auto *keys = new StockEventFilter(m_list);
+    auto *keys = new StockEventFilter(d->list);
     connect(keys, &StockEventFilter::KeyDown, this, &KelolistBox::KeyDown);
     connect(keys, &StockEventFilter::KeyPress, this, &KelolistBox::KeyPress);
     connect(keys, &StockEventFilter::KeyUp, this, &KelolistBox::KeyUp);
-    auto *mouse = new StockEventFilter(m_list->viewport());
+    auto *mouse = new StockEventFilter(d->list->viewport());
     connect(mouse, &StockEventFilter::DblClick, this, &KelolistBox::DblClick);
 }
 
@@ -145,7 +248,7 @@ void KelolistBox::forwardStockEvents()
 
 void KelolistBox::onListSelectionChanged()
 {
-    if (!m_quietSelection) {
+    if (!d->quietSelection) {
         listItemsClick();
     }
 }
@@ -154,35 +257,35 @@ void KelolistBox::onListSelectionChanged()
 // only the host's Click waits until the list is filled.
 void KelolistBox::listItemsClick()
 {
-    if (!m_populating) {
+    if (!d->populating) {
         Q_EMIT Click();
     }
-    m_label->setText(listText());
+    d->label->setText(listText());
 }
 
 int KelolistBox::listIndex() const
 {
-    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
+    const QModelIndexList selected = d->list->selectionModel()->selectedIndexes();
     return selected.isEmpty() ? -1 : selected.first().row();
 }
 
 QString KelolistBox::listText() const
 {
     const int row = listIndex();
-    return row < 0 ? QString() : m_model->text(row);
+    return row < 0 ? QString() : d->model->text(row);
 }
 
 // Selecting an entry from code is a click on the list, as a user's would be.
 void KelolistBox::selectRow(int row)
 {
     {
-        QScopedValueRollback<bool> quiet(m_quietSelection, true);
-        const QModelIndex entry = m_model->index(row);
+        QScopedValueRollback<bool> quiet(d->quietSelection, true);
+        const QModelIndex entry = d->model->index(row);
         if (entry.isValid()) {
-            m_list->selectionModel()->setCurrentIndex(entry, QItemSelectionModel::ClearAndSelect);
-            m_list->scrollTo(entry);
+            d->list->selectionModel()->setCurrentIndex(entry, QItemSelectionModel::ClearAndSelect);
+            d->list->scrollTo(entry);
         } else {
-            m_list->selectionModel()->clearSelection();
+            d->list->selectionModel()->clearSelection();
         }
     }
     listItemsClick();
@@ -192,7 +295,7 @@ void KelolistBox::selectRow(int row)
 // selection stays as it is.
 void KelolistBox::selectDefault()
 {
-    const int row = m_model->findValue(m_defaultValue);
+    const int row = d->model->findValue(d->defaultValue);
     if (row >= 0) {
         selectRow(row);
     }
@@ -202,24 +305,24 @@ void KelolistBox::selectDefault()
 
 void KelolistBox::setBackColor(OleColor color)
 {
-    m_backColor = color;
+    d->backColor = color;
     applyColors();
     propertyChanged("BackColor");
 }
 
 void KelolistBox::setForeColor(OleColor color)
 {
-    m_foreColor = color;
+    d->foreColor = color;
     applyColors();
     propertyChanged("ForeColor");
 }
 
 void KelolistBox::applyColors()
 {
-    QPalette palette = m_list->palette();
-    palette.setColor(QPalette::Base, toQColor(m_backColor));
-    palette.setColor(QPalette::Text, toQColor(m_foreColor));
-    m_list->setPalette(palette);
+    QPalette palette = d->list->palette();
+    palette.setColor(QPalette::Base, toQColor(d->backColor));
+    palette.setColor(QPalette::Text, toQColor(d->foreColor));
+    d->list->setPalette(palette);
 }
 
 bool KelolistBox::Enabled() const
@@ -235,12 +338,12 @@ void KelolistBox::setEnabled(bool enabled)
 
 QFont KelolistBox::Font() const
 {
-    return m_list->font();
+    return d->list->font();
 }
 
 void KelolistBox::setFont(const QFont &font)
 {
-    m_list->setFont(font);
+    d->list->setFont(font);
     propertyChanged("Font");
 }
 
@@ -249,52 +352,52 @@ void KelolistBox::setAppearance(int appearance)
     if (appearance != 0 && appearance != 1) {
         throw RuntimeError(ErrorNumber::InvalidPropertyValue);
     }
-    m_appearance = appearance;
+    d->appearance = appearance;
     applyAppearance();
     propertyChanged("Appearance");
 }
 
 void KelolistBox::applyAppearance()
 {
-    if (m_appearance == 0) {
-        m_list->setFrameStyle(QFrame::Box | QFrame::Plain);
-        m_list->setLineWidth(1);
+    if (d->appearance == 0) {
+        d->list->setFrameStyle(QFrame::Box | QFrame::Plain);
+        d->list->setLineWidth(1);
     } else {
-        m_list->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+        d->list->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     }
 }
 
 QString KelolistBox::ToolTipText() const
 {
-    return m_list->toolTip();
+    return d->list->toolTip();
 }
 
 void KelolistBox::setToolTipText(const QString &text)
 {
-    m_list->setToolTip(text);
+    d->list->setToolTip(text);
     propertyChanged("ToolTipText");
 }
 
 void KelolistBox::Refresh()
 {
-    m_list->viewport()->repaint();
+    d->list->viewport()->repaint();
 }
 
 // ---- entries ----------------------------------------------------------------
 
 int KelolistBox::ListCount() const
 {
-    return m_model->count();
+    return d->model->count();
 }
 
 bool KelolistBox::Sorted() const
 {
-    return m_model->isSorted();
+    return d->model->isSorted();
 }
 
 void KelolistBox::AddItem(const QString &Item, const QVariant &Value)
 {
-    m_populating = true;
+    d->populating = true;
     qint32 value = 0;
     try {
         value = CLng(Value);
@@ -302,17 +405,17 @@ void KelolistBox::AddItem(const QString &Item, const QVariant &Value)
         // a value that is not a number leaves the entry's value 0
     }
     {
-        QScopedValueRollback<bool> quiet(m_quietSelection, true);
-        m_model->addEntry(Item, value);
+        QScopedValueRollback<bool> quiet(d->quietSelection, true);
+        d->model->addEntry(Item, value);
     }
     QCoreApplication::processEvents();
-    m_populating = false;
+    d->populating = false;
 }
 
 QVariant KelolistBox::Clear()
 {
-    QScopedValueRollback<bool> quiet(m_quietSelection, true);
-    m_model->clear();
+    QScopedValueRollback<bool> quiet(d->quietSelection, true);
+    d->model->clear();
     return QVariant();
 }
 
@@ -325,17 +428,17 @@ bool KelolistBox::RemoveItem(const QVariant &Value)
     if (std::trunc(number) != number || number < -2147483648.0 || number > 2147483647.0) {
         return false; // no 32-bit value can equal it
     }
-    const int row = m_model->findValue(qint32(number));
+    const int row = d->model->findValue(qint32(number));
     if (row < 0) {
         return false;
     }
     const bool wasSelected = row == listIndex();
-    QScopedValueRollback<bool> quiet(m_quietSelection, true);
-    m_model->removeEntry(row);
+    QScopedValueRollback<bool> quiet(d->quietSelection, true);
+    d->model->removeEntry(row);
     if (wasSelected) {
         // The view would move the selection to a neighbour; a list box has
         // no selection left once its selected entry is gone.
-        m_list->selectionModel()->clear();
+        d->list->selectionModel()->clear();
     }
     return true;
 }
@@ -345,14 +448,14 @@ bool KelolistBox::RemoveItem(const QVariant &Value)
 QString KelolistBox::Text() const
 {
     const int row = listIndex();
-    return row < 0 ? m_defaultText : m_model->text(row);
+    return row < 0 ? d->defaultText : d->model->text(row);
 }
 
 void KelolistBox::setText(const QString &text)
 {
-    const int row = m_model->findText(text);
+    const int row = d->model->findText(text);
     if (row >= 0) {
-        m_label->setText(m_model->text(row));
+        d->label->setText(d->model->text(row));
         selectRow(row);
     } else {
         selectDefault();
@@ -363,15 +466,15 @@ void KelolistBox::setText(const QString &text)
 int KelolistBox::Value() const
 {
     const int row = listIndex();
-    return row < 0 ? m_defaultValue : m_model->value(row);
+    return row < 0 ? d->defaultValue : d->model->value(row);
 }
 
 void KelolistBox::setValue(int value)
 {
     requireRunMode();
-    const int row = m_model->findValue(value);
+    const int row = d->model->findValue(value);
     if (row >= 0) {
-        m_label->setText(m_model->text(row));
+        d->label->setText(d->model->text(row));
         selectRow(row);
     } else {
         selectDefault();
@@ -381,13 +484,13 @@ void KelolistBox::setValue(int value)
 
 void KelolistBox::setDefaultValue(int value)
 {
-    m_defaultValue = value;
+    d->defaultValue = value;
     propertyChanged("DefaultValue");
 }
 
 void KelolistBox::setDefaultText(const QString &text)
 {
-    m_defaultText = text;
+    d->defaultText = text;
     propertyChanged("DefaultText");
 }
 
@@ -395,23 +498,23 @@ void KelolistBox::setDefaultText(const QString &text)
 
 void KelolistBox::setLocked(bool locked)
 {
-    m_locked = locked;
+    d->locked = locked;
     applyLockDisplay();
     propertyChanged("Locked");
 }
 
 void KelolistBox::setLockedAlways(bool lockedAlways)
 {
-    m_lockedAlways = lockedAlways;
+    d->lockedAlways = lockedAlways;
     applyLockDisplay();
     propertyChanged("LockedAlways");
 }
 
 void KelolistBox::applyLockDisplay()
 {
-    const bool showLabel = m_lockedAlways || m_locked;
-    m_label->setVisible(showLabel);
-    m_list->setVisible(!showLabel);
+    const bool showLabel = d->lockedAlways || d->locked;
+    d->label->setVisible(showLabel);
+    d->list->setVisible(!showLabel);
 }
 
 // ---- Populate -------------------------------------------------------------------
@@ -455,14 +558,14 @@ QString KelolistBox::Populate(Recordset &ListRecordset, const QVariant &TextColu
         return QStringLiteral("ValueColumn=") + variantText(ValueColumn) + QStringLiteral(" - ") + error.description();
     }
 
-    m_populating = true;
+    d->populating = true;
     Clear();
     if (DefaultText.isValid()) {
         addDefaultEntry(DefaultText, DefaultValue);
     }
     readRecords(ListRecordset, textField, valueField);
     QCoreApplication::processEvents();
-    m_populating = false;
+    d->populating = false;
     return successText();
 }
 
@@ -474,7 +577,7 @@ void KelolistBox::addDefaultEntry(const QVariant &text, const QVariant &value)
     const std::optional<QString> entryText = recordText(text);
     if (value.isValid()) {
         if (const std::optional<qint32> number = recordValue(value)) {
-            m_defaultValue = *number;
+            d->defaultValue = *number;
             propertyChanged("DefaultValue");
         }
     }
@@ -483,8 +586,8 @@ void KelolistBox::addDefaultEntry(const QVariant &text, const QVariant &value)
     }
     int row = 0;
     {
-        QScopedValueRollback<bool> quiet(m_quietSelection, true);
-        row = m_model->addEntry(*entryText, m_defaultValue);
+        QScopedValueRollback<bool> quiet(d->quietSelection, true);
+        row = d->model->addEntry(*entryText, d->defaultValue);
     }
     selectRow(row);
 }
@@ -505,8 +608,8 @@ void KelolistBox::readRecords(Recordset &records, int textField, int valueField)
             break;
         }
     }
-    QScopedValueRollback<bool> quiet(m_quietSelection, true);
-    m_model->addEntries(std::move(entries));
+    QScopedValueRollback<bool> quiet(d->quietSelection, true);
+    d->model->addEntries(std::move(entries));
 }
 
 // ---- life cycle and layout ----------------------------------------------------------
@@ -528,8 +631,8 @@ QSize KelolistBox::minimumSizeHint() const
 
 void KelolistBox::layoutChildren()
 {
-    m_list->setGeometry(rect());
-    m_label->setGeometry(rect());
+    d->list->setGeometry(rect());
+    d->label->setGeometry(rect());
 }
 
 void KelolistBox::resizeEvent(QResizeEvent *event)

@@ -2,19 +2,22 @@
 
 #include "ControlBase.h"
 #include "OleColor.h"
+#include "PropertyTable.h"
+
+#include <kelocontrols_export.h>
 
 #include <QFont>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
+#include <memory>
+
 class QAbstractItemModel;
 class QLabel;
 class QListView;
 
 namespace Kelocontrols {
-class ListBoxModel;
-class ListBoxPropertyTable;
 class Recordset;
 } // namespace Kelocontrols
 
@@ -53,7 +56,7 @@ class Recordset;
  * countries->setLocked(true);        // shows "France" as a label
  * \endcode
  */
-class KelolistBox : public Kelocontrols::ControlBase
+class KELOCONTROLS_EXPORT KelolistBox : public Kelocontrols::ControlBase
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_KelolistBox")
@@ -111,10 +114,10 @@ public:
     ~KelolistBox() override;
 
     /// The list's background colour (an OLE colour; system colours follow the palette).
-    Kelocontrols::OleColor BackColor() const { return m_backColor; }
+    Kelocontrols::OleColor BackColor() const;
     void setBackColor(Kelocontrols::OleColor color);
     /// The colour of the list's texts.
-    Kelocontrols::OleColor ForeColor() const { return m_foreColor; }
+    Kelocontrols::OleColor ForeColor() const;
     void setForeColor(Kelocontrols::OleColor color);
     bool Enabled() const;
     /// Enables or disables the whole control (and emits PropertyChanged("Enabled")).
@@ -170,7 +173,7 @@ public:
     /// Selects the first entry whose text equals `text` without regard to case, else the default entry.
     void setText(const QString &text);
 
-    bool Locked() const { return m_locked; }
+    bool Locked() const;
     /// Shows the label instead of the list (unless LockedAlways already does).
     void setLocked(bool locked);
 
@@ -181,11 +184,11 @@ public:
     void setValue(int value);
 
     /// 0 flat, 1 3-D (the default).
-    int Appearance() const { return m_appearance; }
+    int Appearance() const;
     /// @throws Kelocontrols::RuntimeError 380 for values other than 0 and 1.
     void setAppearance(int appearance);
 
-    bool LockedAlways() const { return m_lockedAlways; }
+    bool LockedAlways() const;
     /// Shows the label instead of the list whatever Locked says.
     void setLockedAlways(bool lockedAlways);
 
@@ -194,7 +197,7 @@ public:
     /// raised meanwhile; pending events are processed once.
     Q_INVOKABLE void AddItem(const QString &Item, const QVariant &Value);
 
-    int DefaultValue() const { return m_defaultValue; }
+    int DefaultValue() const;
     void setDefaultValue(int value);
 
     /// Empties the list; returns an empty QVariant.
@@ -214,7 +217,7 @@ public:
     QString ToolTipText() const;
     void setToolTipText(const QString &text);
 
-    QString DefaultText() const { return m_defaultText; }
+    QString DefaultText() const;
     void setDefaultText(const QString &text);
 
     const Kelocontrols::PropertyTableBase &propertyTable() const override;
@@ -234,7 +237,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    friend class Kelocontrols::ListBoxPropertyTable;
+    static const Kelocontrols::PropertyTable<KelolistBox> &table();
 
     void forwardStockEvents();
     void onListSelectionChanged();
@@ -250,18 +253,6 @@ private:
     void addDefaultEntry(const QVariant &text, const QVariant &value);
     void readRecords(Kelocontrols::Recordset &records, int textField, int valueField);
 
-    Kelocontrols::ListBoxModel *m_model;
-    QListView *m_list;
-    QLabel *m_label;
-
-    bool m_populating = false;
-    bool m_quietSelection = false;
-    bool m_locked = false;
-    bool m_lockedAlways = false;
-    qint32 m_defaultValue = 0;
-    QString m_defaultText;
-    QVariant m_savedValue;
-    Kelocontrols::OleColor m_backColor;
-    Kelocontrols::OleColor m_foreColor;
-    int m_appearance = 1;
+    class Private;
+    std::unique_ptr<Private> const d;
 };

@@ -1,4 +1,4 @@
-#include "ListBoxModel.h"
+#include "ListBoxModel_p.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QString>
 #include <QVariant>
 
@@ -32,7 +34,7 @@ namespace Kelocontrols {
  * }
  * \endcode
  */
-class Recordset
+class KELOCONTROLS_EXPORT Recordset
 {
 public:
     /// A field was asked for by a name or position the recordset does not have.

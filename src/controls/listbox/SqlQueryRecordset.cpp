@@ -1,4 +1,4 @@
-#include "SqlQueryRecordset.h"
+#include "SqlQueryRecordset_p.h"
 
 #include "RuntimeError.h"
 

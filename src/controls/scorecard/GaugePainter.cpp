@@ -1,4 +1,4 @@
-#include "GaugePainter.h"
+#include "GaugePainter_p.h"
 
 #include "Conversions.h"
 #include "KeloEnums.h"

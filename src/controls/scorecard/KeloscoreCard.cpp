@@ -1,12 +1,13 @@
 #include "KeloscoreCard.h"
 
 #include "Conversions.h"
-#include "GaugePainter.h"
+#include "GaugePainter_p.h"
 #include "ImageList.h"
 #include "PictureBox.h"
 #include "PropertyValues.h"
 #include "RuntimeError.h"
-#include "ScoreCardArtwork.h"
+#include "ScoreCardArtwork_p.h"
+#include "ScoreModel_p.h"
 #include "StockEventFilter.h"
 
 #include <QResizeEvent>
@@ -26,6 +27,39 @@ float single(double value)
 
 } // namespace
 
+/// The state of a score card; every persisted value gets its default from
+/// the property table (InitProperties).
+class KeloscoreCard::Private
+{
+public:
+    explicit Private(KeloscoreCard *card)
+        : picture(new PictureBox(card))
+        , images32(new ImageList(QSize(32, 32), card))
+        , images16(new ImageList(QSize(16, 16), card))
+    {
+    }
+
+    PictureBox *const picture;
+    ImageList *const images32;
+    ImageList *const images16;
+
+    float value = 0;
+    int style = 0;
+    ScoreScale scale;
+    // The scale as written while the first batch of writes is open.
+    ScoreScale written;
+    bool showLimitLines = false;
+    double tickEvery = 0.0;
+    OleColor tickLineColor = 0;
+    OleColor fontColor = 0;
+    int showValue = 0;
+    int toolTipStyle = 0;
+    QString toolTip;
+    int marker = 0;
+    int blocks = 0;
+    int orientation = 0;
+};
+
 const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
 {
     // Read order; the write order differs only in where ScoreBad goes.
@@ -34,74 +68,74 @@ const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
         PropertyTable<C> t;
         t.add(
              "BackColor", QVariant(uint(0x8000000F)), [](const C &c) { return QVariant(c.BackColor()); },
-             [](C &c, const QVariant &v) { c.m_picture->setBackColor(colorFromVariant(v)); })
+             [](C &c, const QVariant &v) { c.d->picture->setBackColor(colorFromVariant(v)); })
             .add(
                 "ForeColor", QVariant(uint(0x80000012)), [](const C &c) { return QVariant(c.ForeColor()); },
-                [](C &c, const QVariant &v) { c.m_picture->setForeColor(colorFromVariant(v)); })
+                [](C &c, const QVariant &v) { c.d->picture->setForeColor(colorFromVariant(v)); })
             .add(
                 "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
                 [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); })
             .add(
                 "Font", [](const C &c) { return QVariant(c.ambientFont()); },
                 [](const C &c) { return QVariant(c.Font()); },
-                [](C &c, const QVariant &v) { c.m_picture->setFont(fontFromVariant(v)); })
+                [](C &c, const QVariant &v) { c.d->picture->setFont(fontFromVariant(v)); })
             .add(
                 "BorderStyle", QVariant(1), [](const C &c) { return QVariant(c.BorderStyle()); },
-                [](C &c, const QVariant &v) { c.m_picture->setBorderStyle(CInt(v)); })
+                [](C &c, const QVariant &v) { c.d->picture->setBorderStyle(CInt(v)); })
             .add(
-                "Value", QVariant(0.5f), [](const C &c) { return QVariant(c.m_value); },
-                [](C &c, const QVariant &v) { c.m_value = CSng(v); })
+                "Value", QVariant(0.5f), [](const C &c) { return QVariant(c.d->value); },
+                [](C &c, const QVariant &v) { c.d->value = CSng(v); })
             .add(
-                "Style", QVariant(0), [](const C &c) { return QVariant(c.m_style); },
-                [](C &c, const QVariant &v) { c.m_style = CInt(v); })
+                "Style", QVariant(0), [](const C &c) { return QVariant(c.d->style); },
+                [](C &c, const QVariant &v) { c.d->style = CInt(v); })
             .add(
-                "ScoreStar", QVariant(0.8f), [](const C &c) { return QVariant(c.m_thresholds.star); },
-                [](C &c, const QVariant &v) { c.m_thresholds.star = CSng(v); })
+                "ScoreStar", QVariant(0.8f), [](const C &c) { return QVariant(c.scale().thresholds.star); },
+                [](C &c, const QVariant &v) { c.d->scale.thresholds.star = CSng(v); })
             .add(
-                "ScoreGood", QVariant(0.6f), [](const C &c) { return QVariant(c.m_thresholds.good); },
-                [](C &c, const QVariant &v) { c.m_thresholds.good = CSng(v); })
+                "ScoreGood", QVariant(0.6f), [](const C &c) { return QVariant(c.scale().thresholds.good); },
+                [](C &c, const QVariant &v) { c.d->scale.thresholds.good = CSng(v); })
             .add(
-                "ScoreMaybe", QVariant(0.4f), [](const C &c) { return QVariant(c.m_thresholds.maybe); },
-                [](C &c, const QVariant &v) { c.m_thresholds.maybe = CSng(v); })
+                "ScoreMaybe", QVariant(0.4f), [](const C &c) { return QVariant(c.scale().thresholds.maybe); },
+                [](C &c, const QVariant &v) { c.d->scale.thresholds.maybe = CSng(v); })
             .add(
-                "ScoreBad", QVariant(0.2f), [](const C &c) { return QVariant(c.m_thresholds.bad); },
-                [](C &c, const QVariant &v) { c.m_thresholds.bad = CSng(v); })
+                "ScoreBad", QVariant(0.2f), [](const C &c) { return QVariant(c.scale().thresholds.bad); },
+                [](C &c, const QVariant &v) { c.d->scale.thresholds.bad = CSng(v); })
             .add(
-                "ScoreMin", QVariant(0.0f), [](const C &c) { return QVariant(c.m_scoreMin); },
-                [](C &c, const QVariant &v) { c.m_scoreMin = CSng(v); })
+                "ScoreMin", QVariant(0.0f), [](const C &c) { return QVariant(c.scale().min); },
+                [](C &c, const QVariant &v) { c.d->scale.min = CSng(v); })
             .add(
-                "ScoreMax", QVariant(1.0f), [](const C &c) { return QVariant(c.m_scoreMax); },
-                [](C &c, const QVariant &v) { c.m_scoreMax = CSng(v); })
+                "ScoreMax", QVariant(1.0f), [](const C &c) { return QVariant(c.scale().max); },
+                [](C &c, const QVariant &v) { c.d->scale.max = CSng(v); })
             .add(
-                "ShowLimitLines", QVariant(false), [](const C &c) { return QVariant(c.m_showLimitLines); },
-                [](C &c, const QVariant &v) { c.m_showLimitLines = CBool(v); })
+                "ShowLimitLines", QVariant(false), [](const C &c) { return QVariant(c.d->showLimitLines); },
+                [](C &c, const QVariant &v) { c.d->showLimitLines = CBool(v); })
             .add(
-                "ShowTickLinesEvery", QVariant(0), [](const C &c) { return QVariant(c.m_tickEvery); },
-                [](C &c, const QVariant &v) { c.m_tickEvery = CDbl(v); })
+                "ShowTickLinesEvery", QVariant(0), [](const C &c) { return QVariant(c.d->tickEvery); },
+                [](C &c, const QVariant &v) { c.d->tickEvery = CDbl(v); })
             .add(
-                "TickLineColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.m_tickLineColor); },
-                [](C &c, const QVariant &v) { c.m_tickLineColor = colorFromVariant(v); })
+                "TickLineColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.d->tickLineColor); },
+                [](C &c, const QVariant &v) { c.d->tickLineColor = colorFromVariant(v); })
             .add(
-                "FontColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.m_fontColor); },
-                [](C &c, const QVariant &v) { c.m_fontColor = colorFromVariant(v); })
+                "FontColor", QVariant(uint(0)), [](const C &c) { return QVariant(c.d->fontColor); },
+                [](C &c, const QVariant &v) { c.d->fontColor = colorFromVariant(v); })
             .add(
-                "ShowValue", QVariant(0), [](const C &c) { return QVariant(c.m_showValue); },
-                [](C &c, const QVariant &v) { c.m_showValue = CLng(v); })
+                "ShowValue", QVariant(0), [](const C &c) { return QVariant(c.d->showValue); },
+                [](C &c, const QVariant &v) { c.d->showValue = CLng(v); })
             .add(
-                "ToolTipStyle", QVariant(3), [](const C &c) { return QVariant(c.m_toolTipStyle); },
-                [](C &c, const QVariant &v) { c.m_toolTipStyle = CLng(v); })
+                "ToolTipStyle", QVariant(3), [](const C &c) { return QVariant(c.d->toolTipStyle); },
+                [](C &c, const QVariant &v) { c.d->toolTipStyle = CLng(v); })
             .add(
-                "ToolTip", QVariant(QString()), [](const C &c) { return QVariant(c.m_toolTip); },
-                [](C &c, const QVariant &v) { c.m_toolTip = textFromVariant(v); })
+                "ToolTip", QVariant(QString()), [](const C &c) { return QVariant(c.d->toolTip); },
+                [](C &c, const QVariant &v) { c.d->toolTip = textFromVariant(v); })
             .add(
-                "ShowMarker", QVariant(0), [](const C &c) { return QVariant(c.m_marker); },
-                [](C &c, const QVariant &v) { c.m_marker = CLng(v); })
+                "ShowMarker", QVariant(0), [](const C &c) { return QVariant(c.d->marker); },
+                [](C &c, const QVariant &v) { c.d->marker = CLng(v); })
             .add(
-                "ShowBlocks", QVariant(0), [](const C &c) { return QVariant(c.m_blocks); },
-                [](C &c, const QVariant &v) { c.m_blocks = CInt(v); })
+                "ShowBlocks", QVariant(0), [](const C &c) { return QVariant(c.d->blocks); },
+                [](C &c, const QVariant &v) { c.d->blocks = CInt(v); })
             .add(
-                "GaugeOrientation", QVariant(0), [](const C &c) { return QVariant(c.m_orientation); },
-                [](C &c, const QVariant &v) { c.m_orientation = CLng(v); });
+                "GaugeOrientation", QVariant(0), [](const C &c) { return QVariant(c.d->orientation); },
+                [](C &c, const QVariant &v) { c.d->orientation = CLng(v); });
         t.setWriteOrder({"BackColor", "ForeColor", "Enabled", "Font", "BorderStyle", "Value", "Style", "ScoreStar",
             "ScoreGood", "ScoreMaybe", "ScoreMin", "ScoreMax", "ShowLimitLines", "ShowTickLinesEvery", "TickLineColor",
             "FontColor", "ShowValue", "ToolTipStyle", "ToolTip", "ScoreBad", "ShowMarker", "ShowBlocks",
@@ -113,15 +147,13 @@ const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
 
 KeloscoreCard::KeloscoreCard(QWidget *parent)
     : ControlBase(parent)
-    , m_picture(new PictureBox(this))
-    , m_images32(new ImageList(QSize(32, 32), this))
-    , m_images16(new ImageList(QSize(16, 16), this))
+    , d(new Private(this))
 {
-    m_picture->setObjectName(QStringLiteral("Picture1"));
-    m_images32->setObjectName(QStringLiteral("ImageList32"));
-    m_images16->setObjectName(QStringLiteral("ImageList16"));
-    ScoreCardArtwork::fill(*m_images32);
-    ScoreCardArtwork::fill(*m_images16);
+    d->picture->setObjectName(QStringLiteral("Picture1"));
+    d->images32->setObjectName(QStringLiteral("ImageList32"));
+    d->images16->setObjectName(QStringLiteral("ImageList16"));
+    ScoreCardArtwork::fill(*d->images32);
+    ScoreCardArtwork::fill(*d->images16);
     forwardStockEvents();
     InitProperties();
 }
@@ -135,7 +167,7 @@ const PropertyTableBase &KeloscoreCard::propertyTable() const
 
 void KeloscoreCard::forwardStockEvents()
 {
-    const StockEventFilter *events = m_picture->stockEvents();
+    const StockEventFilter *events = d->picture->stockEvents();
     connect(events, &StockEventFilter::Click, this, &KeloscoreCard::Click);
     connect(events, &StockEventFilter::DblClick, this, &KeloscoreCard::DblClick);
     connect(events, &StockEventFilter::KeyDown, this, &KeloscoreCard::KeyDown);
@@ -150,24 +182,24 @@ void KeloscoreCard::forwardStockEvents()
 
 OleColor KeloscoreCard::BackColor() const
 {
-    return m_picture->backColor();
+    return d->picture->backColor();
 }
 
 void KeloscoreCard::setBackColor(OleColor color)
 {
-    m_picture->setBackColor(color);
+    d->picture->setBackColor(color);
     propertyChanged("BackColor");
     redraw();
 }
 
 OleColor KeloscoreCard::ForeColor() const
 {
-    return m_picture->foreColor();
+    return d->picture->foreColor();
 }
 
 void KeloscoreCard::setForeColor(OleColor color)
 {
-    m_picture->setForeColor(color);
+    d->picture->setForeColor(color);
     propertyChanged("ForeColor");
     redraw();
 }
@@ -185,174 +217,233 @@ void KeloscoreCard::setEnabled(bool enabled)
 
 QFont KeloscoreCard::Font() const
 {
-    return m_picture->font();
+    return d->picture->font();
 }
 
 void KeloscoreCard::setFont(const QFont &font)
 {
-    m_picture->setFont(font);
+    d->picture->setFont(font);
     propertyChanged("Font");
 }
 
 int KeloscoreCard::BorderStyle() const
 {
-    return m_picture->borderStyle();
+    return d->picture->borderStyle();
 }
 
 void KeloscoreCard::setBorderStyle(int style)
 {
-    m_picture->setBorderStyle(CInt(style));
+    d->picture->setBorderStyle(CInt(style));
     propertyChanged("BorderStyle");
     layoutSurface();
 }
 
 void KeloscoreCard::Refresh()
 {
-    m_picture->repaint();
+    d->picture->repaint();
 }
 
 // ---- the score -------------------------------------------------------------
 
+double KeloscoreCard::Value() const
+{
+    return d->value;
+}
+
+keloScoreCardStyle KeloscoreCard::Style() const
+{
+    return keloScoreCardStyle(d->style);
+}
+
+bool KeloscoreCard::ShowLimitLines() const
+{
+    return d->showLimitLines;
+}
+
+double KeloscoreCard::ShowTickLinesEvery() const
+{
+    return d->tickEvery;
+}
+
+OleColor KeloscoreCard::TickLineColor() const
+{
+    return d->tickLineColor;
+}
+
+OleColor KeloscoreCard::FontColor() const
+{
+    return d->fontColor;
+}
+
+keloShowValue KeloscoreCard::ShowValue() const
+{
+    return keloShowValue(d->showValue);
+}
+
+keloToolTipStyle KeloscoreCard::ToolTipStyle() const
+{
+    return keloToolTipStyle(d->toolTipStyle);
+}
+
+QString KeloscoreCard::ToolTip() const
+{
+    return d->toolTip;
+}
+
+keloMarkerStyle KeloscoreCard::ShowMarker() const
+{
+    return keloMarkerStyle(d->marker);
+}
+
+int KeloscoreCard::ShowBlocks() const
+{
+    return d->blocks;
+}
+
+keloGaugeOrientation KeloscoreCard::GaugeOrientation() const
+{
+    return keloGaugeOrientation(d->orientation);
+}
+
+bool KeloscoreCard::isPictureStyle() const
+{
+    return d->style >= 0 && d->style <= 5;
+}
+
 void KeloscoreCard::setValue(double value)
 {
-    m_value = single(value);
+    d->value = single(value);
     propertyChanged("Value");
     redraw();
 }
 
 void KeloscoreCard::setStyle(keloScoreCardStyle style)
 {
-    if (int(style) == m_style) {
+    if (int(style) == d->style) {
         return;
     }
-    m_style = CInt(int(style));
+    d->style = CInt(int(style));
     fitToStyle();
     redraw();
     propertyChanged("Style");
 }
 
-// Each threshold clamps against its two neighbours only: first the one
-// below, then the one above.
+// The clamping rules live in ScoreScale. While the first batch of writes is
+// open (a form setting its properties), the writes are also kept as written:
+// a scale that is in order as written is the card's scale, even where one
+// write alone was clamped against a neighbour the form had not set yet.
 void KeloscoreCard::setScoreStar(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.good) {
-        s = m_thresholds.good;
-    }
-    if (s > m_scoreMax) {
-        s = m_scoreMax;
-    }
-    m_thresholds.star = s;
-    propertyChanged("ScoreStar");
-    redraw();
+    noteFirstWrite("ScoreStar");
+    const float s = single(score);
+    d->scale = d->scale.withStar(s);
+    d->written.thresholds.star = s;
+    scaleChanged("ScoreStar");
 }
 
 void KeloscoreCard::setScoreGood(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.maybe) {
-        s = m_thresholds.maybe;
-    }
-    if (s > m_thresholds.star) {
-        s = m_thresholds.star;
-    }
-    m_thresholds.good = s;
-    propertyChanged("ScoreGood");
-    redraw();
+    noteFirstWrite("ScoreGood");
+    const float s = single(score);
+    d->scale = d->scale.withGood(s);
+    d->written.thresholds.good = s;
+    scaleChanged("ScoreGood");
 }
 
 void KeloscoreCard::setScoreMaybe(double score)
 {
-    float s = single(score);
-    if (s < m_thresholds.bad) {
-        s = m_thresholds.bad;
-    }
-    if (s > m_thresholds.good) {
-        s = m_thresholds.good;
-    }
-    m_thresholds.maybe = s;
-    propertyChanged("ScoreMaybe");
-    redraw();
+    noteFirstWrite("ScoreMaybe");
+    const float s = single(score);
+    d->scale = d->scale.withMaybe(s);
+    d->written.thresholds.maybe = s;
+    scaleChanged("ScoreMaybe");
 }
 
 void KeloscoreCard::setScoreBad(double score)
 {
-    float s = single(score);
-    if (s < m_scoreMin) {
-        s = m_scoreMin;
-    }
-    if (s > m_thresholds.maybe) {
-        s = m_thresholds.maybe;
-    }
-    m_thresholds.bad = s;
-    propertyChanged("ScoreBad");
-    redraw();
+    noteFirstWrite("ScoreBad");
+    const float s = single(score);
+    d->scale = d->scale.withBad(s);
+    d->written.thresholds.bad = s;
+    scaleChanged("ScoreBad");
 }
 
-// ScoreMin and ScoreMax step back by one whole unit when they would cross,
-// then push every threshold that falls outside the new range.
 void KeloscoreCard::setScoreMin(double score)
 {
+    noteFirstWrite("ScoreMin");
     const float s = single(score);
-    m_scoreMin = s >= m_scoreMax ? m_scoreMax - 1.0f : s;
-    for (float *t : {&m_thresholds.bad, &m_thresholds.maybe, &m_thresholds.good, &m_thresholds.star}) {
-        if (*t < m_scoreMin) {
-            *t = m_scoreMin;
-        }
-    }
-    propertyChanged("ScoreMin");
-    redraw();
+    d->scale = d->scale.withMin(s);
+    d->written.min = s;
+    scaleChanged("ScoreMin");
 }
 
 void KeloscoreCard::setScoreMax(double score)
 {
+    noteFirstWrite("ScoreMax");
     const float s = single(score);
-    m_scoreMax = s <= m_scoreMin ? m_scoreMin + 1.0f : s;
-    for (float *t : {&m_thresholds.bad, &m_thresholds.maybe, &m_thresholds.good, &m_thresholds.star}) {
-        if (*t > m_scoreMax) {
-            *t = m_scoreMax;
-        }
+    d->scale = d->scale.withMax(s);
+    d->written.max = s;
+    scaleChanged("ScoreMax");
+}
+
+void KeloscoreCard::scaleChanged(const char *name)
+{
+    if (!inFirstWrites()) {
+        d->written = d->scale;
     }
-    propertyChanged("ScoreMax");
+    propertyChanged(name);
     redraw();
+}
+
+const ScoreScale &KeloscoreCard::scale() const
+{
+    return inFirstWrites() && d->written.isOrdered() ? d->written : d->scale;
+}
+
+void KeloscoreCard::firstWritesSettled()
+{
+    if (d->written.isOrdered()) {
+        d->scale = d->written;
+    }
+    d->written = d->scale;
 }
 
 // ---- gauge decorations ------------------------------------------------------
 
 void KeloscoreCard::setShowLimitLines(bool show)
 {
-    m_showLimitLines = show;
+    d->showLimitLines = show;
     propertyChanged("ShowLimitLines");
     redraw();
 }
 
 void KeloscoreCard::setShowTickLinesEvery(double every)
 {
-    m_tickEvery = every < 0 ? 0.0 : every;
+    d->tickEvery = every < 0 ? 0.0 : every;
     propertyChanged("ShowTickLinesEvery");
     redraw();
 }
 
 void KeloscoreCard::setTickLineColor(OleColor color)
 {
-    m_tickLineColor = color;
+    d->tickLineColor = color;
     propertyChanged("TickLineColor");
     redraw();
 }
 
 void KeloscoreCard::setFontColor(OleColor color)
 {
-    m_fontColor = color;
+    d->fontColor = color;
     propertyChanged("FontColor");
     redraw();
 }
 
 void KeloscoreCard::setShowValue(keloShowValue where)
 {
-    if (int(where) == m_showValue) {
+    if (int(where) == d->showValue) {
         return;
     }
-    m_showValue = int(where);
+    d->showValue = int(where);
     redraw();
     propertyChanged("ShowValue");
 }
@@ -362,19 +453,19 @@ void KeloscoreCard::setToolTipStyle(keloToolTipStyle style)
     if (int(style) < 0 || int(style) > 3) {
         return;
     }
-    m_toolTipStyle = int(style);
+    d->toolTipStyle = int(style);
     propertyChanged("ToolTipStyle");
 }
 
 void KeloscoreCard::setToolTip(const QString &text)
 {
-    m_toolTip = text;
+    d->toolTip = text;
     propertyChanged("ToolTip");
 }
 
 void KeloscoreCard::setShowMarker(keloMarkerStyle marker)
 {
-    m_marker = int(marker);
+    d->marker = int(marker);
     propertyChanged("ShowMarker");
     redraw();
 }
@@ -384,27 +475,58 @@ void KeloscoreCard::setShowBlocks(int blocks)
     if (blocks < 0 || blocks > 100) {
         return;
     }
-    m_blocks = blocks;
+    d->blocks = blocks;
     propertyChanged("ShowBlocks");
     redraw();
 }
 
 void KeloscoreCard::setGaugeOrientation(keloGaugeOrientation orientation)
 {
-    m_orientation = int(orientation);
+    d->orientation = int(orientation);
     propertyChanged("GaugeOrientation");
     redraw();
 }
 
 int KeloscoreCard::grade() const
 {
-    return scoreGrade(m_value, m_thresholds);
+    return scoreGrade(d->value, scale().thresholds);
+}
+
+double KeloscoreCard::ScoreStar() const
+{
+    return scale().thresholds.star;
+}
+
+double KeloscoreCard::ScoreGood() const
+{
+    return scale().thresholds.good;
+}
+
+double KeloscoreCard::ScoreMaybe() const
+{
+    return scale().thresholds.maybe;
+}
+
+double KeloscoreCard::ScoreBad() const
+{
+    return scale().thresholds.bad;
+}
+
+double KeloscoreCard::ScoreMin() const
+{
+    return scale().min;
+}
+
+double KeloscoreCard::ScoreMax() const
+{
+    return scale().max;
 }
 
 // ---- life cycle and layout ----------------------------------------------------
 
 void KeloscoreCard::propertiesLoaded()
 {
+    d->written = d->scale;
     fitToStyle();
     redraw();
 }
@@ -424,8 +546,8 @@ void KeloscoreCard::userModeChanged()
 
 QSize KeloscoreCard::pictureFitSize() const
 {
-    const int border = m_picture->frameWidth();
-    const QSize image = (m_style % 2 == 0) ? m_images16->imageSize() : m_images32->imageSize();
+    const int border = d->picture->frameWidth();
+    const QSize image = (d->style % 2 == 0) ? d->images16->imageSize() : d->images32->imageSize();
     return image + QSize(2 * border, 2 * border);
 }
 
@@ -434,10 +556,10 @@ QSize KeloscoreCard::sizeHint() const
     if (isPictureStyle()) {
         return pictureFitSize();
     }
-    if (m_style == kFlashCard) {
+    if (d->style == kFlashCard) {
         return QSize(32, 32);
     }
-    return m_orientation == int(keloGaugeOrientation::Vertical) ? QSize(30, 160) : QSize(200, 30);
+    return d->orientation == int(keloGaugeOrientation::Vertical) ? QSize(30, 160) : QSize(200, 30);
 }
 
 // The surface fills the control, except for a picture style, where it is
@@ -445,7 +567,7 @@ QSize KeloscoreCard::sizeHint() const
 void KeloscoreCard::layoutSurface()
 {
     const QRect area = isPictureStyle() ? QRect(QPoint(0, 0), pictureFitSize()) : rect();
-    m_picture->setGeometry(area);
+    d->picture->setGeometry(area);
     setSizePolicy(isPictureStyle() ? QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed)
                                    : QSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred));
 }
@@ -461,9 +583,9 @@ void KeloscoreCard::resizeEvent(QResizeEvent *event)
 // drawing only and leaves the tool tip alone.
 void KeloscoreCard::renderCurrentDrawing()
 {
-    if (m_style == kFlashCard) {
+    if (d->style == kFlashCard) {
         drawFlashCard();
-    } else if (m_style >= kGauge && m_style <= kGaugeRainbow) {
+    } else if (d->style >= kGauge && d->style <= kGaugeRainbow) {
         drawGauge();
     }
 }
@@ -487,45 +609,45 @@ void KeloscoreCard::redraw()
 void KeloscoreCard::drawPicture()
 {
     layoutSurface();
-    m_picture->cls();
-    const ImageList *images = (m_style % 2 == 0) ? m_images16 : m_images32;
-    const QString key = ScoreCardArtwork::familyOf(m_style) + QString::number(grade());
-    m_picture->setPicture(images->picture(key));
+    d->picture->cls();
+    const ImageList *images = (d->style % 2 == 0) ? d->images16 : d->images32;
+    const QString key = ScoreCardArtwork::familyOf(d->style) + QString::number(grade());
+    d->picture->setPicture(images->picture(key));
 }
 
 void KeloscoreCard::drawFlashCard()
 {
-    m_picture->setPicture(QPixmap());
-    m_picture->cls();
-    m_picture->fillBox(QRectF(0, 0, m_picture->scaleWidth(), m_picture->scaleHeight()), gradeColor(grade()));
+    d->picture->setPicture(QPixmap());
+    d->picture->cls();
+    d->picture->fillBox(QRectF(0, 0, d->picture->scaleWidth(), d->picture->scaleHeight()), gradeColor(grade()));
 }
 
 void KeloscoreCard::drawGauge()
 {
-    if (m_scoreMax == m_scoreMin) {
+    if (scale().max == scale().min) {
         return; // nothing to scale against: the surface keeps what it showed
     }
-    m_picture->setPicture(QPixmap());
-    m_picture->cls();
+    d->picture->setPicture(QPixmap());
+    d->picture->cls();
     GaugeSpec gaugeSpec;
-    gaugeSpec.style = m_style;
-    gaugeSpec.value = m_value;
-    gaugeSpec.scoreMin = m_scoreMin;
-    gaugeSpec.scoreMax = m_scoreMax;
-    gaugeSpec.thresholds = m_thresholds;
-    gaugeSpec.foreColor = m_picture->foreColor();
-    gaugeSpec.backColor = m_picture->backColor();
-    gaugeSpec.blocks = m_blocks;
-    gaugeSpec.tickEvery = float(m_tickEvery);
-    gaugeSpec.tickColor = m_tickLineColor;
-    gaugeSpec.limitLines = m_showLimitLines;
-    gaugeSpec.marker = m_marker;
-    gaugeSpec.showValue = m_showValue;
-    gaugeSpec.fontColor = m_fontColor;
-    gaugeSpec.font = m_picture->font();
-    gaugeSpec.vertical = m_orientation == int(keloGaugeOrientation::Vertical);
-    GaugePainter(gaugeSpec).paint(m_picture->beginPaint());
-    m_picture->endPaint();
+    gaugeSpec.style = d->style;
+    gaugeSpec.value = d->value;
+    gaugeSpec.scoreMin = scale().min;
+    gaugeSpec.scoreMax = scale().max;
+    gaugeSpec.thresholds = scale().thresholds;
+    gaugeSpec.foreColor = d->picture->foreColor();
+    gaugeSpec.backColor = d->picture->backColor();
+    gaugeSpec.blocks = d->blocks;
+    gaugeSpec.tickEvery = float(d->tickEvery);
+    gaugeSpec.tickColor = d->tickLineColor;
+    gaugeSpec.limitLines = d->showLimitLines;
+    gaugeSpec.marker = d->marker;
+    gaugeSpec.showValue = d->showValue;
+    gaugeSpec.fontColor = d->fontColor;
+    gaugeSpec.font = d->picture->font();
+    gaugeSpec.vertical = d->orientation == int(keloGaugeOrientation::Vertical);
+    GaugePainter(gaugeSpec).paint(d->picture->beginPaint());
+    d->picture->endPaint();
 }
 
 void KeloscoreCard::updateToolTip()
@@ -534,18 +656,18 @@ void KeloscoreCard::updateToolTip()
         return; // at design time the surface's tool tip is left alone
     }
     QString text;
-    switch (m_toolTipStyle) {
+    switch (d->toolTipStyle) {
     case int(keloToolTipStyle::ShowTextAsTip):
-        text = m_toolTip;
+        text = d->toolTip;
         break;
     case int(keloToolTipStyle::ShowValueAsTip):
-        text = formatPercent(m_value);
+        text = formatPercent(d->value);
         break;
     case int(keloToolTipStyle::ShowBothAsTip):
-        text = m_toolTip + QLatin1Char(' ') + formatPercent(m_value);
+        text = d->toolTip + QLatin1Char(' ') + formatPercent(d->value);
         break;
     default:
         break;
     }
-    m_picture->setToolTip(text);
+    d->picture->setToolTip(text);
 }

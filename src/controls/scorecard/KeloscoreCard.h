@@ -4,13 +4,14 @@
 #include "KeloEnums.h"
 #include "OleColor.h"
 #include "PropertyTable.h"
-#include "ScoreModel.h"
+#include <kelocontrols_export.h>
 
 #include <QFont>
 
+#include <memory>
+
 namespace Kelocontrols {
-class ImageList;
-class PictureBox;
+struct ScoreScale;
 } // namespace Kelocontrols
 
 /**
@@ -25,7 +26,10 @@ class PictureBox;
  *
  * Setters keep the thresholds in order: each clamps against its two
  * neighbours, while `ScoreMin` and `ScoreMax` push all four. Loading a saved
- * control (ReadProperties) keeps values exactly as saved.
+ * control (ReadProperties) keeps values exactly as saved. A form sets the
+ * scale one property at a time right after construction; those first writes
+ * are checked as a whole (see ControlBase): a scale that is in order as
+ * written is kept as written, whatever order its properties came in.
  *
  * Inner widgets: `Picture1` (the drawing surface; its input is re-raised as
  * the stock events), `ImageList32` and `ImageList16` (the fifteen grade
@@ -38,7 +42,7 @@ class PictureBox;
  * card->setValue(0.72);
  * \endcode
  */
-class KeloscoreCard : public Kelocontrols::ControlBase
+class KELOCONTROLS_EXPORT KeloscoreCard : public Kelocontrols::ControlBase
 {
     Q_OBJECT
     Q_CLASSINFO("Interface", "_KeloscoreCard")
@@ -86,9 +90,8 @@ class KeloscoreCard : public Kelocontrols::ControlBase
     Q_PROPERTY(QFont Font READ Font WRITE setFont)
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
     Q_PROPERTY(double Value READ Value WRITE setValue)
-    Q_PROPERTY(Kelocontrols::keloScoreCardStyle Style READ Style WRITE setStyle)
-    // The scale is declared before the thresholds: forms set properties in
-    // declaration order, and a threshold outside the old scale would be clamped.
+    Q_PROPERTY(Kelocontrols::keloScoreCardStyle::Value Style READ Style WRITE setStyle)
+    // Forms set properties in declaration order: the scale before the thresholds.
     Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
     Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
     Q_PROPERTY(double ScoreStar READ ScoreStar WRITE setScoreStar)
@@ -99,12 +102,13 @@ class KeloscoreCard : public Kelocontrols::ControlBase
     Q_PROPERTY(double ShowTickLinesEvery READ ShowTickLinesEvery WRITE setShowTickLinesEvery)
     Q_PROPERTY(uint TickLineColor READ TickLineColor WRITE setTickLineColor)
     Q_PROPERTY(uint FontColor READ FontColor WRITE setFontColor)
-    Q_PROPERTY(Kelocontrols::keloShowValue ShowValue READ ShowValue WRITE setShowValue)
-    Q_PROPERTY(Kelocontrols::keloToolTipStyle ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
+    Q_PROPERTY(Kelocontrols::keloShowValue::Value ShowValue READ ShowValue WRITE setShowValue)
+    Q_PROPERTY(Kelocontrols::keloToolTipStyle::Value ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
     Q_PROPERTY(QString ToolTip READ ToolTip WRITE setToolTip)
-    Q_PROPERTY(Kelocontrols::keloMarkerStyle ShowMarker READ ShowMarker WRITE setShowMarker)
+    Q_PROPERTY(Kelocontrols::keloMarkerStyle::Value ShowMarker READ ShowMarker WRITE setShowMarker)
     Q_PROPERTY(int ShowBlocks READ ShowBlocks WRITE setShowBlocks)
-    Q_PROPERTY(Kelocontrols::keloGaugeOrientation GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
+    Q_PROPERTY(
+        Kelocontrols::keloGaugeOrientation::Value GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
 
 public:
     explicit KeloscoreCard(QWidget *parent = nullptr);
@@ -127,44 +131,41 @@ public:
     /// Repaints the surface as it is, without redrawing or rebuilding the tool tip.
     Q_INVOKABLE void Refresh();
 
-    double Value() const { return m_value; }
+    double Value() const;
     void setValue(double value);
-    Kelocontrols::keloScoreCardStyle Style() const { return Kelocontrols::keloScoreCardStyle(m_style); }
+    Kelocontrols::keloScoreCardStyle Style() const;
     void setStyle(Kelocontrols::keloScoreCardStyle style);
-    double ScoreStar() const { return m_thresholds.star; }
+    double ScoreStar() const;
     void setScoreStar(double score);
-    double ScoreGood() const { return m_thresholds.good; }
+    double ScoreGood() const;
     void setScoreGood(double score);
-    double ScoreMaybe() const { return m_thresholds.maybe; }
+    double ScoreMaybe() const;
     void setScoreMaybe(double score);
-    double ScoreBad() const { return m_thresholds.bad; }
+    double ScoreBad() const;
     void setScoreBad(double score);
-    double ScoreMin() const { return m_scoreMin; }
+    double ScoreMin() const;
     void setScoreMin(double score);
-    double ScoreMax() const { return m_scoreMax; }
+    double ScoreMax() const;
     void setScoreMax(double score);
-    bool ShowLimitLines() const { return m_showLimitLines; }
+    bool ShowLimitLines() const;
     void setShowLimitLines(bool show);
-    double ShowTickLinesEvery() const { return m_tickEvery; }
+    double ShowTickLinesEvery() const;
     void setShowTickLinesEvery(double every);
-    Kelocontrols::OleColor TickLineColor() const { return m_tickLineColor; }
+    Kelocontrols::OleColor TickLineColor() const;
     void setTickLineColor(Kelocontrols::OleColor color);
-    Kelocontrols::OleColor FontColor() const { return m_fontColor; }
+    Kelocontrols::OleColor FontColor() const;
     void setFontColor(Kelocontrols::OleColor color);
-    Kelocontrols::keloShowValue ShowValue() const { return Kelocontrols::keloShowValue(m_showValue); }
+    Kelocontrols::keloShowValue ShowValue() const;
     void setShowValue(Kelocontrols::keloShowValue where);
-    Kelocontrols::keloToolTipStyle ToolTipStyle() const { return Kelocontrols::keloToolTipStyle(m_toolTipStyle); }
+    Kelocontrols::keloToolTipStyle ToolTipStyle() const;
     void setToolTipStyle(Kelocontrols::keloToolTipStyle style);
-    QString ToolTip() const { return m_toolTip; }
+    QString ToolTip() const;
     void setToolTip(const QString &text);
-    Kelocontrols::keloMarkerStyle ShowMarker() const { return Kelocontrols::keloMarkerStyle(m_marker); }
+    Kelocontrols::keloMarkerStyle ShowMarker() const;
     void setShowMarker(Kelocontrols::keloMarkerStyle marker);
-    int ShowBlocks() const { return m_blocks; }
+    int ShowBlocks() const;
     void setShowBlocks(int blocks);
-    Kelocontrols::keloGaugeOrientation GaugeOrientation() const
-    {
-        return Kelocontrols::keloGaugeOrientation(m_orientation);
-    }
+    Kelocontrols::keloGaugeOrientation GaugeOrientation() const;
     void setGaugeOrientation(Kelocontrols::keloGaugeOrientation orientation);
 
     /// The grade of the current value, 1 (worst) to 5 (best).
@@ -185,15 +186,18 @@ Q_SIGNALS:
 
 protected:
     void propertiesLoaded() override;
+    void firstWritesSettled() override;
     void userModeChanged() override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     static const Kelocontrols::PropertyTable<KeloscoreCard> &table();
 
-    bool isPictureStyle() const { return m_style >= 0 && m_style <= 5; }
+    bool isPictureStyle() const;
     QSize pictureFitSize() const;
     void forwardStockEvents();
+    const Kelocontrols::ScoreScale &scale() const;
+    void scaleChanged(const char *name);
     void redraw();
     void drawPicture();
     void drawFlashCard();
@@ -203,23 +207,6 @@ private:
     void layoutSurface();
     void fitToStyle();
 
-    Kelocontrols::PictureBox *m_picture;
-    Kelocontrols::ImageList *m_images32;
-    Kelocontrols::ImageList *m_images16;
-
-    float m_value = 0.5f;
-    int m_style = 0;
-    Kelocontrols::ScoreThresholds m_thresholds;
-    float m_scoreMin = 0.0f;
-    float m_scoreMax = 1.0f;
-    bool m_showLimitLines = false;
-    double m_tickEvery = 0.0;
-    Kelocontrols::OleColor m_tickLineColor = 0;
-    Kelocontrols::OleColor m_fontColor = 0;
-    int m_showValue = 0;
-    int m_toolTipStyle = 3;
-    QString m_toolTip;
-    int m_marker = 0;
-    int m_blocks = 0;
-    int m_orientation = 0;
+    class Private;
+    std::unique_ptr<Private> const d;
 };

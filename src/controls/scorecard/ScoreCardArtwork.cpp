@@ -1,4 +1,4 @@
-#include "ScoreCardArtwork.h"
+#include "ScoreCardArtwork_p.h"
 
 #include "ImageList.h"
 

@@ -1,4 +1,4 @@
-#include <Kelocontrols/ItemModelRecordset.h>
+#include "ItemModelRecordset_p.h"
 #include <Kelocontrols/RuntimeError.h>
 
 #include <QSqlDatabase>

@@ -1,6 +1,5 @@
+#include "ListBoxModel_p.h"
 #include <Kelocontrols/KelolistBox.h>
-#include <Kelocontrols/ListBoxModel.h>
-#include <Kelocontrols/ListBoxPropertyTable.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/RuntimeError.h>
 
@@ -511,7 +510,8 @@ void TestKelolistBox::writeProperties()
 
 void TestKelolistBox::readProperties()
 {
-    const auto &table = Kelocontrols::ListBoxPropertyTable::instance();
+    const KelolistBox probe;
+    const auto &table = probe.propertyTable();
     QCOMPARE(table.readOrder(),
         (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Locked", "Value", "Appearance", "LockedAlways",
             "DefaultValue", "ToolTipText", "DefaultText"}));
@@ -551,6 +551,14 @@ void TestKelolistBox::readProperties()
     bad.clear();
     bad.WriteProperty(QStringLiteral("Locked"), QStringLiteral("maybe"));
     QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 13);
+
+    // The lock shows once DefaultValue is in, before a bad DefaultText stops the load.
+    KelolistBox fresh;
+    bad.clear();
+    bad.WriteProperty(QStringLiteral("Locked"), true);
+    bad.WriteProperty(QStringLiteral("DefaultText"), QVariant(QSize(1, 1)));
+    QCOMPARE(KeloTest::errorNumberOf([&] { fresh.ReadProperties(bad); }), 13);
+    QVERIFY(labelOf(fresh)->isVisibleTo(&fresh));
 }
 
 // InitProperties resets what the control owns, not what the list carries.

@@ -1,4 +1,4 @@
-#include <Kelocontrols/ListBoxModel.h>
+#include "ListBoxModel_p.h"
 
 #include <QItemSelectionModel>
 #include <QRandomGenerator>

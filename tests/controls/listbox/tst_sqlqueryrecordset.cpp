@@ -2,8 +2,8 @@
 
 #include "PostgresServer.h"
 
+#include "SqlQueryRecordset_p.h"
 #include <Kelocontrols/RuntimeError.h>
-#include <Kelocontrols/SqlQueryRecordset.h>
 
 #include <QSqlError>
 #include <QSqlQuery>

@@ -36,12 +36,17 @@ class tst_KeloscoreCard : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void defaults_data();
     void defaults();
+    void artwork();
     void grade_data();
     void grade();
     void thresholdClamping();
     void rangeClamping();
-    void ignoredValues();
+    void formWritesKeepAScaleInOrder_data();
+    void formWritesKeepAScaleInOrder();
+    void lateBoundWrites_data();
+    void lateBoundWrites();
     void propertyChangedNames();
     void toolTips();
     void designTimeLeavesToolTipAlone();
@@ -53,33 +58,36 @@ private Q_SLOTS:
     void stockEvents();
 };
 
+void tst_KeloscoreCard::defaults_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("expected");
+    const QList<QPair<const char *, QVariant>> rows{{"BackColor", 0x8000000Fu}, {"ForeColor", 0x80000012u},
+        {"Enabled", true}, {"BorderStyle", 1}, {"Value", 0.5}, {"Style", 0}, {"ScoreStar", double(0.8f)},
+        {"ScoreGood", double(0.6f)}, {"ScoreMaybe", double(0.4f)}, {"ScoreBad", double(0.2f)}, {"ScoreMin", 0.0},
+        {"ScoreMax", 1.0}, {"ShowLimitLines", false}, {"ShowTickLinesEvery", 0.0}, {"TickLineColor", 0u},
+        {"FontColor", 0u}, {"ShowValue", 0}, {"ToolTipStyle", 3}, {"ToolTip", QString()}, {"ShowMarker", 0},
+        {"ShowBlocks", 0}, {"GaugeOrientation", 0}, {"Font", QApplication::font()}};
+    for (const auto &[name, value] : rows) {
+        QTest::newRow(name) << QByteArray(name) << value;
+    }
+}
+
 void tst_KeloscoreCard::defaults()
 {
-    KeloscoreCard card;
-    QCOMPARE(card.BackColor(), 0x8000000Fu);
-    QCOMPARE(card.ForeColor(), 0x80000012u);
-    QVERIFY(card.Enabled());
-    QCOMPARE(card.BorderStyle(), 1);
-    QCOMPARE(card.Value(), 0.5);
-    QCOMPARE(card.Style(), keloScoreCardStyle::ScoreCardSmall);
-    QCOMPARE(float(card.ScoreStar()), 0.8f);
-    QCOMPARE(float(card.ScoreGood()), 0.6f);
-    QCOMPARE(float(card.ScoreMaybe()), 0.4f);
-    QCOMPARE(float(card.ScoreBad()), 0.2f);
-    QCOMPARE(card.ScoreMin(), 0.0);
-    QCOMPARE(card.ScoreMax(), 1.0);
-    QVERIFY(!card.ShowLimitLines());
-    QCOMPARE(card.ShowTickLinesEvery(), 0.0);
-    QCOMPARE(card.TickLineColor(), 0u);
-    QCOMPARE(card.FontColor(), 0u);
-    QCOMPARE(card.ShowValue(), keloShowValue::None);
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
-    QCOMPARE(card.ToolTip(), QString());
-    QCOMPARE(card.ShowMarker(), keloMarkerStyle::None);
-    QCOMPARE(card.ShowBlocks(), 0);
-    QCOMPARE(card.GaugeOrientation(), keloGaugeOrientation::Horizontal);
-    QCOMPARE(card.Font(), QApplication::font());
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, expected);
+    const KeloscoreCard card;
+    QVariant actual = card.property(property.constData());
+    if (actual.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
+        actual = actual.toInt();
+    }
+    QCOMPARE(actual, expected);
+}
 
+void tst_KeloscoreCard::artwork()
+{
+    KeloscoreCard card;
     // Grade 3: the small score card picture "ScoreCard3" is on the surface.
     QCOMPARE(card.grade(), 3);
     auto *picture = card.findChild<PictureBox *>(QStringLiteral("Picture1"));
@@ -182,33 +190,123 @@ void tst_KeloscoreCard::rangeClamping()
     }
 }
 
-void tst_KeloscoreCard::ignoredValues()
+using Writes = QList<QPair<QByteArray, double>>;
+using Scale = QList<double>; // ScoreMin, ScoreMax, ScoreBad, ScoreMaybe, ScoreGood, ScoreStar
+
+void tst_KeloscoreCard::formWritesKeepAScaleInOrder_data()
 {
+    QTest::addColumn<bool>("afterEventLoop");
+    QTest::addColumn<Writes>("writes");
+    QTest::addColumn<Scale>("expected");
+
+    const Writes below{{"ScoreStar", 0.125}, {"ScoreGood", 0.0625}, {"ScoreMaybe", 0.03125}, {"ScoreBad", 0.015625}};
+    QTest::newRow("all below their defaults") << false << below << Scale{0, 1, 0.015625, 0.03125, 0.0625, 0.125};
+    QTest::newRow("all above their defaults")
+        << false << Writes{{"ScoreStar", 0.96875}, {"ScoreGood", 0.9375}, {"ScoreMaybe", 0.875}, {"ScoreBad", 0.84375}}
+        << Scale{0, 1, 0.84375, 0.875, 0.9375, 0.96875};
+    QTest::newRow("range below zero") << false
+                                      << Writes{{"ScoreMin", -2}, {"ScoreMax", -1}, {"ScoreStar", -1.125},
+                                             {"ScoreGood", -1.25}, {"ScoreMaybe", -1.5}, {"ScoreBad", -1.75}}
+                                      << Scale{-2, -1, -1.75, -1.5, -1.25, -1.125};
+    // What is not in order as a whole is clamped write by write.
+    QTest::newRow("one threshold alone") << false << Writes{{"ScoreStar", 0.125}}
+                                         << Scale{0, 1, double(0.2f), double(0.4f), double(0.6f), double(0.6f)};
+    // A write against declaration order is no form's: the writes before it
+    // are taken as they stand, and it is clamped.
+    QTest::newRow("against declaration order") << false << Writes{{"ScoreBad", 0.015625}, {"ScoreMaybe", 0.03125}}
+                                               << Scale{0, 1, 0.015625, 0.03125, double(0.6f), double(0.8f)};
+    QTest::newRow("written twice") << false
+                                   << Writes{{"ScoreGood", 0.3}, {"ScoreGood", 0.3}, {"ScoreMaybe", double(0.2f)}}
+                                   << Scale{0, 1, double(0.2f), double(0.2f), double(0.4f), double(0.8f)};
+    QTest::newRow("once the event loop ran")
+        << true << below << Scale{0, 1, 0.015625, double(0.2f), double(0.4f), double(0.6f)};
+}
+
+// A form sets its properties one by one in declaration order: a scale that
+// is in order once all are set is kept exactly, whatever each write alone
+// would have been clamped to.
+void tst_KeloscoreCard::formWritesKeepAScaleInOrder()
+{
+    QFETCH(bool, afterEventLoop);
+    QFETCH(Writes, writes);
+    QFETCH(Scale, expected);
+
     KeloscoreCard card;
-    card.setShowTickLinesEvery(-5);
-    QCOMPARE(card.ShowTickLinesEvery(), 0.0);
-    card.setShowTickLinesEvery(0.25);
-    QCOMPARE(card.ShowTickLinesEvery(), 0.25);
+    if (afterEventLoop) {
+        QCoreApplication::processEvents();
+    }
+    for (const auto &[name, value] : writes) {
+        QVERIFY(card.setProperty(name.constData(), value));
+    }
+    const Scale actual{
+        card.ScoreMin(), card.ScoreMax(), card.ScoreBad(), card.ScoreMaybe(), card.ScoreGood(), card.ScoreStar()};
+    QCOMPARE(actual, expected);
+    QCoreApplication::processEvents(); // the batch ends: nothing moves
+    const Scale settled{
+        card.ScoreMin(), card.ScoreMax(), card.ScoreBad(), card.ScoreMaybe(), card.ScoreGood(), card.ScoreStar()};
+    QCOMPARE(settled, expected);
+}
 
-    card.setShowBlocks(12);
-    card.setShowBlocks(101);
-    QCOMPARE(card.ShowBlocks(), 12);
-    card.setShowBlocks(-1);
-    QCOMPARE(card.ShowBlocks(), 12);
-    card.setShowBlocks(100);
-    QCOMPARE(card.ShowBlocks(), 100);
-    card.setShowBlocks(0);
-    QCOMPARE(card.ShowBlocks(), 0);
+// Late-bound writes by name (a host, QUiLoader) behave like the typed
+// setters: conversions, ranges that ignore a write, and PropertyChanged.
+void tst_KeloscoreCard::lateBoundWrites_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("written");
+    QTest::addColumn<QVariant>("expected");
+    QTest::addColumn<bool>("emits");
 
-    card.setToolTipStyle(keloToolTipStyle::ShowTextAsTip);
-    card.setToolTipStyle(keloToolTipStyle(4));
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowTextAsTip);
-    card.setToolTipStyle(keloToolTipStyle(-1));
-    QCOMPARE(card.ToolTipStyle(), keloToolTipStyle::ShowTextAsTip);
+    QTest::newRow("double") << "Value" << QVariant(0.25) << true << QVariant(0.25) << true;
+    QTest::newRow("single precision kept") << "ScoreStar" << QVariant(0.9) << true << QVariant(double(0.9f)) << true;
+    QTest::newRow("system colour") << "BackColor" << QVariant(0x8000000Fu) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as signed 32 bits")
+        << "BackColor" << QVariant(qint32(-2147483633)) << true << QVariant(0x8000000Fu) << true;
+    QTest::newRow("system colour as 64 bits")
+        << "FontColor" << QVariant(qint64(0x80000012)) << true << QVariant(0x80000012u) << true;
+    QTest::newRow("RGB colour from int") << "TickLineColor" << QVariant(0x00FF8040) << true << QVariant(0x00FF8040u)
+                                         << true;
+    QTest::newRow("enum from int") << "Style" << QVariant(7) << true << QVariant(7) << true;
+    QTest::newRow("enum from key") << "Style" << QVariant(QStringLiteral("GaugeRainbow")) << true << QVariant(9)
+                                   << true;
+    QTest::newRow("enum at current value is silent") << "Style" << QVariant(0) << true << QVariant(0) << false;
+    QTest::newRow("ShowValue last member") << "ShowValue" << QVariant(6) << true << QVariant(6) << true;
+    QTest::newRow("ToolTipStyle out of range ignored") << "ToolTipStyle" << QVariant(4) << true << QVariant(3) << false;
+    QTest::newRow("ShowBlocks upper bound") << "ShowBlocks" << QVariant(100) << true << QVariant(100) << true;
+    QTest::newRow("ShowBlocks above range ignored") << "ShowBlocks" << QVariant(101) << true << QVariant(0) << false;
+    QTest::newRow("ShowBlocks negative ignored") << "ShowBlocks" << QVariant(-1) << true << QVariant(0) << false;
+    QTest::newRow("negative tick interval clamps")
+        << "ShowTickLinesEvery" << QVariant(-0.5) << true << QVariant(0.0) << true;
+    QTest::newRow("text that is no number refused")
+        << "Value" << QVariant(QStringLiteral("abc")) << false << QVariant(0.5) << false;
+    QTest::newRow("text") << "ToolTip" << QVariant(QStringLiteral("Release quality")) << true
+                          << QVariant(QStringLiteral("Release quality")) << true;
+    QTest::newRow("bool") << "ShowLimitLines" << QVariant(true) << true << QVariant(true) << true;
+    QTest::newRow("orientation") << "GaugeOrientation" << QVariant(1) << true << QVariant(1) << true;
+    QTest::newRow("ToolTipStyle below range ignored") << "ToolTipStyle" << QVariant(-1) << true << QVariant(3) << false;
+    QTest::newRow("value outside the scale kept") << "Value" << QVariant(-2.5) << true << QVariant(-2.5) << true;
+}
 
-    // A value outside the scale is kept as it is.
-    card.setValue(-2.5);
-    QCOMPARE(card.Value(), -2.5);
+void tst_KeloscoreCard::lateBoundWrites()
+{
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
+    QFETCH(bool, written);
+    QFETCH(QVariant, expected);
+    QFETCH(bool, emits);
+
+    KeloscoreCard card;
+    QSignalSpy changes(&card, &ControlBase::PropertyChanged);
+    QCOMPARE(card.setProperty(property.toLatin1().constData(), value), written);
+    QVariant actual = card.property(property.toLatin1().constData());
+    if (actual.metaType().flags().testFlag(QMetaType::IsEnumeration)) {
+        actual = actual.toInt();
+    }
+    QCOMPARE(actual, expected);
+    QCOMPARE(changes.size(), emits ? 1 : 0);
+    if (emits) {
+        QCOMPARE(changes.at(0).at(0).toString(), property);
+    }
 }
 
 void tst_KeloscoreCard::propertyChangedNames()
@@ -428,19 +526,6 @@ void tst_KeloscoreCard::lateBoundAccess()
 {
     KeloscoreCard card;
     QVERIFY(card.setProperty("Style", 7));
-    QCOMPARE(card.Style(), keloScoreCardStyle::Gauge);
-    QCOMPARE(card.property("Style").toInt(), 7);
-    QVERIFY(card.setProperty("BackColor", 0x8000000Fu));
-    QVERIFY(card.setProperty("ForeColor", int(-2147483633)));
-    QCOMPARE(card.ForeColor(), 0x8000000Fu);
-    QVERIFY(card.setProperty("Value", 0.93));
-    QCOMPARE(card.property("Value").toFloat(), 0.93f);
-    QVERIFY(card.setProperty("ShowBlocks", 101));
-    QCOMPARE(card.property("ShowBlocks").toInt(), 0);
-    QVERIFY(card.setProperty("ToolTipStyle", 4));
-    QCOMPARE(card.property("ToolTipStyle").toInt(), 3);
-    QCOMPARE(card.property("ScoreStar").toFloat(), 0.8f);
-
     // A refused write raises out of setProperty() as well.
     QCOMPARE(errorNumberOf([&] { card.setProperty("BorderStyle", 2); }), int(ErrorNumber::InvalidPropertyValue));
     QCOMPARE(card.BorderStyle(), 1);

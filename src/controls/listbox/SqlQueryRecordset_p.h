@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "Recordset.h"
 
 #include <QSqlRecord>
@@ -26,7 +28,7 @@ namespace Kelocontrols {
  * - An error while fetching a record raises the database's text and ends
  *   the traversal (Eof() becomes true), so a loop over the records always ends.
  */
-class SqlQueryRecordset : public Recordset
+class KELOCONTROLS_TESTS_EXPORT SqlQueryRecordset : public Recordset
 {
 public:
     /// Traverses `query`, which must stay alive as long as the adapter.

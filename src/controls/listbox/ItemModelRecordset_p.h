@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "Recordset.h"
 
 #include <QModelIndex>
@@ -26,7 +28,7 @@ namespace Kelocontrols {
  * - MoveFirst() raises ObjectClosed for a null (or destroyed) model, and the
  *   query's own error text for a QSqlQueryModel whose query failed.
  */
-class ItemModelRecordset : public Recordset
+class KELOCONTROLS_TESTS_EXPORT ItemModelRecordset : public Recordset
 {
 public:
     /// Traverses the rows of `model` under `root` (the top level by default).

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QImage>
 #include <QString>
 
@@ -20,14 +22,14 @@ class ImageList;
 namespace ScoreCardArtwork {
 
 /// The family words of the picture styles, as used in the image keys.
-QString familyOf(int style);
+KELOCONTROLS_EXPORT QString familyOf(int style);
 
 /// Paints one picture; `size` is the edge length in pixels (16 and 32 are used).
-QImage paint(const QString &family, int grade, int size);
+KELOCONTROLS_EXPORT QImage paint(const QString &family, int grade, int size);
 
 /// Fills an image list with all fifteen pictures under their keys
 /// ("ScoreCard1" .. "ScoreCard5", "Smiley1" .. "Smiley5", "Traffic1" .. "Traffic5").
-void fill(ImageList &list);
+KELOCONTROLS_EXPORT void fill(ImageList &list);
 
 } // namespace ScoreCardArtwork
 } // namespace Kelocontrols

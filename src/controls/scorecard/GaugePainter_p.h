@@ -1,7 +1,9 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
-#include "ScoreModel.h"
+#include "ScoreModel_p.h"
 
 #include <QFont>
 #include <QRectF>
@@ -12,7 +14,7 @@ class QPainter;
 namespace Kelocontrols {
 
 /// Everything a gauge drawing depends on.
-struct GaugeSpec
+struct KELOCONTROLS_TESTS_EXPORT GaugeSpec
 {
     int style = 7; ///< keloScoreCardStyle: 7 Gauge, 8 GaugeOverrun, 9 GaugeRainbow
     float value = 0.5f;
@@ -43,7 +45,7 @@ struct GaugeSpec
  * marker and last the value text. Lines are drawn without anti-aliasing so
  * their colours are exact.
  */
-class GaugePainter
+class KELOCONTROLS_TESTS_EXPORT GaugePainter
 {
 public:
     explicit GaugePainter(const GaugeSpec &gaugeSpec);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QAbstractListModel>
 #include <QList>
 #include <QString>
@@ -22,7 +24,7 @@ namespace Kelocontrols {
  * the views, not one per entry, which keeps a list of 100,000 entries quick
  * to fill.
  */
-class ListBoxModel : public QAbstractListModel
+class KELOCONTROLS_TESTS_EXPORT ListBoxModel : public QAbstractListModel
 {
     Q_OBJECT
 
