@@ -2,6 +2,12 @@
 
 #include <Kelocontrols/RuntimeError.h>
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QPixmap>
+
 #include <utility>
 
 namespace KeloTest {
@@ -16,6 +22,21 @@ int errorNumberOf(Call &&call)
         return error.number();
     }
     return 0;
+}
+
+/// Writes `content` to the file at `path`, creating the folders above it; false when any step fails.
+inline bool writeFile(const QString &path, const QByteArray &content = {})
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
+        && file.write(content) == content.size();
+}
+
+/// The colour of the pixel at the centre of `pixmap`.
+inline QRgb centreOf(const QPixmap &pixmap)
+{
+    const QImage image = pixmap.toImage();
+    return image.pixel(image.width() / 2, image.height() / 2);
 }
 
 } // namespace KeloTest
