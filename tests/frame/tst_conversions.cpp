@@ -42,10 +42,8 @@ class TestConversions : public QObject
 private Q_SLOTS:
     void roundHalfEvenRounds_data();
     void roundHalfEvenRounds();
-    void cIntFromDouble_data();
-    void cIntFromDouble();
-    void cLngFromDouble_data();
-    void cLngFromDouble();
+    void wholeNumbersFromDouble_data();
+    void wholeNumbersFromDouble();
     void variantsConvert_data();
     void variantsConvert();
     void textsInTheProcessLocale();
@@ -94,64 +92,57 @@ void TestConversions::roundHalfEvenRounds()
     QCOMPARE(roundHalfEven(value), expected);
 }
 
-void TestConversions::cIntFromDouble_data()
+void TestConversions::wholeNumbersFromDouble_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("expected");
-    QTest::addColumn<int>("error");
-
-    QTest::newRow("2.5") << 2.5 << 2 << 0;
-    QTest::newRow("3.5") << 3.5 << 4 << 0;
-    QTest::newRow("-0.5") << -0.5 << 0 << 0;
-    QTest::newRow("32767") << 32767.0 << 32767 << 0;
-    QTest::newRow("32767.4") << 32767.4 << 32767 << 0;
-    QTest::newRow("32766.5") << 32766.5 << 32766 << 0;
-    QTest::newRow("32767.5 overflows") << 32767.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("32768 overflows") << 32768.0 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-32768") << -32768.0 << -32768 << 0;
-    QTest::newRow("-32768.5") << -32768.5 << -32768 << 0;
-    QTest::newRow("-32768.6 overflows") << -32768.6 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-32769.5 overflows") << -32769.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
-    QTest::newRow("infinity overflows") << Infinity << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-infinity overflows") << -Infinity << 0 << ErrorNumber::Overflow;
-}
-
-void TestConversions::cIntFromDouble()
-{
-    QFETCH(double, value);
-    QFETCH(int, expected);
-    QFETCH(int, error);
-    qint16 result = 0;
-    QCOMPARE(errorNumberOf([&] { result = CInt(value); }), error);
-    QCOMPARE(int(result), expected);
-}
-
-void TestConversions::cLngFromDouble_data()
-{
+    QTest::addColumn<bool>("isLong"); // CLng (32 bits), else CInt (16 bits)
     QTest::addColumn<double>("value");
     QTest::addColumn<qint32>("expected");
     QTest::addColumn<int>("error");
 
-    QTest::newRow("2.5") << 2.5 << 2 << 0;
-    QTest::newRow("-3.5") << -3.5 << -4 << 0;
-    QTest::newRow("40000.5") << 40000.5 << 40000 << 0;
-    QTest::newRow("max") << 2147483647.0 << std::numeric_limits<qint32>::max() << 0;
-    QTest::newRow("max + 0.4") << 2147483647.4 << std::numeric_limits<qint32>::max() << 0;
-    QTest::newRow("max + 0.5 overflows") << 2147483647.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("min - 0.5") << -2147483648.5 << std::numeric_limits<qint32>::min() << 0;
-    QTest::newRow("min - 1 overflows") << -2147483649.0 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("1e10 overflows") << 1e10 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
+    const int overflow = ErrorNumber::Overflow;
+    const qint32 max = std::numeric_limits<qint32>::max();
+    const qint32 min = std::numeric_limits<qint32>::min();
+    const auto cint = [](const char *name, double value, qint32 expected, int error = 0) {
+        QTest::addRow("CInt %s", name) << false << value << expected << error;
+    };
+    const auto clng = [](const char *name, double value, qint32 expected, int error = 0) {
+        QTest::addRow("CLng %s", name) << true << value << expected << error;
+    };
+    cint("2.5", 2.5, 2);
+    cint("3.5", 3.5, 4);
+    cint("-0.5", -0.5, 0);
+    cint("32767", 32767.0, 32767);
+    cint("32767.4", 32767.4, 32767);
+    cint("32766.5", 32766.5, 32766);
+    cint("32767.5 overflows", 32767.5, 0, overflow);
+    cint("32768 overflows", 32768.0, 0, overflow);
+    cint("-32768", -32768.0, -32768);
+    cint("-32768.5", -32768.5, -32768);
+    cint("-32768.6 overflows", -32768.6, 0, overflow);
+    cint("-32769.5 overflows", -32769.5, 0, overflow);
+    cint("NaN overflows", NaN, 0, overflow);
+    cint("infinity overflows", Infinity, 0, overflow);
+    cint("-infinity overflows", -Infinity, 0, overflow);
+    clng("2.5", 2.5, 2);
+    clng("-3.5", -3.5, -4);
+    clng("40000.5", 40000.5, 40000);
+    clng("max", 2147483647.0, max);
+    clng("max + 0.4", 2147483647.4, max);
+    clng("max + 0.5 overflows", 2147483647.5, 0, overflow);
+    clng("min - 0.5", -2147483648.5, min);
+    clng("min - 1 overflows", -2147483649.0, 0, overflow);
+    clng("1e10 overflows", 1e10, 0, overflow);
+    clng("NaN overflows", NaN, 0, overflow);
 }
 
-void TestConversions::cLngFromDouble()
+void TestConversions::wholeNumbersFromDouble()
 {
+    QFETCH(bool, isLong);
     QFETCH(double, value);
     QFETCH(qint32, expected);
     QFETCH(int, error);
     qint32 result = 0;
-    QCOMPARE(errorNumberOf([&] { result = CLng(value); }), error);
+    QCOMPARE(errorNumberOf([&] { result = isLong ? CLng(value) : qint32(CInt(value)); }), error);
     QCOMPARE(result, expected);
 }
 
