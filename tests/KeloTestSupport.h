@@ -5,8 +5,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 #include <QMetaClassInfo>
 #include <QMetaObject>
+#include <QPixmap>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -135,6 +137,21 @@ inline bool setModified(const QString &path, qint64 msecs)
     times[0].tv_sec = times[1].tv_sec = msecs / 1000;
     times[0].tv_nsec = times[1].tv_nsec = (msecs % 1000) * 1000000;
     return utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0) == 0;
+}
+
+/// Writes `content` to the file at `path`, creating the folders above it; false when any step fails.
+inline bool writeFile(const QString &path, const QByteArray &content = {})
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
+        && file.write(content) == content.size();
+}
+
+/// The colour of the pixel at the centre of `pixmap`.
+inline QRgb centreOf(const QPixmap &pixmap)
+{
+    const QImage image = pixmap.toImage();
+    return image.pixel(image.width() / 2, image.height() / 2);
 }
 
 } // namespace KeloTest

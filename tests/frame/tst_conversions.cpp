@@ -42,10 +42,8 @@ class TestConversions : public QObject
 private Q_SLOTS:
     void roundHalfEvenRounds_data();
     void roundHalfEvenRounds();
-    void cIntFromDouble_data();
-    void cIntFromDouble();
-    void cLngFromDouble_data();
-    void cLngFromDouble();
+    void wholeNumbersFromDouble_data();
+    void wholeNumbersFromDouble();
     void variantsConvert_data();
     void variantsConvert();
     void textsInTheProcessLocale();
@@ -94,64 +92,57 @@ void TestConversions::roundHalfEvenRounds()
     QCOMPARE(roundHalfEven(value), expected);
 }
 
-void TestConversions::cIntFromDouble_data()
+void TestConversions::wholeNumbersFromDouble_data()
 {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("expected");
-    QTest::addColumn<int>("error");
-
-    QTest::newRow("2.5") << 2.5 << 2 << 0;
-    QTest::newRow("3.5") << 3.5 << 4 << 0;
-    QTest::newRow("-0.5") << -0.5 << 0 << 0;
-    QTest::newRow("32767") << 32767.0 << 32767 << 0;
-    QTest::newRow("32767.4") << 32767.4 << 32767 << 0;
-    QTest::newRow("32766.5") << 32766.5 << 32766 << 0;
-    QTest::newRow("32767.5 overflows") << 32767.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("32768 overflows") << 32768.0 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-32768") << -32768.0 << -32768 << 0;
-    QTest::newRow("-32768.5") << -32768.5 << -32768 << 0;
-    QTest::newRow("-32768.6 overflows") << -32768.6 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-32769.5 overflows") << -32769.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
-    QTest::newRow("infinity overflows") << Infinity << 0 << ErrorNumber::Overflow;
-    QTest::newRow("-infinity overflows") << -Infinity << 0 << ErrorNumber::Overflow;
-}
-
-void TestConversions::cIntFromDouble()
-{
-    QFETCH(double, value);
-    QFETCH(int, expected);
-    QFETCH(int, error);
-    qint16 result = 0;
-    QCOMPARE(errorNumberOf([&] { result = CInt(value); }), error);
-    QCOMPARE(int(result), expected);
-}
-
-void TestConversions::cLngFromDouble_data()
-{
+    QTest::addColumn<bool>("isLong"); // CLng (32 bits), else CInt (16 bits)
     QTest::addColumn<double>("value");
     QTest::addColumn<qint32>("expected");
     QTest::addColumn<int>("error");
 
-    QTest::newRow("2.5") << 2.5 << 2 << 0;
-    QTest::newRow("-3.5") << -3.5 << -4 << 0;
-    QTest::newRow("40000.5") << 40000.5 << 40000 << 0;
-    QTest::newRow("max") << 2147483647.0 << std::numeric_limits<qint32>::max() << 0;
-    QTest::newRow("max + 0.4") << 2147483647.4 << std::numeric_limits<qint32>::max() << 0;
-    QTest::newRow("max + 0.5 overflows") << 2147483647.5 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("min - 0.5") << -2147483648.5 << std::numeric_limits<qint32>::min() << 0;
-    QTest::newRow("min - 1 overflows") << -2147483649.0 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("1e10 overflows") << 1e10 << 0 << ErrorNumber::Overflow;
-    QTest::newRow("NaN overflows") << NaN << 0 << ErrorNumber::Overflow;
+    const int overflow = ErrorNumber::Overflow;
+    const qint32 max = std::numeric_limits<qint32>::max();
+    const qint32 min = std::numeric_limits<qint32>::min();
+    const auto cint = [](const char *name, double value, qint32 expected, int error = 0) {
+        QTest::addRow("CInt %s", name) << false << value << expected << error;
+    };
+    const auto clng = [](const char *name, double value, qint32 expected, int error = 0) {
+        QTest::addRow("CLng %s", name) << true << value << expected << error;
+    };
+    cint("2.5", 2.5, 2);
+    cint("3.5", 3.5, 4);
+    cint("-0.5", -0.5, 0);
+    cint("32767", 32767.0, 32767);
+    cint("32767.4", 32767.4, 32767);
+    cint("32766.5", 32766.5, 32766);
+    cint("32767.5 overflows", 32767.5, 0, overflow);
+    cint("32768 overflows", 32768.0, 0, overflow);
+    cint("-32768", -32768.0, -32768);
+    cint("-32768.5", -32768.5, -32768);
+    cint("-32768.6 overflows", -32768.6, 0, overflow);
+    cint("-32769.5 overflows", -32769.5, 0, overflow);
+    cint("NaN overflows", NaN, 0, overflow);
+    cint("infinity overflows", Infinity, 0, overflow);
+    cint("-infinity overflows", -Infinity, 0, overflow);
+    clng("2.5", 2.5, 2);
+    clng("-3.5", -3.5, -4);
+    clng("40000.5", 40000.5, 40000);
+    clng("max", 2147483647.0, max);
+    clng("max + 0.4", 2147483647.4, max);
+    clng("max + 0.5 overflows", 2147483647.5, 0, overflow);
+    clng("min - 0.5", -2147483648.5, min);
+    clng("min - 1 overflows", -2147483649.0, 0, overflow);
+    clng("1e10 overflows", 1e10, 0, overflow);
+    clng("NaN overflows", NaN, 0, overflow);
 }
 
-void TestConversions::cLngFromDouble()
+void TestConversions::wholeNumbersFromDouble()
 {
+    QFETCH(bool, isLong);
     QFETCH(double, value);
     QFETCH(qint32, expected);
     QFETCH(int, error);
     qint32 result = 0;
-    QCOMPARE(errorNumberOf([&] { result = CLng(value); }), error);
+    QCOMPARE(errorNumberOf([&] { result = isLong ? CLng(value) : qint32(CInt(value)); }), error);
     QCOMPARE(result, expected);
 }
 
@@ -179,23 +170,23 @@ void TestConversions::variantsConvert_data()
     QTest::newRow("float") << QVariant(2.5f) << 2.5 << none << none;
     QTest::newRow("double") << QVariant(3.5) << 3.5 << none << none;
     QTest::newRow("int beyond 16 bits") << QVariant(40000) << 40000.0 << overflow << none;
-    QTest::newRow("string 0.5") << QVariant(QStringLiteral("0.5")) << 0.5 << none << none;
-    QTest::newRow("string blanks") << QVariant(QStringLiteral(" 12 ")) << 12.0 << none << none;
-    QTest::newRow("string tab") << QVariant(QStringLiteral("\t-7\t")) << -7.0 << none << none;
-    QTest::newRow("string exponent") << QVariant(QStringLiteral("1e3")) << 1000.0 << none << none;
-    QTest::newRow("string 1.5") << QVariant(QStringLiteral("1.5")) << 1.5 << none << none;
-    QTest::newRow("string 32768") << QVariant(QStringLiteral("32768")) << 32768.0 << overflow << none;
+    QTest::newRow("string 0.5") << QVariant(u"0.5"_qs) << 0.5 << none << none;
+    QTest::newRow("string blanks") << QVariant(u" 12 "_qs) << 12.0 << none << none;
+    QTest::newRow("string tab") << QVariant(u"\t-7\t"_qs) << -7.0 << none << none;
+    QTest::newRow("string exponent") << QVariant(u"1e3"_qs) << 1000.0 << none << none;
+    QTest::newRow("string 1.5") << QVariant(u"1.5"_qs) << 1.5 << none << none;
+    QTest::newRow("string 32768") << QVariant(u"32768"_qs) << 32768.0 << overflow << none;
     QTest::newRow("byte array") << QVariant(QByteArray("42")) << 42.0 << none << none;
     QTest::newRow("char") << QVariant(QChar(u'7')) << 7.0 << none << none;
-    QTest::newRow("string abc") << QVariant(QStringLiteral("abc")) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string 12abc") << QVariant(QStringLiteral("12abc")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string abc") << QVariant(u"abc"_qs) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string 12abc") << QVariant(u"12abc"_qs) << 0.0 << mismatch << mismatch;
     QTest::newRow("empty string") << QVariant(QString()) << 0.0 << mismatch << mismatch;
-    QTest::newRow("blank string") << QVariant(QStringLiteral("   ")) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string nan") << QVariant(QStringLiteral("nan")) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string inf") << QVariant(QStringLiteral("inf")) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string True") << QVariant(QStringLiteral("True")) << 0.0 << mismatch << mismatch;
+    QTest::newRow("blank string") << QVariant(u"   "_qs) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string nan") << QVariant(u"nan"_qs) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string inf") << QVariant(u"inf"_qs) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string True") << QVariant(u"True"_qs) << 0.0 << mismatch << mismatch;
     QTest::newRow("font") << QVariant(QFont()) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string list") << QVariant(QStringList{QStringLiteral("1")}) << 0.0 << mismatch << mismatch;
+    QTest::newRow("string list") << QVariant(QStringList{u"1"_qs}) << 0.0 << mismatch << mismatch;
 }
 
 void TestConversions::variantsConvert()
@@ -227,12 +218,12 @@ void TestConversions::variantsConvert()
 void TestConversions::textsInTheProcessLocale()
 {
     LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
-    QCOMPARE(CDbl(QStringLiteral("0,5")), 0.5);
-    QCOMPARE(CInt(QStringLiteral("2,5")), qint16(2));
+    QCOMPARE(CDbl(u"0,5"_qs), 0.5);
+    QCOMPARE(CInt(u"2,5"_qs), qint16(2));
     // Texts written by programs keep working in any locale.
-    QCOMPARE(CDbl(QStringLiteral("1.5")), 1.5);
-    QCOMPARE(CDbl(QStringLiteral("1e3")), 1000.0);
-    QCOMPARE(errorNumberOf([] { CDbl(QStringLiteral("0;5")); }), ErrorNumber::TypeMismatch);
+    QCOMPARE(CDbl(u"1.5"_qs), 1.5);
+    QCOMPARE(CDbl(u"1e3"_qs), 1000.0);
+    QCOMPARE(errorNumberOf([] { CDbl(u"0;5"_qs); }), ErrorNumber::TypeMismatch);
 }
 
 void TestConversions::cSngRange()
@@ -243,7 +234,7 @@ void TestConversions::cSngRange()
     QCOMPARE(CSng(QVariant(std::numeric_limits<float>::lowest())), std::numeric_limits<float>::lowest());
     QCOMPARE(errorNumberOf([] { CSng(QVariant(1e39)); }), ErrorNumber::Overflow);
     QCOMPARE(errorNumberOf([] { CSng(QVariant(-1e39)); }), ErrorNumber::Overflow);
-    QCOMPARE(errorNumberOf([] { CSng(QStringLiteral("1e39")); }), ErrorNumber::Overflow);
+    QCOMPARE(errorNumberOf([] { CSng(u"1e39"_qs); }), ErrorNumber::Overflow);
     QCOMPARE(errorNumberOf([] { CSng(QVariant(Infinity)); }), ErrorNumber::Overflow);
     QVERIFY(std::isnan(CSng(QVariant(NaN))));
     // Tiny values lose precision but do not overflow.
@@ -256,22 +247,22 @@ void TestConversions::cBool_data()
     QTest::addColumn<bool>("expected");
     QTest::addColumn<int>("error");
 
-    QTest::newRow("True") << QVariant(QStringLiteral("True")) << true << 0;
-    QTest::newRow("FALSE") << QVariant(QStringLiteral("FALSE")) << false << 0;
-    QTest::newRow("tRuE with blanks") << QVariant(QStringLiteral(" tRuE ")) << true << 0;
+    QTest::newRow("True") << QVariant(u"True"_qs) << true << 0;
+    QTest::newRow("FALSE") << QVariant(u"FALSE"_qs) << false << 0;
+    QTest::newRow("tRuE with blanks") << QVariant(u" tRuE "_qs) << true << 0;
     QTest::newRow("false bytes") << QVariant(QByteArray("false")) << false << 0;
-    QTest::newRow("string 0") << QVariant(QStringLiteral("0")) << false << 0;
-    QTest::newRow("string 2") << QVariant(QStringLiteral("2")) << true << 0;
-    QTest::newRow("string -0.0001") << QVariant(QStringLiteral("-0.0001")) << true << 0;
+    QTest::newRow("string 0") << QVariant(u"0"_qs) << false << 0;
+    QTest::newRow("string 2") << QVariant(u"2"_qs) << true << 0;
+    QTest::newRow("string -0.0001") << QVariant(u"-0.0001"_qs) << true << 0;
     QTest::newRow("zero") << QVariant(0) << false << 0;
     QTest::newRow("-1") << QVariant(-1) << true << 0;
     QTest::newRow("small double") << QVariant(1e-300) << true << 0;
     QTest::newRow("bool true") << QVariant(true) << true << 0;
     QTest::newRow("bool false") << QVariant(false) << false << 0;
     QTest::newRow("Empty") << QVariant() << false << 0;
-    QTest::newRow("yes") << QVariant(QStringLiteral("yes")) << false << ErrorNumber::TypeMismatch;
-    QTest::newRow("Truely") << QVariant(QStringLiteral("Truely")) << false << ErrorNumber::TypeMismatch;
-    QTest::newRow("empty string") << QVariant(QStringLiteral("")) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("yes") << QVariant(u"yes"_qs) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("Truely") << QVariant(u"Truely"_qs) << false << ErrorNumber::TypeMismatch;
+    QTest::newRow("empty string") << QVariant(u""_qs) << false << ErrorNumber::TypeMismatch;
     QTest::newRow("font") << QVariant(QFont()) << false << ErrorNumber::TypeMismatch;
 }
 
@@ -290,22 +281,22 @@ void TestConversions::percentFormat_data()
     QTest::addColumn<double>("value");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("0.5") << 0.5 << QStringLiteral("50%");
-    QTest::newRow("0.93") << 0.93 << QStringLiteral("93%");
-    QTest::newRow("0.125 rounds up") << 0.125 << QStringLiteral("13%");
-    QTest::newRow("0.135 rounds up") << 0.135 << QStringLiteral("14%");
-    QTest::newRow("0.005 is exactly 0.5") << 0.005 << QStringLiteral("1%");
-    QTest::newRow("0.285 is just below") << 0.285 << QStringLiteral("28%");
-    QTest::newRow("0.0049999") << 0.0049999 << QStringLiteral("0%");
-    QTest::newRow("1.5") << 1.5 << QStringLiteral("150%");
-    QTest::newRow("-0.25") << -0.25 << QStringLiteral("-25%");
-    QTest::newRow("-0.005 away from zero") << -0.005 << QStringLiteral("-1%");
-    QTest::newRow("-0.001 no negative zero") << -0.001 << QStringLiteral("0%");
-    QTest::newRow("0") << 0.0 << QStringLiteral("0%");
-    QTest::newRow("-0") << -0.0 << QStringLiteral("0%");
-    QTest::newRow("1") << 1.0 << QStringLiteral("100%");
-    QTest::newRow("no group separator") << 123456.0 << QStringLiteral("12345600%");
-    QTest::newRow("beyond 64 bits") << 1e20 << QStringLiteral("10000000000000000000000%");
+    QTest::newRow("0.5") << 0.5 << u"50%"_qs;
+    QTest::newRow("0.93") << 0.93 << u"93%"_qs;
+    QTest::newRow("0.125 rounds up") << 0.125 << u"13%"_qs;
+    QTest::newRow("0.135 rounds up") << 0.135 << u"14%"_qs;
+    QTest::newRow("0.005 is exactly 0.5") << 0.005 << u"1%"_qs;
+    QTest::newRow("0.285 is just below") << 0.285 << u"28%"_qs;
+    QTest::newRow("0.0049999") << 0.0049999 << u"0%"_qs;
+    QTest::newRow("1.5") << 1.5 << u"150%"_qs;
+    QTest::newRow("-0.25") << -0.25 << u"-25%"_qs;
+    QTest::newRow("-0.005 away from zero") << -0.005 << u"-1%"_qs;
+    QTest::newRow("-0.001 no negative zero") << -0.001 << u"0%"_qs;
+    QTest::newRow("0") << 0.0 << u"0%"_qs;
+    QTest::newRow("-0") << -0.0 << u"0%"_qs;
+    QTest::newRow("1") << 1.0 << u"100%"_qs;
+    QTest::newRow("no group separator") << 123456.0 << u"12345600%"_qs;
+    QTest::newRow("beyond 64 bits") << 1e20 << u"10000000000000000000000%"_qs;
 }
 
 void TestConversions::percentFormat()
@@ -320,16 +311,16 @@ void TestConversions::percentFormatFollowsLocale()
 {
     {
         LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
-        QCOMPARE(formatPercent(12.3456), QStringLiteral("1235%"));
+        QCOMPARE(formatPercent(12.3456), u"1235%"_qs);
     }
     {
         // Swedish writes the minus as U+2212.
         LocaleScope swedish(QLocale(QLocale::Swedish, QLocale::Sweden));
-        QCOMPARE(formatPercent(-0.25), QStringLiteral("\u221225%"));
+        QCOMPARE(formatPercent(-0.25), u"\u221225%"_qs);
     }
     {
         LocaleScope arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
-        QCOMPARE(formatPercent(0.5), QStringLiteral("\u0665\u0660%"));
+        QCOMPARE(formatPercent(0.5), u"\u0665\u0660%"_qs);
     }
 }
 
@@ -338,17 +329,16 @@ void TestConversions::dateTexts()
     const QLocale saved;
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     const QDateTime afternoon(QDate(2026, 3, 14), QTime(13, 5, 9));
-    QCOMPARE(formatGeneralDate(afternoon), QStringLiteral("14/03/2026 13:05:09"));
-    QCOMPARE(formatGeneralDate(QDateTime(QDate(2026, 3, 14), QTime(0, 0))), QStringLiteral("14/03/2026"));
+    QCOMPARE(formatGeneralDate(afternoon), u"14/03/2026 13:05:09"_qs);
+    QCOMPARE(formatGeneralDate(QDateTime(QDate(2026, 3, 14), QTime(0, 0))), u"14/03/2026"_qs);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     const QString us = formatGeneralDate(afternoon);
-    QVERIFY2(us.startsWith(QStringLiteral("3/14/26 1:05:09")), qPrintable(us));
-    QVERIFY2(us.endsWith(QStringLiteral("PM")), qPrintable(us)); // no time-zone name after it
+    QVERIFY2(us.startsWith(u"3/14/26 1:05:09"_qs), qPrintable(us));
+    QVERIFY2(us.endsWith(u"PM"_qs), qPrintable(us)); // no time-zone name after it
     QLocale::setDefault(saved);
 
-    QCOMPARE(formatSortableDateTime(afternoon), QStringLiteral("2026-03-14 13:05:09"));
-    QCOMPARE(
-        formatSortableDateTime(QDateTime(QDate(987, 1, 2), QTime(23, 59, 59))), QStringLiteral("0987-01-02 23:59:59"));
+    QCOMPARE(formatSortableDateTime(afternoon), u"2026-03-14 13:05:09"_qs);
+    QCOMPARE(formatSortableDateTime(QDateTime(QDate(987, 1, 2), QTime(23, 59, 59))), u"0987-01-02 23:59:59"_qs);
     QCOMPARE(formatSortableDateTime(QDateTime()), QString());
     QCOMPARE(formatGeneralDate(QDateTime()), QString());
 }

@@ -4,32 +4,19 @@
 #include <QPainter>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
+using KeloTest::centreOf;
+using KeloTest::errorNumberOf;
 
 namespace {
-
-template<typename Call>
-int errorNumberOf(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
 
 QPixmap filled(QSize size, QColor color)
 {
     QPixmap pixmap(size);
     pixmap.fill(color);
     return pixmap;
-}
-
-QRgb centreOf(const QPixmap &pixmap)
-{
-    const QImage image = pixmap.toImage();
-    return image.pixel(image.width() / 2, image.height() / 2);
 }
 
 } // namespace
@@ -57,61 +44,59 @@ void TestImageList::indexesCountFromOne()
     QCOMPARE(list.count(), 0);
     QCOMPARE(list.imageSize(), QSize(16, 16));
 
-    QCOMPARE(list.add(filled(QSize(16, 16), Qt::red), QStringLiteral("txt")), 1);
-    QCOMPARE(list.add(filled(QSize(16, 16), Qt::green), QStringLiteral("doc")), 2);
+    QCOMPARE(list.add(filled(QSize(16, 16), Qt::red), u"txt"_qs), 1);
+    QCOMPARE(list.add(filled(QSize(16, 16), Qt::green), u"doc"_qs), 2);
     QCOMPARE(list.add(filled(QSize(16, 16), Qt::blue)), 3);
     QCOMPARE(list.count(), 3);
 
     QCOMPARE(centreOf(list.picture(1)), QColor(Qt::red).rgb());
     QCOMPARE(centreOf(list.picture(2)), QColor(Qt::green).rgb());
     QCOMPARE(centreOf(list.picture(3)), QColor(Qt::blue).rgb());
-    QCOMPARE(list.key(1), QStringLiteral("txt"));
-    QCOMPARE(list.key(2), QStringLiteral("doc"));
+    QCOMPARE(list.key(1), u"txt"_qs);
+    QCOMPARE(list.key(2), u"doc"_qs);
     QVERIFY(list.key(3).isEmpty());
-    QCOMPARE(list.indexOf(QStringLiteral("txt")), 1);
-    QCOMPARE(list.indexOf(QStringLiteral("doc")), 2);
+    QCOMPARE(list.indexOf(u"txt"_qs), 1);
+    QCOMPARE(list.indexOf(u"doc"_qs), 2);
 
     list.clear();
     QCOMPARE(list.count(), 0);
-    QCOMPARE(list.add(filled(QSize(16, 16), Qt::black), QStringLiteral("txt")), 1);
+    QCOMPARE(list.add(filled(QSize(16, 16), Qt::black), u"txt"_qs), 1);
 }
 
 void TestImageList::keysIgnoreCase()
 {
     ImageList list(QSize(8, 8));
-    list.add(filled(QSize(8, 8), Qt::red), QStringLiteral("HIDDEN_OPEN_Folder"));
-    list.add(filled(QSize(8, 8), Qt::green), QStringLiteral("My Computer"));
+    list.add(filled(QSize(8, 8), Qt::red), u"HIDDEN_OPEN_Folder"_qs);
+    list.add(filled(QSize(8, 8), Qt::green), u"My Computer"_qs);
 
-    QCOMPARE(list.indexOf(QStringLiteral("hidden_open_folder")), 1);
-    QCOMPARE(list.indexOf(QStringLiteral("MY COMPUTER")), 2);
-    QVERIFY(list.contains(QStringLiteral("my computer")));
-    QVERIFY(!list.contains(QStringLiteral("My Computer ")));
-    QVERIFY(!list.contains(QStringLiteral("My")));
-    QCOMPARE(list.indexOf(QStringLiteral("Folder")), 0);
-    QCOMPARE(centreOf(list.picture(QStringLiteral("hidden_OPEN_folder"))), QColor(Qt::red).rgb());
+    QCOMPARE(list.indexOf(u"hidden_open_folder"_qs), 1);
+    QCOMPARE(list.indexOf(u"MY COMPUTER"_qs), 2);
+    QVERIFY(list.contains(u"my computer"_qs));
+    QVERIFY(!list.contains(u"My Computer "_qs));
+    QVERIFY(!list.contains(u"My"_qs));
+    QCOMPARE(list.indexOf(u"Folder"_qs), 0);
+    QCOMPARE(centreOf(list.picture(u"hidden_OPEN_folder"_qs)), QColor(Qt::red).rgb());
     // The key keeps the spelling it was added with.
-    QCOMPARE(list.key(2), QStringLiteral("My Computer"));
+    QCOMPARE(list.key(2), u"My Computer"_qs);
 
-    list.remove(QStringLiteral("MY computer"));
+    list.remove(u"MY computer"_qs);
     QCOMPARE(list.count(), 1);
-    QVERIFY(!list.contains(QStringLiteral("My Computer")));
+    QVERIFY(!list.contains(u"My Computer"_qs));
 }
 
 void TestImageList::duplicateKeyIsRefused()
 {
     ImageList list(QSize(8, 8));
-    list.add(filled(QSize(8, 8), Qt::red), QStringLiteral("SortUp"));
-    QCOMPARE(errorNumberOf([&] { list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("SortUp")); }),
-        ErrorNumber::KeyNotUnique);
-    QCOMPARE(errorNumberOf([&] { list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("SORTUP")); }),
-        ErrorNumber::KeyNotUnique);
+    list.add(filled(QSize(8, 8), Qt::red), u"SortUp"_qs);
+    QCOMPARE(errorNumberOf([&] { list.add(filled(QSize(8, 8), Qt::blue), u"SortUp"_qs); }), ErrorNumber::KeyNotUnique);
+    QCOMPARE(errorNumberOf([&] { list.add(filled(QSize(8, 8), Qt::blue), u"SORTUP"_qs); }), ErrorNumber::KeyNotUnique);
     // Nothing was added and the first picture stays.
     QCOMPARE(list.count(), 1);
-    QCOMPARE(centreOf(list.picture(QStringLiteral("sortup"))), QColor(Qt::red).rgb());
+    QCOMPARE(centreOf(list.picture(u"sortup"_qs)), QColor(Qt::red).rgb());
 
     // Once removed, the key is free again.
     list.remove(1);
-    QCOMPARE(list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("SORTUP")), 1);
+    QCOMPARE(list.add(filled(QSize(8, 8), Qt::blue), u"SORTUP"_qs), 1);
 }
 
 void TestImageList::emptyKeysMayRepeat()
@@ -119,7 +104,7 @@ void TestImageList::emptyKeysMayRepeat()
     ImageList list(QSize(8, 8));
     QCOMPARE(list.add(filled(QSize(8, 8), Qt::red)), 1);
     QCOMPARE(list.add(filled(QSize(8, 8), Qt::green), QString()), 2);
-    QCOMPARE(list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("")), 3);
+    QCOMPARE(list.add(filled(QSize(8, 8), Qt::blue), u""_qs), 3);
     QCOMPARE(list.count(), 3);
     // An empty key names no picture.
     QCOMPARE(list.indexOf(QString()), 0);
@@ -130,27 +115,27 @@ void TestImageList::emptyKeysMayRepeat()
 void TestImageList::removeShiftsLaterIndexes()
 {
     ImageList list(QSize(8, 8));
-    list.add(filled(QSize(8, 8), Qt::red), QStringLiteral("a"));
-    list.add(filled(QSize(8, 8), Qt::green), QStringLiteral("b"));
-    list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("c"));
-    list.add(filled(QSize(8, 8), Qt::yellow), QStringLiteral("d"));
+    list.add(filled(QSize(8, 8), Qt::red), u"a"_qs);
+    list.add(filled(QSize(8, 8), Qt::green), u"b"_qs);
+    list.add(filled(QSize(8, 8), Qt::blue), u"c"_qs);
+    list.add(filled(QSize(8, 8), Qt::yellow), u"d"_qs);
 
     list.remove(2);
     QCOMPARE(list.count(), 3);
-    QCOMPARE(list.key(1), QStringLiteral("a"));
-    QCOMPARE(list.key(2), QStringLiteral("c"));
-    QCOMPARE(list.key(3), QStringLiteral("d"));
-    QCOMPARE(list.indexOf(QStringLiteral("d")), 3);
-    QCOMPARE(list.indexOf(QStringLiteral("b")), 0);
+    QCOMPARE(list.key(1), u"a"_qs);
+    QCOMPARE(list.key(2), u"c"_qs);
+    QCOMPARE(list.key(3), u"d"_qs);
+    QCOMPARE(list.indexOf(u"d"_qs), 3);
+    QCOMPARE(list.indexOf(u"b"_qs), 0);
     QCOMPARE(centreOf(list.picture(2)), QColor(Qt::blue).rgb());
 
-    list.remove(QStringLiteral("A"));
-    QCOMPARE(list.key(1), QStringLiteral("c"));
+    list.remove(u"A"_qs);
+    QCOMPARE(list.key(1), u"c"_qs);
     list.remove(list.count());
     QCOMPARE(list.count(), 1);
-    QCOMPARE(list.key(1), QStringLiteral("c"));
+    QCOMPARE(list.key(1), u"c"_qs);
     // A new picture goes to the end.
-    QCOMPARE(list.add(filled(QSize(8, 8), Qt::black), QStringLiteral("e")), 2);
+    QCOMPARE(list.add(filled(QSize(8, 8), Qt::black), u"e"_qs), 2);
 }
 
 void TestImageList::picturesTakeTheListSize()
@@ -161,15 +146,15 @@ void TestImageList::picturesTakeTheListSize()
     QPixmap big(32, 32);
     big.fill(Qt::blue);
     QPainter(&big).fillRect(0, 0, 16, 32, Qt::red);
-    list.add(big, QStringLiteral("big"));
-    const QPixmap scaled = list.picture(QStringLiteral("big"));
+    list.add(big, u"big"_qs);
+    const QPixmap scaled = list.picture(u"big"_qs);
     QCOMPARE(scaled.size(), QSize(16, 16));
     const QImage image = scaled.toImage();
     QCOMPARE(image.pixelColor(2, 8), QColor(Qt::red));
     QCOMPARE(image.pixelColor(13, 8), QColor(Qt::blue));
 
     // Another shape is stretched to fill the size.
-    list.add(filled(QSize(40, 10), Qt::green), QStringLiteral("wide"));
+    list.add(filled(QSize(40, 10), Qt::green), u"wide"_qs);
     QCOMPARE(list.picture(2).size(), QSize(16, 16));
     QCOMPARE(list.picture(2).toImage().pixelColor(0, 0), QColor(Qt::green));
     QCOMPARE(list.picture(2).toImage().pixelColor(15, 15), QColor(Qt::green));
@@ -181,13 +166,13 @@ void TestImageList::picturesTakeTheListSize()
             exact.setPixel(x, y, x == 0 ? qRgba(0, 0, 0, 0) : qRgb(x * 16, y * 16, (x + y) * 8));
         }
     }
-    list.add(QPixmap::fromImage(exact), QStringLiteral("exact"));
-    const QImage kept = list.picture(QStringLiteral("exact")).toImage().convertToFormat(QImage::Format_ARGB32);
+    list.add(QPixmap::fromImage(exact), u"exact"_qs);
+    const QImage kept = list.picture(u"exact"_qs).toImage().convertToFormat(QImage::Format_ARGB32);
     QCOMPARE(kept, exact);
 
     // A null picture stays null rather than turning into a blank one.
-    list.add(QPixmap(), QStringLiteral("none"));
-    QVERIFY(list.picture(QStringLiteral("none")).isNull());
+    list.add(QPixmap(), u"none"_qs);
+    QVERIFY(list.picture(u"none"_qs).isNull());
 
     // A 32-pixel list scales up.
     ImageList large(QSize(32, 32));
@@ -198,11 +183,11 @@ void TestImageList::picturesTakeTheListSize()
 void TestImageList::tagsTravelWithTheirPicture()
 {
     ImageList list(QSize(8, 8));
-    list.add(filled(QSize(8, 8), Qt::red), QStringLiteral("a"), QStringLiteral("first"));
-    list.add(filled(QSize(8, 8), Qt::green), QStringLiteral("b"));
-    list.add(filled(QSize(8, 8), Qt::blue), QStringLiteral("c"), 42);
+    list.add(filled(QSize(8, 8), Qt::red), u"a"_qs, u"first"_qs);
+    list.add(filled(QSize(8, 8), Qt::green), u"b"_qs);
+    list.add(filled(QSize(8, 8), Qt::blue), u"c"_qs, 42);
 
-    QCOMPARE(list.tag(1), QVariant(QStringLiteral("first")));
+    QCOMPARE(list.tag(1), QVariant(u"first"_qs));
     QVERIFY(!list.tag(2).isValid());
     QCOMPARE(list.tag(3), QVariant(42));
 
@@ -225,8 +210,8 @@ void TestImageList::badIndexOrKeyRaises_data()
         QTest::addRow("%s(count+1)", call) << QString::fromLatin1(call) << 3 << QString();
     }
     for (const char *call : {"picture", "remove"}) {
-        QTest::addRow("%s(unknown key)", call) << QString::fromLatin1(call) << 0 << QStringLiteral("zip");
-        QTest::addRow("%s(key with a space)", call) << QString::fromLatin1(call) << 0 << QStringLiteral("txt ");
+        QTest::addRow("%s(unknown key)", call) << QString::fromLatin1(call) << 0 << u"zip"_qs;
+        QTest::addRow("%s(key with a space)", call) << QString::fromLatin1(call) << 0 << u"txt "_qs;
     }
 }
 
@@ -237,8 +222,8 @@ void TestImageList::badIndexOrKeyRaises()
     QFETCH(QString, key);
 
     ImageList list(QSize(8, 8));
-    list.add(filled(QSize(8, 8), Qt::red), QStringLiteral("txt"), 1);
-    list.add(filled(QSize(8, 8), Qt::green), QStringLiteral("doc"), 2);
+    list.add(filled(QSize(8, 8), Qt::red), u"txt"_qs, 1);
+    list.add(filled(QSize(8, 8), Qt::green), u"doc"_qs, 2);
 
     const bool byKey = !key.isEmpty();
     const int number = errorNumberOf([&] {
@@ -260,8 +245,8 @@ void TestImageList::badIndexOrKeyRaises()
 
     // The list is left as it was.
     QCOMPARE(list.count(), 2);
-    QCOMPARE(list.key(1), QStringLiteral("txt"));
-    QCOMPARE(list.key(2), QStringLiteral("doc"));
+    QCOMPARE(list.key(1), u"txt"_qs);
+    QCOMPARE(list.key(2), u"doc"_qs);
     QCOMPARE(list.tag(1), QVariant(1));
     QCOMPARE(list.tag(2), QVariant(2));
 }
@@ -269,22 +254,22 @@ void TestImageList::badIndexOrKeyRaises()
 void TestImageList::renamingAndLookupsAfterRemoval()
 {
     ImageList list(QSize(16, 16));
-    list.add(filled(QSize(16, 16), Qt::red), QStringLiteral("Red"));
-    list.add(filled(QSize(16, 16), Qt::green), QStringLiteral("Green"));
-    list.add(filled(QSize(16, 16), Qt::blue), QStringLiteral("Blue"));
+    list.add(filled(QSize(16, 16), Qt::red), u"Red"_qs);
+    list.add(filled(QSize(16, 16), Qt::green), u"Green"_qs);
+    list.add(filled(QSize(16, 16), Qt::blue), u"Blue"_qs);
     list.remove(1);
-    QCOMPARE(list.indexOf(QStringLiteral("blue")), 2); // the key index follows the shift
-    QCOMPARE(list.indexOf(QStringLiteral("red")), 0);
-    list.setKey(2, QStringLiteral("Navy"));
-    QCOMPARE(list.indexOf(QStringLiteral("NAVY")), 2);
-    QCOMPARE(list.indexOf(QStringLiteral("Blue")), 0);
-    list.setKey(2, QStringLiteral("navy")); // its own key in another case is no clash
-    QCOMPARE(errorNumberOf([&] { list.setKey(2, QStringLiteral("green")); }), int(ErrorNumber::KeyNotUnique));
-    QCOMPARE(errorNumberOf([&] { list.setKey(3, QStringLiteral("x")); }), int(ErrorNumber::ElementNotFound));
-    list.add(filled(QSize(16, 16), Qt::red), QStringLiteral("Red"));
-    QCOMPARE(list.indexOf(QStringLiteral("Red")), 3);
+    QCOMPARE(list.indexOf(u"blue"_qs), 2); // the key index follows the shift
+    QCOMPARE(list.indexOf(u"red"_qs), 0);
+    list.setKey(2, u"Navy"_qs);
+    QCOMPARE(list.indexOf(u"NAVY"_qs), 2);
+    QCOMPARE(list.indexOf(u"Blue"_qs), 0);
+    list.setKey(2, u"navy"_qs); // its own key in another case is no clash
+    QCOMPARE(errorNumberOf([&] { list.setKey(2, u"green"_qs); }), int(ErrorNumber::KeyNotUnique));
+    QCOMPARE(errorNumberOf([&] { list.setKey(3, u"x"_qs); }), int(ErrorNumber::ElementNotFound));
+    list.add(filled(QSize(16, 16), Qt::red), u"Red"_qs);
+    QCOMPARE(list.indexOf(u"Red"_qs), 3);
     list.clear();
-    QCOMPARE(list.indexOf(QStringLiteral("Red")), 0);
+    QCOMPARE(list.indexOf(u"Red"_qs), 0);
 }
 
 QTEST_MAIN(TestImageList)

@@ -101,22 +101,21 @@ void TestMsgBox::handlerReceivesArgumentsExactly()
         return calls.size() == 1 ? MsgBoxResult::Yes : MsgBoxResult::Cancel;
     });
 
-    const QString prompt = QStringLiteral("Are you sure you want to delete 'a.txt'?\r\n\r\n  Tab:\there \"quoted\"");
-    QCOMPARE(MsgBox(prompt, 52, QStringLiteral("Confirm File Delete")), MsgBoxResult::Yes);
-    QCOMPARE(MsgBox(QStringLiteral("Only a prompt")), MsgBoxResult::Cancel);
-    QCOMPARE(
-        MsgBox(QString(), 51 + MsgBoxStyle::DefaultButton3, QStringLiteral("  padded title ")), MsgBoxResult::Cancel);
+    const QString prompt = u"Are you sure you want to delete 'a.txt'?\r\n\r\n  Tab:\there \"quoted\""_qs;
+    QCOMPARE(MsgBox(prompt, 52, u"Confirm File Delete"_qs), MsgBoxResult::Yes);
+    QCOMPARE(MsgBox(u"Only a prompt"_qs), MsgBoxResult::Cancel);
+    QCOMPARE(MsgBox(QString(), 51 + MsgBoxStyle::DefaultButton3, u"  padded title "_qs), MsgBoxResult::Cancel);
 
     QCOMPARE(calls.size(), 3);
     QCOMPARE(calls.at(0).prompt, prompt);
     QCOMPARE(calls.at(0).buttons, 52);
-    QCOMPARE(calls.at(0).title, QStringLiteral("Confirm File Delete"));
-    QCOMPARE(calls.at(1).prompt, QStringLiteral("Only a prompt"));
+    QCOMPARE(calls.at(0).title, u"Confirm File Delete"_qs);
+    QCOMPARE(calls.at(1).prompt, u"Only a prompt"_qs);
     QCOMPARE(calls.at(1).buttons, 0);
     QVERIFY(calls.at(1).title.isEmpty());
     QVERIFY(calls.at(2).prompt.isEmpty());
     QCOMPARE(calls.at(2).buttons, 51 + 512);
-    QCOMPARE(calls.at(2).title, QStringLiteral("  padded title "));
+    QCOMPARE(calls.at(2).title, u"  padded title "_qs);
     QVERIFY(!openMessageBox());
 }
 
@@ -138,32 +137,32 @@ void TestMsgBox::handlersChainAndRestore()
     });
     QVERIFY(previous);
 
-    QCOMPARE(MsgBox(QStringLiteral("Replace?"), 51, QStringLiteral("Confirm File Replace")), MsgBoxResult::No);
+    QCOMPARE(MsgBox(u"Replace?"_qs, 51, u"Confirm File Replace"_qs), MsgBoxResult::No);
     QCOMPARE(secondCalls, 1);
     QCOMPARE(firstCalls.size(), 1);
-    QCOMPARE(firstCalls.at(0).prompt, QStringLiteral("Replace?"));
+    QCOMPARE(firstCalls.at(0).prompt, u"Replace?"_qs);
     QCOMPARE(firstCalls.at(0).buttons, 51);
-    QCOMPARE(firstCalls.at(0).title, QStringLiteral("Confirm File Replace"));
+    QCOMPARE(firstCalls.at(0).title, u"Confirm File Replace"_qs);
 
     // Restoring the first handler hands back the second, still callable.
     const MsgBoxHandler second = setMsgBoxHandler(previous);
     QVERIFY(second);
-    QCOMPARE(MsgBox(QStringLiteral("again")), MsgBoxResult::Yes);
+    QCOMPARE(MsgBox(u"again"_qs), MsgBoxResult::Yes);
     QCOMPARE(secondCalls, 1);
     QCOMPARE(firstCalls.size(), 2);
-    QCOMPARE(second(QStringLiteral("direct"), 0, QString()), MsgBoxResult::No);
+    QCOMPARE(second(u"direct"_qs, 0, QString()), MsgBoxResult::No);
     QCOMPARE(secondCalls, 2);
     QCOMPARE(firstCalls.size(), 3);
 
     // An empty handler brings the standard box back.
     const MsgBoxHandler restored = setMsgBoxHandler({});
-    QCOMPARE(restored(QStringLiteral("x"), 0, QString()), MsgBoxResult::Yes);
+    QCOMPARE(restored(u"x"_qs, 0, QString()), MsgBoxResult::Yes);
     ShownBox shown;
     answerNextBox(&shown, Qt::Key_Return);
-    QCOMPARE(MsgBox(QStringLiteral("The standard box"), 0, QStringLiteral("Standard")), MsgBoxResult::OK);
+    QCOMPARE(MsgBox(u"The standard box"_qs, 0, u"Standard"_qs), MsgBoxResult::OK);
     QVERIFY(shown.seen);
-    QCOMPARE(shown.text, QStringLiteral("The standard box"));
-    QCOMPARE(shown.title, QStringLiteral("Standard"));
+    QCOMPARE(shown.text, u"The standard box"_qs);
+    QCOMPARE(shown.title, u"Standard"_qs);
     QCOMPARE(firstCalls.size(), 4);
 }
 
@@ -178,9 +177,9 @@ void TestMsgBox::defaultHandlerHandedBackIsCallable()
 
     ShownBox shown;
     answerNextBox(&shown, Qt::Key_Escape);
-    QCOMPARE(standard(QStringLiteral("Shown by the standard box"), 1, QStringLiteral("Chained")), MsgBoxResult::Cancel);
+    QCOMPARE(standard(u"Shown by the standard box"_qs, 1, u"Chained"_qs), MsgBoxResult::Cancel);
     QVERIFY(shown.seen);
-    QCOMPARE(shown.title, QStringLiteral("Chained"));
+    QCOMPARE(shown.title, u"Chained"_qs);
     QCOMPARE(shown.buttons, QMessageBox::Ok | QMessageBox::Cancel);
     QCOMPARE(scripted, 0);
 
@@ -188,7 +187,7 @@ void TestMsgBox::defaultHandlerHandedBackIsCallable()
     setMsgBoxHandler(standard);
     ShownBox again;
     answerNextBox(&again, Qt::Key_Return);
-    QCOMPARE(MsgBox(QStringLiteral("Back to standard")), MsgBoxResult::OK);
+    QCOMPARE(MsgBox(u"Back to standard"_qs), MsgBoxResult::OK);
     QVERIFY(again.seen);
     QCOMPARE(scripted, 0);
 }
@@ -244,19 +243,19 @@ void TestMsgBox::standardBoxFollowsStyle()
 
     ShownBox shown;
     answerNextBox(&shown, key);
-    const int result = MsgBox(QStringLiteral("First line\r\nSecond line"), style, QStringLiteral("Kelocontrols test"));
+    const int result = MsgBox(u"First line\r\nSecond line"_qs, style, u"Kelocontrols test"_qs);
     QVERIFY(shown.seen);
     QCOMPARE(shown.buttons, buttons);
     QCOMPARE(shown.icon, icon);
     QCOMPARE(shown.defaultButton, defaultButton);
-    QCOMPARE(shown.title, QStringLiteral("Kelocontrols test"));
-    QCOMPARE(shown.text, QStringLiteral("First line\nSecond line"));
+    QCOMPARE(shown.title, u"Kelocontrols test"_qs);
+    QCOMPARE(shown.text, u"First line\nSecond line"_qs);
     QCOMPARE(result, answer);
 
     // Without a title the box is titled with the application's name.
     ShownBox untitled;
     answerNextBox(&untitled, key);
-    QCOMPARE(MsgBox(QStringLiteral("x"), style), answer);
+    QCOMPARE(MsgBox(u"x"_qs, style), answer);
     QCOMPARE(untitled.title, QGuiApplication::applicationDisplayName());
 }
 

@@ -5,20 +5,14 @@
 #include <QPainter>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
+#include <memory>
+
 using namespace Kelocontrols;
+using KeloTest::errorNumberOf;
 
 namespace {
-
-template<typename Call>
-int errorNumberOf(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
-}
 
 const QColor buttonFace(0x12, 0x34, 0x56);
 const QColor windowBase(0xF0, 0xE0, 0xD0);
@@ -32,7 +26,7 @@ QStringList pointsNotOf(const QImage &image, const QRect &area, const QColor &ex
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
             if (image.pixelColor(x, y).rgb() != expected.rgb() && wrong.size() < 5) {
-                wrong << QStringLiteral("(%1,%2)=%3").arg(x).arg(y).arg(image.pixelColor(x, y).name());
+                wrong << u"(%1,%2)=%3"_qs.arg(x).arg(y).arg(image.pixelColor(x, y).name());
             }
         }
     }
@@ -42,6 +36,15 @@ QStringList pointsNotOf(const QImage &image, const QRect &area, const QColor &ex
 QImage grabbed(QWidget &widget)
 {
     return widget.grab().toImage();
+}
+
+// A 40 x 30 box on screen: a 36 x 26 drawing area inside the two-pixel border.
+std::unique_ptr<PictureBox> shownBox()
+{
+    auto box = std::make_unique<PictureBox>();
+    box->resize(40, 30);
+    box->show();
+    return QTest::qWaitForWindowExposed(box.get()) ? std::move(box) : nullptr;
 }
 
 } // namespace
@@ -85,10 +88,9 @@ void TestPictureBox::cleanup()
 
 void TestPictureBox::clsShowsTheBackColor()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
     QCOMPARE(box.backColor(), 0x8000000Fu);
 
     box.cls();
@@ -118,10 +120,9 @@ void TestPictureBox::clsShowsTheBackColor()
 
 void TestPictureBox::fillBoxPaintsExactPixels()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
 
     box.fillBox(QRectF(2, 3, 4, 5), 0x000000FF);
     QImage image = box.rendered();
@@ -157,10 +158,9 @@ void TestPictureBox::fillBoxPaintsExactPixels()
 
 void TestPictureBox::drawingStaysUntilCleared()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
 
     box.fillBox(QRectF(0, 0, 10, 10), 0x000000FF);
     // Repaints from outside change nothing: the canvas is what shows.
@@ -176,10 +176,9 @@ void TestPictureBox::drawingStaysUntilCleared()
 
 void TestPictureBox::resizeKeepsTheDrawingAtTopLeft()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
     QCOMPARE(box.scaleWidth(), 36);
     QCOMPARE(box.scaleHeight(), 26);
     box.fillBox(QRectF(0, 0, 10, 10), 0x000000FF);
@@ -265,10 +264,9 @@ void TestPictureBox::borderStyle()
 
 void TestPictureBox::changingTheBorderKeepsTheSurfaceFilled()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
     box.fillBox(QRectF(0, 0, 4, 4), 0x000000FF);
 
     box.setBorderStyle(0);
@@ -291,10 +289,9 @@ void TestPictureBox::changingTheBorderKeepsTheSurfaceFilled()
 
 void TestPictureBox::pictureLiesBetweenBackColorAndDrawing()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
 
     QPixmap picture(8, 6);
     picture.fill(green);
@@ -323,10 +320,9 @@ void TestPictureBox::pictureLiesBetweenBackColorAndDrawing()
 
 void TestPictureBox::invalidColoursAreRefused()
 {
-    PictureBox box;
-    box.resize(40, 30);
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    const std::unique_ptr<PictureBox> shown = shownBox();
+    QVERIFY(shown);
+    PictureBox &box = *shown;
     box.setBackColor(0x0000FF00);
     box.setForeColor(0x80000008);
 

@@ -66,9 +66,9 @@ private Q_SLOTS:
 
 void TestRandom::defaultSequence()
 {
-    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.7055475"));
-    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.533424"));
-    QCOMPARE(QString::number(double(Rnd()), 'g', 7), QStringLiteral("0.5795186"));
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), u"0.7055475"_qs);
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), u"0.533424"_qs);
+    QCOMPARE(QString::number(double(Rnd()), 'g', 7), u"0.5795186"_qs);
 
     resetRandomGenerator();
     std::uint32_t seed = 0x50000;
@@ -157,7 +157,7 @@ void TestRandom::randomizeAfterNegativeIsRepeatable()
 
     // 1.0 = 0x3FF00000 00000000: middle bytes become 0x3FF0.
     QCOMPARE(seedFromNegative(-1.0f), 0x8000BFu);
-    QCOMPARE(QString::number(double(Rnd(-1.0f)), 'g', 7), QStringLiteral("0.224007"));
+    QCOMPARE(QString::number(double(Rnd(-1.0f)), 'g', 7), u"0.224007"_qs);
     Randomize(1.0);
     QCOMPARE(currentSeed(), (nextSeed(0x8000BFu) & 0xFFu) | 0x3FF000u);
     const float first = Rnd();
@@ -193,7 +193,7 @@ void TestRandom::valuesStayInUnitInterval()
         QVERIFY(value >= 0.0f && value < 1.0f);
         seed = nextSeed(seed);
         if (value != valueOf(seed))
-            QFAIL(qPrintable(QStringLiteral("differs at %1").arg(i)));
+            QFAIL(qPrintable(u"differs at %1"_qs.arg(i)));
     }
 }
 

@@ -10,6 +10,7 @@
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
+using KeloTest::writeFile;
 
 namespace {
 
@@ -17,14 +18,6 @@ QString readText(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-void writeText(const QString &path, const QByteArray &text)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text);
 }
 
 struct Access
@@ -60,7 +53,7 @@ private Q_SLOTS:
 private:
     QString iniPath(const QString &appName) const
     {
-        return m_config->path() + QStringLiteral("/Kelocontrols/") + appName + QStringLiteral(".ini");
+        return m_config->path() + u"/Kelocontrols/"_qs + appName + u".ini"_qs;
     }
 
     std::unique_ptr<QTemporaryDir> m_config;
@@ -89,12 +82,12 @@ void TestSettingsStore::cleanup()
 
 void TestSettingsStore::fileLocationFollowsTheEnvironment()
 {
-    const QString homeConfig = m_home->path() + QStringLiteral("/.config/Kelocontrols");
-    QCOMPARE(settingsFolder(), m_config->path() + QStringLiteral("/Kelocontrols"));
-    QCOMPARE(settingsFilePath(QStringLiteral("App")), iniPath(QStringLiteral("App")));
+    const QString homeConfig = m_home->path() + u"/.config/Kelocontrols"_qs;
+    QCOMPARE(settingsFolder(), m_config->path() + u"/Kelocontrols"_qs);
+    QCOMPARE(settingsFilePath(u"App"_qs), iniPath(u"App"_qs));
 
-    SaveSetting(QStringLiteral("App"), QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("xdg"));
-    QVERIFY(QFileInfo::exists(iniPath(QStringLiteral("App"))));
+    SaveSetting(u"App"_qs, u"S"_qs, u"K"_qs, u"xdg"_qs);
+    QVERIFY(QFileInfo::exists(iniPath(u"App"_qs)));
 
     // Read again at every call: unset, empty and relative all mean ~/.config.
     for (const QByteArray &value : {QByteArray(), QByteArray(""), QByteArray("relative/config")}) {
@@ -104,34 +97,28 @@ void TestSettingsStore::fileLocationFollowsTheEnvironment()
             qputenv("XDG_CONFIG_HOME", value);
         }
         QCOMPARE(settingsFolder(), homeConfig);
-        QCOMPARE(GetSetting(QStringLiteral("App"), QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("none")),
-            QStringLiteral("none"));
+        QCOMPARE(GetSetting(u"App"_qs, u"S"_qs, u"K"_qs, u"none"_qs), u"none"_qs);
     }
-    SaveSetting(QStringLiteral("App"), QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("home"));
-    QVERIFY(QFileInfo::exists(homeConfig + QStringLiteral("/App.ini")));
-    QVERIFY(!QDir(QStringLiteral("relative")).exists());
+    SaveSetting(u"App"_qs, u"S"_qs, u"K"_qs, u"home"_qs);
+    QVERIFY(QFileInfo::exists(homeConfig + u"/App.ini"_qs));
+    QVERIFY(!QDir(u"relative"_qs).exists());
 
     qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
-    QCOMPARE(GetSetting(QStringLiteral("App"), QStringLiteral("S"), QStringLiteral("K")), QStringLiteral("xdg"));
+    QCOMPARE(GetSetting(u"App"_qs, u"S"_qs, u"K"_qs), u"xdg"_qs);
 }
 
 void TestSettingsStore::fileTextIsOneGroupPerSection()
 {
-    SaveSetting(
-        QStringLiteral("Kelochameleon1"), QStringLiteral("Ocean"), QStringLiteral("Interval"), QStringLiteral("1500"));
-    SaveSetting(
-        QStringLiteral("Kelochameleon1"), QStringLiteral("Ocean"), QStringLiteral("Enabled"), QStringLiteral("True"));
-    SaveSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Desert Sand"), QStringLiteral("NewBackColor"),
-        QStringLiteral("-2147483633"));
-    SaveSetting(
-        QStringLiteral("Kelochameleon1"), QStringLiteral("Ocean"), QStringLiteral("Interval"), QStringLiteral("2000"));
-    QCOMPARE(readText(iniPath(QStringLiteral("Kelochameleon1"))),
-        QStringLiteral("[Desert%20Sand]\nNewBackColor=-2147483633\n\n[Ocean]\nEnabled=True\nInterval=2000\n"));
+    SaveSetting(u"Kelochameleon1"_qs, u"Ocean"_qs, u"Interval"_qs, u"1500"_qs);
+    SaveSetting(u"Kelochameleon1"_qs, u"Ocean"_qs, u"Enabled"_qs, u"True"_qs);
+    SaveSetting(u"Kelochameleon1"_qs, u"Desert Sand"_qs, u"NewBackColor"_qs, u"-2147483633"_qs);
+    SaveSetting(u"Kelochameleon1"_qs, u"Ocean"_qs, u"Interval"_qs, u"2000"_qs);
+    QCOMPARE(readText(iniPath(u"Kelochameleon1"_qs)),
+        u"[Desert%20Sand]\nNewBackColor=-2147483633\n\n[Ocean]\nEnabled=True\nInterval=2000\n"_qs);
     // One file per application name.
-    SaveSetting(QStringLiteral("Other"), QStringLiteral("Ocean"), QStringLiteral("Interval"), QStringLiteral("1"));
-    QCOMPARE(GetSetting(QStringLiteral("Kelochameleon1"), QStringLiteral("Ocean"), QStringLiteral("Interval")),
-        QStringLiteral("2000"));
-    QCOMPARE(readText(iniPath(QStringLiteral("Other"))), QStringLiteral("[Ocean]\nInterval=1\n"));
+    SaveSetting(u"Other"_qs, u"Ocean"_qs, u"Interval"_qs, u"1"_qs);
+    QCOMPARE(GetSetting(u"Kelochameleon1"_qs, u"Ocean"_qs, u"Interval"_qs), u"2000"_qs);
+    QCOMPARE(readText(iniPath(u"Other"_qs)), u"[Ocean]\nInterval=1\n"_qs);
 }
 
 void TestSettingsStore::roundTripsAnyName_data()
@@ -141,62 +128,24 @@ void TestSettingsStore::roundTripsAnyName_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("value");
 
-    QTest::newRow("plain") << "App"
-                           << "Ocean"
-                           << "Interval"
-                           << "1500";
-    QTest::newRow("slash in section") << "App"
-                                      << "Day/Night"
-                                      << "Interval"
-                                      << "1";
-    QTest::newRow("backslash in section") << "App"
-                                          << "C:\\Themes\\Blue"
-                                          << "Interval"
-                                          << "2";
-    QTest::newRow("leading and double slashes") << "App"
-                                                << "//a//b/"
-                                                << "/k//"
-                                                << "3";
-    QTest::newRow("percent") << "App"
-                             << "100% blue"
-                             << "50%2F"
-                             << "4";
-    QTest::newRow("separators in key") << "App"
-                                       << "S"
-                                       << "a=b;c,d [e]"
-                                       << "5";
-    QTest::newRow("section called General") << "App"
-                                            << "General"
-                                            << "Key"
-                                            << "6";
-    QTest::newRow("non-ASCII") << "Äpp"
-                               << "Thème été"
-                               << "Schlüssel"
-                               << "Grüße, 世界";
-    QTest::newRow("slash in application name") << "Apps/One"
-                                               << "S"
-                                               << "K"
-                                               << "7";
-    QTest::newRow("value with quotes and blanks") << "App"
-                                                  << "S"
-                                                  << "K"
-                                                  << "  \"quoted\" ; = , x  ";
-    QTest::newRow("value like a variant") << "App"
-                                          << "S"
-                                          << "K"
-                                          << "@Variant(\\0\\0\\0\\x7f)";
-    QTest::newRow("value with CR-LF") << "App"
-                                      << "S"
-                                      << "K"
-                                      << "line 1\r\nline 2";
-    QTest::newRow("empty value") << "App"
-                                 << "S"
-                                 << "K"
-                                 << "";
-    QTest::newRow("path value") << "App"
-                                << "S"
-                                << "BackgroundPicture"
-                                << "/home/me/My Pictures/a,b.png";
+    const auto row
+        = [](const char *name, const char *appName, const char *section, const char *key, const char *value) {
+              QTest::newRow(name) << QString(appName) << QString(section) << QString(key) << QString(value);
+          };
+    row("plain", "App", "Ocean", "Interval", "1500");
+    row("slash in section", "App", "Day/Night", "Interval", "1");
+    row("backslash in section", "App", "C:\\Themes\\Blue", "Interval", "2");
+    row("leading and double slashes", "App", "//a//b/", "/k//", "3");
+    row("percent", "App", "100% blue", "50%2F", "4");
+    row("separators in key", "App", "S", "a=b;c,d [e]", "5");
+    row("section called General", "App", "General", "Key", "6");
+    row("non-ASCII", "Äpp", "Thème été", "Schlüssel", "Grüße, 世界");
+    row("slash in application name", "Apps/One", "S", "K", "7");
+    row("value with quotes and blanks", "App", "S", "K", "  \"quoted\" ; = , x  ");
+    row("value like a variant", "App", "S", "K", "@Variant(\\0\\0\\0\\x7f)");
+    row("value with CR-LF", "App", "S", "K", "line 1\r\nline 2");
+    row("empty value", "App", "S", "K", "");
+    row("path value", "App", "S", "BackgroundPicture", "/home/me/My Pictures/a,b.png");
 }
 
 void TestSettingsStore::roundTripsAnyName()
@@ -207,49 +156,42 @@ void TestSettingsStore::roundTripsAnyName()
     QFETCH(QString, value);
 
     SaveSetting(appName, section, key, value);
-    QCOMPARE(GetSetting(appName, section, key, QStringLiteral("<default>")), value);
+    QCOMPARE(GetSetting(appName, section, key, u"<default>"_qs), value);
     // Each name stays one level: nothing leaks into other sections or keys.
-    QCOMPARE(GetSetting(appName, section + QStringLiteral("x"), key, QStringLiteral("<default>")),
-        QStringLiteral("<default>"));
-    QCOMPARE(GetSetting(appName, section, key + QStringLiteral("x"), QStringLiteral("<default>")),
-        QStringLiteral("<default>"));
+    QCOMPARE(GetSetting(appName, section + u"x"_qs, key, u"<default>"_qs), u"<default>"_qs);
+    QCOMPARE(GetSetting(appName, section, key + u"x"_qs, u"<default>"_qs), u"<default>"_qs);
     const QFileInfo file(settingsFilePath(appName));
     QVERIFY(file.isFile());
-    QCOMPARE(file.absolutePath(), m_config->path() + QStringLiteral("/Kelocontrols"));
+    QCOMPARE(file.absolutePath(), m_config->path() + u"/Kelocontrols"_qs);
 }
 
 void TestSettingsStore::missingEntriesGiveTheDefault()
 {
-    const QString app = QStringLiteral("App");
-    QCOMPARE(GetSetting(app, QStringLiteral("S"), QStringLiteral("K")), QString());
-    QCOMPARE(
-        GetSetting(app, QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("False")), QStringLiteral("False"));
+    const QString app = u"App"_qs;
+    QCOMPARE(GetSetting(app, u"S"_qs, u"K"_qs), QString());
+    QCOMPARE(GetSetting(app, u"S"_qs, u"K"_qs, u"False"_qs), u"False"_qs);
     QVERIFY2(!QFileInfo::exists(iniPath(app)), "reading must not create the file");
-    SaveSetting(app, QStringLiteral("S"), QStringLiteral("K"), QString());
-    QCOMPARE(GetSetting(app, QStringLiteral("S"), QStringLiteral("K"), QStringLiteral("d")), QString());
-    QCOMPARE(GetSetting(app, QStringLiteral("S"), QStringLiteral("Other"), QStringLiteral("d")), QStringLiteral("d"));
-    QCOMPARE(GetSetting(app, QStringLiteral("T"), QStringLiteral("K"), QStringLiteral("d")), QStringLiteral("d"));
+    SaveSetting(app, u"S"_qs, u"K"_qs, QString());
+    QCOMPARE(GetSetting(app, u"S"_qs, u"K"_qs, u"d"_qs), QString());
+    QCOMPARE(GetSetting(app, u"S"_qs, u"Other"_qs, u"d"_qs), u"d"_qs);
+    QCOMPARE(GetSetting(app, u"T"_qs, u"K"_qs, u"d"_qs), u"d"_qs);
 }
 
 void TestSettingsStore::namesIgnoreCase()
 {
-    SaveSetting(QStringLiteral("MyApp"), QStringLiteral("Ocean"), QStringLiteral("Interval"), QStringLiteral("1"));
-    QCOMPARE(
-        GetSetting(QStringLiteral("MYAPP"), QStringLiteral("oCEAN"), QStringLiteral("interval")), QStringLiteral("1"));
-    SaveSetting(QStringLiteral("myapp"), QStringLiteral("OCEAN"), QStringLiteral("INTERVAL"), QStringLiteral("2"));
-    SaveSetting(QStringLiteral("myapp"), QStringLiteral("ocean/deep"), QStringLiteral("k"), QStringLiteral("3"));
-    QCOMPARE(
-        GetSetting(QStringLiteral("MyApp"), QStringLiteral("Ocean/DEEP"), QStringLiteral("K")), QStringLiteral("3"));
+    SaveSetting(u"MyApp"_qs, u"Ocean"_qs, u"Interval"_qs, u"1"_qs);
+    QCOMPARE(GetSetting(u"MYAPP"_qs, u"oCEAN"_qs, u"interval"_qs), u"1"_qs);
+    SaveSetting(u"myapp"_qs, u"OCEAN"_qs, u"INTERVAL"_qs, u"2"_qs);
+    SaveSetting(u"myapp"_qs, u"ocean/deep"_qs, u"k"_qs, u"3"_qs);
+    QCOMPARE(GetSetting(u"MyApp"_qs, u"Ocean/DEEP"_qs, u"K"_qs), u"3"_qs);
     // The first spelling stays, in one file, one group and one key.
-    QCOMPARE(QDir(m_config->path() + QStringLiteral("/Kelocontrols")).entryList(QDir::Files),
-        QStringList{QStringLiteral("MyApp.ini")});
-    QCOMPARE(
-        readText(iniPath(QStringLiteral("MyApp"))), QStringLiteral("[Ocean]\nInterval=2\n\n[ocean%252Fdeep]\nk=3\n"));
+    QCOMPARE(QDir(m_config->path() + u"/Kelocontrols"_qs).entryList(QDir::Files), QStringList{u"MyApp.ini"_qs});
+    QCOMPARE(readText(iniPath(u"MyApp"_qs)), u"[Ocean]\nInterval=2\n\n[ocean%252Fdeep]\nk=3\n"_qs);
 }
 
 void TestSettingsStore::emptyNamesAreRefused()
 {
-    const QString x = QStringLiteral("x");
+    const QString x = u"x"_qs;
     QCOMPARE(errorNumberOf([&] { SaveSetting(QString(), x, x, x); }), ErrorNumber::InvalidProcedureCall);
     QCOMPARE(errorNumberOf([&] { SaveSetting(x, QString(), x, x); }), ErrorNumber::InvalidProcedureCall);
     QCOMPARE(errorNumberOf([&] { SaveSetting(x, x, QString(), x); }), ErrorNumber::InvalidProcedureCall);
@@ -257,66 +199,62 @@ void TestSettingsStore::emptyNamesAreRefused()
     QCOMPARE(errorNumberOf([&] { GetSetting(x, QString(), x); }), ErrorNumber::InvalidProcedureCall);
     QCOMPARE(errorNumberOf([&] { GetSetting(x, x, QString()); }), ErrorNumber::InvalidProcedureCall);
     QCOMPARE(errorNumberOf([&] { settingsFilePath(QString()); }), ErrorNumber::InvalidProcedureCall);
-    QVERIFY(!QDir(m_config->path() + QStringLiteral("/Kelocontrols")).exists());
+    QVERIFY(!QDir(m_config->path() + u"/Kelocontrols"_qs).exists());
 }
 
 void TestSettingsStore::unusableFilesRaiseClearErrors()
 {
-    const QString x = QStringLiteral("x");
+    const QString x = u"x"_qs;
     // A folder where the file belongs: neither readable nor writable, even for root.
-    QVERIFY(QDir().mkpath(iniPath(QStringLiteral("Blocked"))));
-    QCOMPARE(errorNumberOf([&] { SaveSetting(QStringLiteral("Blocked"), x, x, x); }), ErrorNumber::PermissionDenied);
-    QCOMPARE(errorNumberOf([&] { GetSetting(QStringLiteral("Blocked"), x, x); }), ErrorNumber::PermissionDenied);
+    QVERIFY(QDir().mkpath(iniPath(u"Blocked"_qs)));
+    QCOMPARE(errorNumberOf([&] { SaveSetting(u"Blocked"_qs, x, x, x); }), ErrorNumber::PermissionDenied);
+    QCOMPARE(errorNumberOf([&] { GetSetting(u"Blocked"_qs, x, x); }), ErrorNumber::PermissionDenied);
     try {
-        SaveSetting(QStringLiteral("Blocked"), x, x, x);
+        SaveSetting(u"Blocked"_qs, x, x, x);
     } catch (const RuntimeError &error) {
-        QVERIFY2(error.description().contains(iniPath(QStringLiteral("Blocked"))), qPrintable(error.description()));
+        QVERIFY2(error.description().contains(iniPath(u"Blocked"_qs)), qPrintable(error.description()));
     }
 
     // A malformed file is reported, and a write leaves it as it was.
     const QByteArray malformed("[Ocean\nInterval=1000\nno equals sign here\n");
-    writeText(iniPath(QStringLiteral("Broken")), malformed);
-    QCOMPARE(errorNumberOf([&] { GetSetting(QStringLiteral("Broken"), x, x); }), ErrorNumber::InvalidFileFormat);
-    QCOMPARE(errorNumberOf([&] { SaveSetting(QStringLiteral("Broken"), x, x, x); }), ErrorNumber::InvalidFileFormat);
-    QCOMPARE(readText(iniPath(QStringLiteral("Broken"))).toUtf8(), malformed);
+    QVERIFY(writeFile(iniPath(u"Broken"_qs), malformed));
+    QCOMPARE(errorNumberOf([&] { GetSetting(u"Broken"_qs, x, x); }), ErrorNumber::InvalidFileFormat);
+    QCOMPARE(errorNumberOf([&] { SaveSetting(u"Broken"_qs, x, x, x); }), ErrorNumber::InvalidFileFormat);
+    QCOMPARE(readText(iniPath(u"Broken"_qs)).toUtf8(), malformed);
 
     // A configuration folder that is a file: nothing can be created below it.
     QTemporaryDir other;
-    const QString plainFile = other.filePath(QStringLiteral("config"));
-    writeText(plainFile, "not a folder");
+    const QString plainFile = other.filePath(u"config"_qs);
+    QVERIFY(writeFile(plainFile, "not a folder"));
     qputenv("XDG_CONFIG_HOME", plainFile.toUtf8());
-    QCOMPARE(errorNumberOf([&] { SaveSetting(QStringLiteral("App"), x, x, x); }), ErrorNumber::PermissionDenied);
-    QCOMPARE(GetSetting(QStringLiteral("App"), x, x, QStringLiteral("d")), QStringLiteral("d"));
+    QCOMPARE(errorNumberOf([&] { SaveSetting(u"App"_qs, x, x, x); }), ErrorNumber::PermissionDenied);
+    QCOMPARE(GetSetting(u"App"_qs, x, x, u"d"_qs), u"d"_qs);
 }
 
 void TestSettingsStore::handEditedListsReadAsText()
 {
-    writeText(iniPath(QStringLiteral("App")),
-        "[Hand]\nInterval= 1500 \nPicture=/pics/a, b.png\nQuoted=\"x, y\"\nEnabled=true\n");
-    QCOMPARE(
-        GetSetting(QStringLiteral("App"), QStringLiteral("Hand"), QStringLiteral("Interval")), QStringLiteral("1500"));
-    QCOMPARE(GetSetting(QStringLiteral("App"), QStringLiteral("Hand"), QStringLiteral("Picture")),
-        QStringLiteral("/pics/a,b.png"));
-    QCOMPARE(
-        GetSetting(QStringLiteral("App"), QStringLiteral("Hand"), QStringLiteral("Quoted")), QStringLiteral("x, y"));
-    QCOMPARE(
-        GetSetting(QStringLiteral("App"), QStringLiteral("Hand"), QStringLiteral("Enabled")), QStringLiteral("true"));
+    QVERIFY(writeFile(
+        iniPath(u"App"_qs), "[Hand]\nInterval= 1500 \nPicture=/pics/a, b.png\nQuoted=\"x, y\"\nEnabled=true\n"));
+    QCOMPARE(GetSetting(u"App"_qs, u"Hand"_qs, u"Interval"_qs), u"1500"_qs);
+    QCOMPARE(GetSetting(u"App"_qs, u"Hand"_qs, u"Picture"_qs), u"/pics/a,b.png"_qs);
+    QCOMPARE(GetSetting(u"App"_qs, u"Hand"_qs, u"Quoted"_qs), u"x, y"_qs);
+    QCOMPARE(GetSetting(u"App"_qs, u"Hand"_qs, u"Enabled"_qs), u"true"_qs);
 }
 
 // Another process's write is a file changed behind this process's back: it
 // must show at the next call, even with the same size.
 void TestSettingsStore::otherWritersAreSeenAtOnce()
 {
-    const QString app = QStringLiteral("Shared");
-    SaveSetting(app, QStringLiteral("Ocean"), QStringLiteral("Interval"), QStringLiteral("1000"));
-    QCOMPARE(GetSetting(app, QStringLiteral("Ocean"), QStringLiteral("Interval")), QStringLiteral("1000"));
+    const QString app = u"Shared"_qs;
+    SaveSetting(app, u"Ocean"_qs, u"Interval"_qs, u"1000"_qs);
+    QCOMPARE(GetSetting(app, u"Ocean"_qs, u"Interval"_qs), u"1000"_qs);
     QTest::qWait(20);
-    writeText(iniPath(app), "[Ocean]\nInterval=2000\n");
-    QCOMPARE(GetSetting(app, QStringLiteral("Ocean"), QStringLiteral("Interval")), QStringLiteral("2000"));
+    QVERIFY(writeFile(iniPath(app), "[Ocean]\nInterval=2000\n"));
+    QCOMPARE(GetSetting(app, u"Ocean"_qs, u"Interval"_qs), u"2000"_qs);
     QTest::qWait(20);
-    writeText(iniPath(app), "[Ocean]\nInterval=3000\nEnabled=False\n");
-    SaveSetting(app, QStringLiteral("Ocean"), QStringLiteral("Enabled"), QStringLiteral("True"));
-    QCOMPARE(readText(iniPath(app)), QStringLiteral("[Ocean]\nEnabled=True\nInterval=3000\n"));
+    QVERIFY(writeFile(iniPath(app), "[Ocean]\nInterval=3000\nEnabled=False\n"));
+    SaveSetting(app, u"Ocean"_qs, u"Enabled"_qs, u"True"_qs);
+    QCOMPARE(readText(iniPath(app)), u"[Ocean]\nEnabled=True\nInterval=3000\n"_qs);
 }
 
 void TestSettingsStore::accessHookSeesEveryCallInOrder()
@@ -327,16 +265,16 @@ void TestSettingsStore::accessHookSeesEveryCallInOrder()
             seen.append({access, app, section, key});
         });
     QVERIFY(!previous);
-    SaveSetting(QStringLiteral("A"), QStringLiteral("S"), QStringLiteral("K1"), QStringLiteral("v"));
-    GetSetting(QStringLiteral("A"), QStringLiteral("s"), QStringLiteral("K2"));
+    SaveSetting(u"A"_qs, u"S"_qs, u"K1"_qs, u"v"_qs);
+    GetSetting(u"A"_qs, u"s"_qs, u"K2"_qs);
     // A refused call is not reported.
-    errorNumberOf([] { GetSetting(QStringLiteral("A"), QString(), QStringLiteral("K3")); });
+    errorNumberOf([] { GetSetting(u"A"_qs, QString(), u"K3"_qs); });
     QCOMPARE(seen.size(), 2);
     QVERIFY((seen.at(0) == Access{SettingsAccess::Write, "A", "S", "K1"}));
     QVERIFY((seen.at(1) == Access{SettingsAccess::Read, "A", "s", "K2"}));
     const SettingsAccessHook mine = setSettingsAccessHook({});
     QVERIFY(bool(mine));
-    GetSetting(QStringLiteral("A"), QStringLiteral("S"), QStringLiteral("K1"));
+    GetSetting(u"A"_qs, u"S"_qs, u"K1"_qs);
     QCOMPARE(seen.size(), 2);
 }
 

@@ -35,7 +35,7 @@ public:
             {"data/applications", "datahome/applications", "config", "configdirs", "bin", "records", "files"}) {
             root.mkpath(QString::fromLatin1(folder));
         }
-        QFile::link(QStringLiteral("/usr/share/mime"), path("data/mime"));
+        QFile::link(u"/usr/share/mime"_qs, path("data/mime"));
         qputenv("XDG_DATA_DIRS", path("data").toUtf8());
         qputenv("XDG_DATA_HOME", path("datahome").toUtf8());
         qputenv("XDG_CONFIG_HOME", path("config").toUtf8());
@@ -89,7 +89,7 @@ public:
      */
     QString addRecorder(const QString &name, bool withStdin = false, int exitCode = 0) const
     {
-        const QByteArray record = path(QStringLiteral("records/") + name).toUtf8();
+        const QByteArray record = path(u"records/"_qs + name).toUtf8();
         QByteArray script = "#!/bin/sh\n";
         if (withStdin) {
             script += "/bin/cat > '" + record + ".stdin'\n";
@@ -97,7 +97,7 @@ public:
         script += "printf '%s\\0' \"$@\" > '" + record + ".tmp'\n";
         script += "/bin/mv '" + record + ".tmp' '" + record + ".args'\n";
         script += "exit " + QByteArray::number(exitCode) + "\n";
-        return write(QStringLiteral("bin/") + name, script, true);
+        return write(u"bin/"_qs + name, script, true);
     }
 
     /// Adds an applications entry @p id (under data/ or, with @p inDataHome, datahome/) starting @p exec.
@@ -106,13 +106,12 @@ public:
     {
         const QByteArray text = "[Desktop Entry]\nType=Application\nName=" + id.toUtf8() + "\nExec=" + exec.toUtf8()
             + "\nMimeType=" + mimeTypes.toUtf8() + "\n" + extraLines;
-        return write(
-            (inDataHome ? QStringLiteral("datahome/applications/") : QStringLiteral("data/applications/")) + id, text);
+        return write((inDataHome ? u"datahome/applications/"_qs : u"data/applications/"_qs) + id, text);
     }
 
     QString recordPath(const QString &name, const char *suffix = ".args") const
     {
-        return path(QStringLiteral("records/") + name + QString::fromLatin1(suffix));
+        return path(u"records/"_qs + name + QString::fromLatin1(suffix));
     }
 
     /// The arguments a recorder got, once its record is there (empty after @p timeoutMs).
@@ -137,31 +136,27 @@ public:
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     }
 
-    /// The children of this process that are zombies, and all of its children, from /proc.
-    static void countChildren(int &zombies, int &all)
+    /// The children of this process, zombies included, from /proc: a detached start leaves none.
+    static int childCount()
     {
-        zombies = all = 0;
+        int count = 0;
         DIR *proc = ::opendir("/proc");
         if (!proc) {
-            return;
+            return -1;
         }
         const QByteArray self = QByteArray::number(qint64(::getpid()));
         while (const dirent *entry = ::readdir(proc)) {
-            QFile stat(QStringLiteral("/proc/") + QString::fromLatin1(entry->d_name) + QStringLiteral("/stat"));
+            QFile stat(u"/proc/"_qs + QString::fromLatin1(entry->d_name) + u"/stat"_qs);
             if (entry->d_name[0] < '0' || entry->d_name[0] > '9' || !stat.open(QIODevice::ReadOnly)) {
                 continue;
             }
             // "pid (comm) state ppid ...": comm may hold blanks and parentheses.
             const QByteArray line = stat.readAll();
             const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
-            if (fields.size() > 1 && fields.at(1) == self) {
-                ++all;
-                if (fields.at(0) == "Z") {
-                    ++zombies;
-                }
-            }
+            count += fields.size() > 1 && fields.at(1) == self;
         }
         ::closedir(proc);
+        return count;
     }
 
 private:

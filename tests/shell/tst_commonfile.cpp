@@ -13,6 +13,7 @@
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
+using KeloTest::writeFile;
 
 namespace {
 
@@ -53,18 +54,18 @@ void tst_CommonFile::driveTypeName_data()
 {
     QTest::addColumn<DriveInfo>("drive");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("removable, no medium") << drive(1, false, "A") << "Removable Disk";
-    QTest::newRow("fixed") << drive(2, true, "C") << "Local Disk";
-    QTest::newRow("fixed, not ready") << drive(2, false) << "Local Disk";
-    QTest::newRow("remote with letter") << drive(3, true, "Z") << "Network Disk";
-    QTest::newRow("remote without letter") << drive(3, true) << "Network Folder";
-    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << "Drive Unavailable";
-    QTest::newRow("remote not ready") << drive(3, false) << "Drive Unavailable";
-    QTest::newRow("cd-rom, empty") << drive(4, false, "E") << "Compact Disk";
-    QTest::newRow("ram disk") << drive(5, true) << "RAM Disk";
-    QTest::newRow("unknown") << drive(0, true) << "Unknown Disk";
-    QTest::newRow("code 6") << drive(6, true) << "Unknown Disk";
-    QTest::newRow("code -1") << drive(-1, true) << "Unknown Disk";
+    QTest::newRow("removable, no medium") << drive(1, false, "A") << u"Removable Disk"_qs;
+    QTest::newRow("fixed") << drive(2, true, "C") << u"Local Disk"_qs;
+    QTest::newRow("fixed, not ready") << drive(2, false) << u"Local Disk"_qs;
+    QTest::newRow("remote with letter") << drive(3, true, "Z") << u"Network Disk"_qs;
+    QTest::newRow("remote without letter") << drive(3, true) << u"Network Folder"_qs;
+    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << u"Drive Unavailable"_qs;
+    QTest::newRow("remote not ready") << drive(3, false) << u"Drive Unavailable"_qs;
+    QTest::newRow("cd-rom, empty") << drive(4, false, "E") << u"Compact Disk"_qs;
+    QTest::newRow("ram disk") << drive(5, true) << u"RAM Disk"_qs;
+    QTest::newRow("unknown") << drive(0, true) << u"Unknown Disk"_qs;
+    QTest::newRow("code 6") << drive(6, true) << u"Unknown Disk"_qs;
+    QTest::newRow("code -1") << drive(-1, true) << u"Unknown Disk"_qs;
 }
 
 void tst_CommonFile::driveTypeName()
@@ -78,23 +79,23 @@ void tst_CommonFile::driveDisplayName_data()
 {
     QTest::addColumn<DriveInfo>("drive");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("fixed, volume name") << drive(2, true, "C", "System") << "System (C:)";
-    QTest::newRow("fixed, no volume name") << drive(2, true, "C") << "Local Disk (C:)";
-    QTest::newRow("volume name wins") << drive(2, true, "D", "Data") << "Data (D:)";
-    QTest::newRow("empty floppy") << drive(1, false, "A") << "(A:)";
-    QTest::newRow("empty floppy, stale volume") << drive(1, false, "A", "Old") << "(A:)";
-    QTest::newRow("cd-rom") << drive(4, true, "E") << "Compact Disk (E:)";
-    QTest::newRow("ram disk") << drive(5, true, "R") << "RAM Disk (R:)";
-    QTest::newRow("unknown") << drive(0, true, "Q") << "Unknown Disk (Q:)";
-    QTest::newRow("mapped share") << drive(3, true, "Z", "", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
-    QTest::newRow("share beats volume") << drive(3, true, "Z", "Vol", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
-    QTest::newRow("share not ready") << drive(3, false, "Z", "", "\\\\srv\\docs") << "docs on 'srv' (Z:)";
-    QTest::newRow("share, no letter") << drive(3, true, "", "", "\\\\srv\\docs") << "docs on 'srv' ";
-    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << "(Z:)";
-    QTest::newRow("remote not ready, no letter") << drive(3, false) << "";
-    QTest::newRow("remote ready, nothing else") << drive(3, true) << "Network Folder ";
-    QTest::newRow("mount, no letter") << drive(2, true, "", "home") << "home ";
-    QTest::newRow("ram mount, no name") << drive(5, true) << "RAM Disk ";
+    QTest::newRow("fixed, volume name") << drive(2, true, "C", "System") << u"System (C:)"_qs;
+    QTest::newRow("fixed, no volume name") << drive(2, true, "C") << u"Local Disk (C:)"_qs;
+    QTest::newRow("volume name wins") << drive(2, true, "D", "Data") << u"Data (D:)"_qs;
+    QTest::newRow("empty floppy") << drive(1, false, "A") << u"(A:)"_qs;
+    QTest::newRow("empty floppy, stale volume") << drive(1, false, "A", "Old") << u"(A:)"_qs;
+    QTest::newRow("cd-rom") << drive(4, true, "E") << u"Compact Disk (E:)"_qs;
+    QTest::newRow("ram disk") << drive(5, true, "R") << u"RAM Disk (R:)"_qs;
+    QTest::newRow("unknown") << drive(0, true, "Q") << u"Unknown Disk (Q:)"_qs;
+    QTest::newRow("mapped share") << drive(3, true, "Z", "", "\\\\srv\\docs") << u"docs on 'srv' (Z:)"_qs;
+    QTest::newRow("share beats volume") << drive(3, true, "Z", "Vol", "\\\\srv\\docs") << u"docs on 'srv' (Z:)"_qs;
+    QTest::newRow("share not ready") << drive(3, false, "Z", "", "\\\\srv\\docs") << u"docs on 'srv' (Z:)"_qs;
+    QTest::newRow("share, no letter") << drive(3, true, "", "", "\\\\srv\\docs") << u"docs on 'srv' "_qs;
+    QTest::newRow("remote not ready, letter") << drive(3, false, "Z") << u"(Z:)"_qs;
+    QTest::newRow("remote not ready, no letter") << drive(3, false) << u""_qs;
+    QTest::newRow("remote ready, nothing else") << drive(3, true) << u"Network Folder "_qs;
+    QTest::newRow("mount, no letter") << drive(2, true, "", "home") << u"home "_qs;
+    QTest::newRow("ram mount, no name") << drive(5, true) << u"RAM Disk "_qs;
 }
 
 void tst_CommonFile::driveDisplayName()
@@ -125,12 +126,10 @@ void tst_CommonFile::folderDisplayName()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString table = dir.filePath("mountinfo");
-    QFile file(table);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("27 1 8:2 / / rw - ext4 /dev/sda2 rw\n"
-               "30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n"
-               "40 27 0:41 / /mnt/share rw - cifs //winbox/public rw\n");
-    file.close();
+    QVERIFY(writeFile(table,
+        "27 1 8:2 / / rw - ext4 /dev/sda2 rw\n"
+        "30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n"
+        "40 27 0:41 / /mnt/share rw - cifs //winbox/public rw\n"));
 
     FileSystem::Probes probes;
     probes.mountInfoPath = table;
@@ -153,9 +152,7 @@ void tst_CommonFile::folderDisplayName()
     QCOMPARE(FolderDisplayName(QString("//"), fs), QString("Root "));
 
     // Without "/" among the drives, the root is a drive that no longer exists.
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write("30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n");
-    file.close();
+    QVERIFY(writeFile(table, "30 27 8:3 / /home rw - ext4 /dev/sda3 rw\n"));
     QCOMPARE(FolderDisplayName(QString("/"), fs), QString("Unknown drive or folder"));
 
     // A mount table that cannot be read: the caption is empty, nothing raised.
@@ -206,14 +203,12 @@ void tst_CommonFile::stripAtNull_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("no NUL") << "C:\\Windows"
-                            << "C:\\Windows";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("NUL inside") << QString::fromUtf16(u"abc\0def", 7) << "abc";
-    QTest::newRow("NUL first") << QString::fromUtf16(u"\0abc", 4) << "";
-    QTest::newRow("NUL last") << QString::fromUtf16(u"abc\0", 4) << "abc";
-    QTest::newRow("two NULs") << QString::fromUtf16(u"a\0b\0", 4) << "a";
+    QTest::newRow("no NUL") << u"C:\\Windows"_qs << u"C:\\Windows"_qs;
+    QTest::newRow("empty") << u""_qs << u""_qs;
+    QTest::newRow("NUL inside") << QString::fromUtf16(u"abc\0def", 7) << u"abc"_qs;
+    QTest::newRow("NUL first") << QString::fromUtf16(u"\0abc", 4) << u""_qs;
+    QTest::newRow("NUL last") << QString::fromUtf16(u"abc\0", 4) << u"abc"_qs;
+    QTest::newRow("two NULs") << QString::fromUtf16(u"a\0b\0", 4) << u"a"_qs;
 }
 
 void tst_CommonFile::stripAtNull()

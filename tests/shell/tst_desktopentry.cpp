@@ -66,18 +66,18 @@ void tst_DesktopEntry::splitExec_data()
     QTest::addColumn<QString>("exec");
     QTest::addColumn<QStringList>("expected");
     QTest::addColumn<bool>("valid");
-    QTest::newRow("plain") << "viewer %f" << QStringList{u"viewer"_qs, u"%f"_qs} << true;
-    QTest::newRow("runs of blanks") << "  a   b\tc  " << QStringList{u"a"_qs, u"b"_qs, u"c"_qs} << true;
-    QTest::newRow("quoted blank") << R"("/opt/my app/run" --x)" << QStringList{u"/opt/my app/run"_qs, u"--x"_qs}
+    QTest::newRow("plain") << u"viewer %f"_qs << QStringList{u"viewer"_qs, u"%f"_qs} << true;
+    QTest::newRow("runs of blanks") << u"  a   b\tc  "_qs << QStringList{u"a"_qs, u"b"_qs, u"c"_qs} << true;
+    QTest::newRow("quoted blank") << uR"("/opt/my app/run" --x)"_qs << QStringList{u"/opt/my app/run"_qs, u"--x"_qs}
                                   << true;
-    QTest::newRow("escapes in quotes") << R"(p "a \"q\" \$HOME \\ \`x\` \n")"
+    QTest::newRow("escapes in quotes") << uR"(p "a \"q\" \$HOME \\ \`x\` \n")"_qs
                                        << QStringList{u"p"_qs, uR"(a "q" $HOME \ `x` \n)"_qs} << true;
-    QTest::newRow("empty quoted") << R"(p "")" << QStringList{u"p"_qs, QString()} << true;
-    QTest::newRow("joined parts") << R"(pre"mid dle"post)" << QStringList{u"premid dlepost"_qs} << true;
-    QTest::newRow("backslash outside") << R"(a\ b c)" << QStringList{u"a b"_qs, u"c"_qs} << true;
-    QTest::newRow("unterminated") << R"(p "open)" << QStringList() << false;
-    QTest::newRow("empty") << "" << QStringList() << false;
-    QTest::newRow("blank") << "   " << QStringList() << false;
+    QTest::newRow("empty quoted") << uR"(p "")"_qs << QStringList{u"p"_qs, QString()} << true;
+    QTest::newRow("joined parts") << uR"(pre"mid dle"post)"_qs << QStringList{u"premid dlepost"_qs} << true;
+    QTest::newRow("backslash outside") << uR"(a\ b c)"_qs << QStringList{u"a b"_qs, u"c"_qs} << true;
+    QTest::newRow("unterminated") << uR"(p "open)"_qs << QStringList() << false;
+    QTest::newRow("empty") << u""_qs << QStringList() << false;
+    QTest::newRow("blank") << u"   "_qs << QStringList() << false;
 }
 
 void tst_DesktopEntry::splitExec()

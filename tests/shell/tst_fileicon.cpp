@@ -103,7 +103,7 @@ private:
 void tst_FileIcon::initTestCase()
 {
     QVERIFY(m_files.isValid());
-    QDir(m_files.path()).mkdir(QStringLiteral("sub"));
+    QDir(m_files.path()).mkdir(u"sub"_qs);
     for (const char *name : {"notes.txt", "photo.png", "README", "archive.tar.gz", "Mixed.TxT"}) {
         QFile file(m_files.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly));
@@ -115,14 +115,11 @@ void tst_FileIcon::typeKeys_data()
 {
     QTest::addColumn<QString>("relative");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("extension") << "notes.txt"
-                               << "txt";
-    QTest::newRow("case kept") << "Mixed.TxT"
-                               << "TxT";
-    QTest::newRow("last extension") << "archive.tar.gz"
-                                    << "gz";
-    QTest::newRow("no extension") << "README" << QString();
-    QTest::newRow("folder") << "sub" << FileTypes::instance().folderTypeText();
+    QTest::newRow("extension") << u"notes.txt"_qs << u"txt"_qs;
+    QTest::newRow("case kept") << u"Mixed.TxT"_qs << u"TxT"_qs;
+    QTest::newRow("last extension") << u"archive.tar.gz"_qs << u"gz"_qs;
+    QTest::newRow("no extension") << u"README"_qs << QString();
+    QTest::newRow("folder") << u"sub"_qs << FileTypes::instance().folderTypeText();
 }
 
 void tst_FileIcon::typeKeys()
@@ -132,12 +129,12 @@ void tst_FileIcon::typeKeys()
     const QString path = m_files.filePath(relative);
     for (const bool large : {false, true}) {
         PictureBox picture;
-        QString typeKey = QStringLiteral("stale");
+        QString typeKey = u"stale"_qs;
         DrawFileIcon(path, large, picture, typeKey, false);
         QCOMPARE(typeKey, expected);
         QVERIFY(!picture.picture().isNull()); // a file without extension still gets its picture
     }
-    QString viaPixmap = QStringLiteral("stale");
+    QString viaPixmap = u"stale"_qs;
     QVERIFY(!fileIconPixmap(path, 16, false, &viaPixmap).isNull());
     QCOMPARE(viaPixmap, expected);
 }
@@ -149,9 +146,8 @@ void tst_FileIcon::missingPathLeavesPictureUntouched()
     QPixmap before(10, 10);
     before.fill(Qt::red);
     picture.setPicture(before);
-    for (const QString &path :
-        {m_files.filePath(QStringLiteral("gone.txt")), QString(), m_files.filePath(QStringLiteral("nofolder/x.txt"))}) {
-        QString typeKey = QStringLiteral("stale");
+    for (const QString &path : {m_files.filePath(u"gone.txt"_qs), QString(), m_files.filePath(u"nofolder/x.txt"_qs)}) {
+        QString typeKey = u"stale"_qs;
         DrawFileIcon(path, true, picture, typeKey, false);
         QCOMPARE(typeKey, QString());
         QCOMPARE(picture.size(), QSize(70, 50));
@@ -184,7 +180,7 @@ void tst_FileIcon::drawSizesAndReplacesPicture()
     picture.setPicture(old);
     picture.fillBox(QRectF(0, 0, 5, 5), 0x0000FF);
     QString typeKey;
-    DrawFileIcon(m_files.filePath(QStringLiteral("notes.txt")), large, picture, typeKey, false);
+    DrawFileIcon(m_files.filePath(u"notes.txt"_qs), large, picture, typeKey, false);
     QCOMPARE(picture.scaleWidth(), pixels);
     QCOMPARE(picture.scaleHeight(), pixels);
     QCOMPARE(picture.picture().size(), QSize(pixels, pixels));
@@ -198,11 +194,11 @@ void tst_FileIcon::drawSizesAndReplacesPicture()
 void tst_FileIcon::pixmapsForEveryKind_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::newRow("txt") << m_files.filePath(QStringLiteral("notes.txt"));
-    QTest::newRow("png") << m_files.filePath(QStringLiteral("photo.png"));
-    QTest::newRow("no extension") << m_files.filePath(QStringLiteral("README"));
-    QTest::newRow("folder") << m_files.filePath(QStringLiteral("sub"));
-    QTest::newRow("drive") << QStringLiteral("/");
+    QTest::newRow("txt") << m_files.filePath(u"notes.txt"_qs);
+    QTest::newRow("png") << m_files.filePath(u"photo.png"_qs);
+    QTest::newRow("no extension") << m_files.filePath(u"README"_qs);
+    QTest::newRow("folder") << m_files.filePath(u"sub"_qs);
+    QTest::newRow("drive") << u"/"_qs;
 }
 
 void tst_FileIcon::pixmapsForEveryKind()
@@ -222,7 +218,7 @@ void tst_FileIcon::pixmapsForEveryKind()
 
 void tst_FileIcon::openFolderHasItsOwnPicture()
 {
-    const QString folder = m_files.filePath(QStringLiteral("sub"));
+    const QString folder = m_files.filePath(u"sub"_qs);
     QString closedKey;
     QString openKey;
     const QImage closed = fileIconPixmap(folder, 16, false, &closedKey).toImage();
@@ -230,12 +226,12 @@ void tst_FileIcon::openFolderHasItsOwnPicture()
     QCOMPARE(openKey, closedKey);
     QVERIFY(closed != open);
     // Files and drives have no open variant.
-    const QString file = m_files.filePath(QStringLiteral("notes.txt"));
+    const QString file = m_files.filePath(u"notes.txt"_qs);
     QCOMPARE(fileIconPixmap(file, 16, true).toImage(), fileIconPixmap(file, 16, false).toImage());
 
     QString driveKey;
-    fileIconPixmap(QStringLiteral("/"), 16, false, &driveKey);
-    QCOMPARE(driveKey, DriveTypeName(FileSystem::instance().getDrive(QStringLiteral("/"))));
+    fileIconPixmap(u"/"_qs, 16, false, &driveKey);
+    QCOMPARE(driveKey, DriveTypeName(FileSystem::instance().getDrive(u"/"_qs)));
     QVERIFY(!driveKey.isEmpty());
 }
 
@@ -254,8 +250,8 @@ void tst_FileIcon::everyDriveRootIsKeyedByItsType()
     QVERIFY(roots > 0);
     // A folder on a drive is a folder, whatever the drive.
     QString typeKey;
-    fileIconPixmap(QStringLiteral("/usr/bin"), 16, false, &typeKey);
-    if (!FileSystem::instance().driveExists(QStringLiteral("/usr/bin"))) {
+    fileIconPixmap(u"/usr/bin"_qs, 16, false, &typeKey);
+    if (!FileSystem::instance().driveExists(u"/usr/bin"_qs)) {
         QCOMPARE(typeKey, FileTypes::instance().folderTypeText());
     }
 }
@@ -335,28 +331,23 @@ void tst_FileIcon::ghostPictureBox()
 void tst_FileIcon::openPassesExactPath()
 {
     XdgTestSandbox sandbox;
-    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
-    sandbox.addEntry(
-        QStringLiteral("viewer.desktop"), QStringLiteral("kelo-viewer --view %f"), QStringLiteral("text/plain;"));
-    const QString file = sandbox.write(QStringLiteral("files/my notes (1).txt"), "text\n");
+    sandbox.addRecorder(u"kelo-viewer"_qs);
+    sandbox.addEntry(u"viewer.desktop"_qs, u"kelo-viewer --view %f"_qs, u"text/plain;"_qs);
+    const QString file = sandbox.write(u"files/my notes (1).txt"_qs, "text\n");
     BoxRecorder boxes;
-    int zombies = -1;
-    int children = -1;
     OpenWithAssociatedApp(file, nullptr, false);
-    XdgTestSandbox::countChildren(zombies, children);
-    QCOMPARE(zombies, 0);
-    QCOMPARE(children, 0); // started detached: not a child of this process
+    QCOMPARE(XdgTestSandbox::childCount(), 0); // started detached: not a child of this process
     QCOMPARE(boxes.prompts, QStringList());
-    const QList<QByteArray> arguments = sandbox.waitForArguments(QStringLiteral("kelo-viewer"));
+    const QList<QByteArray> arguments = sandbox.waitForArguments(u"kelo-viewer"_qs);
     QCOMPARE(arguments, (QList<QByteArray>{"--view", QFile::encodeName(file)}));
 }
 
 void tst_FileIcon::openPassesInvalidUtf8NameByteExact()
 {
     XdgTestSandbox sandbox;
-    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
-    sandbox.addEntry(QStringLiteral("viewer.desktop"), QStringLiteral("kelo-viewer %U"), QStringLiteral("text/plain"));
-    const QByteArray folder = QFile::encodeName(sandbox.path(QStringLiteral("files")));
+    sandbox.addRecorder(u"kelo-viewer"_qs);
+    sandbox.addEntry(u"viewer.desktop"_qs, u"kelo-viewer %U"_qs, u"text/plain"_qs);
+    const QByteArray folder = QFile::encodeName(sandbox.path(u"files"_qs));
     const QByteArray bytes = folder + "/bad\xff\xfe-\xc3(name.txt";
     const int fd = ::open(bytes.constData(), O_CREAT | O_WRONLY, 0644);
     QVERIFY(fd >= 0);
@@ -364,15 +355,15 @@ void tst_FileIcon::openPassesInvalidUtf8NameByteExact()
     const auto removeFile = qScopeGuard([&bytes] { ::unlink(bytes.constData()); });
     QCOMPARE(::write(fd, "x\n", 2), ssize_t(2));
     ::close(fd);
-    const QString path = QFile::decodeName(folder) + QStringLiteral("/bad") + invalidByte(0xFF) + invalidByte(0xFE)
-        + QStringLiteral("-") + invalidByte(0xC3) + QStringLiteral("(name.txt");
+    const QString path = QFile::decodeName(folder) + u"/bad"_qs + invalidByte(0xFF) + invalidByte(0xFE) + u"-"_qs
+        + invalidByte(0xC3) + u"(name.txt"_qs;
 
     QCOMPARE(path, FileNameCodec::decode(bytes));
     QCOMPARE(shellExecute(path, false), ShellResult::Success);
-    QCOMPARE(sandbox.waitForArguments(QStringLiteral("kelo-viewer")), QList<QByteArray>{bytes});
+    QCOMPARE(sandbox.waitForArguments(u"kelo-viewer"_qs), QList<QByteArray>{bytes});
     QString typeKey;
     QVERIFY(!fileIconPixmap(path, 16, false, &typeKey).isNull());
-    QCOMPARE(typeKey, QStringLiteral("txt"));
+    QCOMPARE(typeKey, u"txt"_qs);
 }
 
 void tst_FileIcon::openFailuresShowTheirBox_data()
@@ -380,11 +371,11 @@ void tst_FileIcon::openFailuresShowTheirBox_data()
     QTest::addColumn<QString>("relative");
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("text");
-    QTest::newRow("no association") << "files/data.kelonoassoc" << 31 << "No application associated with file";
-    QTest::newRow("missing file") << "files/gone.txt" << 2 << "Unable to find file";
-    QTest::newRow("missing folder") << "nofolder/gone.txt" << 3 << "Unable to find file";
-    QTest::newRow("program missing") << "files/page.html" << 31 << "No application associated with file";
-    QTest::newRow("malformed Exec") << "files/sheet.csv" << 31 << "No application associated with file";
+    QTest::newRow("no association") << u"files/data.kelonoassoc"_qs << 31 << u"No application associated with file"_qs;
+    QTest::newRow("missing file") << u"files/gone.txt"_qs << 2 << u"Unable to find file"_qs;
+    QTest::newRow("missing folder") << u"nofolder/gone.txt"_qs << 3 << u"Unable to find file"_qs;
+    QTest::newRow("program missing") << u"files/page.html"_qs << 31 << u"No application associated with file"_qs;
+    QTest::newRow("malformed Exec") << u"files/sheet.csv"_qs << 31 << u"No application associated with file"_qs;
 }
 
 void tst_FileIcon::openFailuresShowTheirBox()
@@ -397,10 +388,9 @@ void tst_FileIcon::openFailuresShowTheirBox()
         sandbox.write(QString::fromLatin1(name), "\x01\x02 binary\n");
     }
     // Entries that cannot run are passed over as if they were not there.
-    sandbox.addEntry(
-        QStringLiteral("ghost.desktop"), QStringLiteral("kelo-no-such-program %f"), QStringLiteral("text/html;"));
-    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
-    sandbox.addEntry(QStringLiteral("broken.desktop"), QStringLiteral("kelo-viewer \"%f"), QStringLiteral("text/csv;"));
+    sandbox.addEntry(u"ghost.desktop"_qs, u"kelo-no-such-program %f"_qs, u"text/html;"_qs);
+    sandbox.addRecorder(u"kelo-viewer"_qs);
+    sandbox.addEntry(u"broken.desktop"_qs, u"kelo-viewer \"%f"_qs, u"text/csv;"_qs);
     const QString path = sandbox.path(relative);
     BoxRecorder boxes;
     OpenWithAssociatedApp(path, nullptr, false);
@@ -424,43 +414,39 @@ void tst_FileIcon::emptyPathDoesNothing()
 void tst_FileIcon::printFeedsFileToLp()
 {
     XdgTestSandbox sandbox;
-    sandbox.addRecorder(QStringLiteral("lp"), true);
+    sandbox.addRecorder(u"lp"_qs, true);
     const char raw[] = "page one\n\x00\xff binary tail";
     const QByteArray content(raw, sizeof raw - 1);
-    const QString file = sandbox.write(QStringLiteral("files/-report.txt"), content);
+    const QString file = sandbox.write(u"files/-report.txt"_qs, content);
     BoxRecorder boxes;
     OpenWithAssociatedApp(file, nullptr, true);
     QCOMPARE(boxes.prompts, QStringList());
     // Printing waits for lp: the record is there when the call returns.
-    QVERIFY(QFile::exists(sandbox.recordPath(QStringLiteral("lp"))));
-    QCOMPARE(sandbox.waitForArguments(QStringLiteral("lp")), (QList<QByteArray>{"-t", "-report.txt"}));
-    QCOMPARE(sandbox.readRecord(QStringLiteral("lp"), ".stdin"), content);
-    int zombies = -1;
-    int children = -1;
-    XdgTestSandbox::countChildren(zombies, children);
-    QCOMPARE(zombies, 0);
-    QCOMPARE(children, 0);
+    QVERIFY(QFile::exists(sandbox.recordPath(u"lp"_qs)));
+    QCOMPARE(sandbox.waitForArguments(u"lp"_qs), (QList<QByteArray>{"-t", "-report.txt"}));
+    QCOMPARE(sandbox.readRecord(u"lp"_qs, ".stdin"), content);
+    QCOMPARE(XdgTestSandbox::childCount(), 0);
 }
 
 void tst_FileIcon::printFailures()
 {
     XdgTestSandbox sandbox;
-    const QString file = sandbox.write(QStringLiteral("files/report.txt"), "text\n");
+    const QString file = sandbox.write(u"files/report.txt"_qs, "text\n");
     BoxRecorder boxes;
 
     // No lp at all: PATH holds only the sandbox's bin folder.
     const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", QFile::encodeName(sandbox.path(QStringLiteral("bin"))));
+    qputenv("PATH", QFile::encodeName(sandbox.path(u"bin"_qs)));
     OpenWithAssociatedApp(file, nullptr, true);
     qputenv("PATH", path);
 
     // lp that reports an error.
-    sandbox.addRecorder(QStringLiteral("lp"), true, 1);
+    sandbox.addRecorder(u"lp"_qs, true, 1);
     OpenWithAssociatedApp(file, nullptr, true);
 
     // A folder and a missing file.
-    OpenWithAssociatedApp(sandbox.path(QStringLiteral("files")), nullptr, true);
-    OpenWithAssociatedApp(sandbox.path(QStringLiteral("files/none.txt")), nullptr, true);
+    OpenWithAssociatedApp(sandbox.path(u"files"_qs), nullptr, true);
+    OpenWithAssociatedApp(sandbox.path(u"files/none.txt"_qs), nullptr, true);
 
     QCOMPARE(boxes.prompts,
         (QStringList{u"Error 31: No application associated with file '"_qs + file + u"'"_qs,

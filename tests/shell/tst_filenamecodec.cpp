@@ -60,9 +60,9 @@ void tst_FileNameCodec::decode_data()
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("ascii") << QByteArray("report 2024.txt") << QStringLiteral("report 2024.txt");
+    QTest::newRow("ascii") << QByteArray("report 2024.txt") << u"report 2024.txt"_qs;
     QTest::newRow("ascii, long (word loop)")
-        << QByteArray("abcdefghijklmnopqrstuvwxyz0123456789") << QStringLiteral("abcdefghijklmnopqrstuvwxyz0123456789");
+        << QByteArray("abcdefghijklmnopqrstuvwxyz0123456789") << u"abcdefghijklmnopqrstuvwxyz0123456789"_qs;
     QTest::newRow("two-byte") << bytes("43 61 66 C3 A9") << QStringLiteral(u"Café");
     QTest::newRow("three-byte") << bytes("E2 82 AC") << QStringLiteral(u"€");
     QTest::newRow("four-byte") << bytes("F0 9F 98 80") << QString::fromUcs4(U"\U0001F600", 1);
@@ -70,7 +70,7 @@ void tst_FileNameCodec::decode_data()
     QTest::newRow("last before surrogates") << bytes("ED 9F BF") << units({0xD7FF});
     QTest::newRow("first after surrogates") << bytes("EE 80 80") << units({0xE000});
     QTest::newRow("high byte in ascii text, late")
-        << bytes("61 62 63 64 65 66 67 68 FF") << QStringLiteral("abcdefgh") + units({0xDCFF});
+        << bytes("61 62 63 64 65 66 67 68 FF") << u"abcdefgh"_qs + units({0xDCFF});
     QTest::newRow("FF") << bytes("FF") << units({0xDCFF});
     QTest::newRow("lone continuation") << bytes("61 80 62") << units({'a', 0xDC80, 'b'});
     QTest::newRow("overlong NUL C0 80") << bytes("C0 80") << units({0xDCC0, 0xDC80});
@@ -129,10 +129,10 @@ void tst_FileNameCodec::randomBytesRoundTrip()
         const QString name = FileNameCodec::decode(input);
         const QByteArray back = FileNameCodec::encode(name);
         if (back != input)
-            QFAIL(qPrintable(QStringLiteral("bytes %1 came back as %2")
-                                 .arg(QString::fromLatin1(input.toHex(' ')), QString::fromLatin1(back.toHex(' ')))));
+            QFAIL(qPrintable(u"bytes %1 came back as %2"_qs.arg(
+                QString::fromLatin1(input.toHex(' ')), QString::fromLatin1(back.toHex(' ')))));
         if (FileNameCodec::decode(back) != name)
-            QFAIL(qPrintable(QStringLiteral("name of %1 changed").arg(QString::fromLatin1(input.toHex(' ')))));
+            QFAIL(qPrintable(u"name of %1 changed"_qs.arg(QString::fromLatin1(input.toHex(' ')))));
         // Whatever was valid UTF-8 decodes exactly as UTF-8 does.
         const bool escaped = std::any_of(
             name.cbegin(), name.cend(), [](QChar c) { return c.unicode() >= 0xDC80 && c.unicode() <= 0xDCFF; });
@@ -172,7 +172,7 @@ void tst_FileNameCodec::emptyAndNullInput()
     QVERIFY(FileNameCodec::decode("abc", 0).isEmpty());
     QVERIFY(FileNameCodec::decode("abc", -1).isEmpty());
     QVERIFY(FileNameCodec::encode(QString()).isEmpty());
-    QCOMPARE(FileNameCodec::decode("abc", 2), QStringLiteral("ab"));
+    QCOMPARE(FileNameCodec::decode("abc", 2), u"ab"_qs);
 }
 
 QTEST_APPLESS_MAIN(tst_FileNameCodec)

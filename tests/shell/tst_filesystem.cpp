@@ -10,6 +10,7 @@
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
+using KeloTest::writeFile;
 
 namespace {
 
@@ -77,12 +78,6 @@ FileSystem fileSystemOver(const QString &mountInfoPath)
     return FileSystem(probes);
 }
 
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
 } // namespace
 
 class tst_FileSystem : public QObject
@@ -113,67 +108,27 @@ void tst_FileSystem::parseMountInfo_data()
     QTest::addColumn<QString>("volume");
     QTest::addColumn<QString>("fileSystem");
     QTest::addColumn<QString>("device");
-
-    QTest::newRow("root") << "/" << 2 << true << ""
-                          << "Root"
-                          << "ext4"
-                          << "/dev/sda2";
-    QTest::newRow("home by label") << "/home" << 2 << true << ""
-                                   << "Home"
-                                   << "ext4"
-                                   << "/dev/sda3";
-    QTest::newRow("tmp in memory") << "/tmp" << 5 << true << ""
-                                   << "tmp"
-                                   << "tmpfs"
-                                   << "tmpfs";
-    QTest::newRow("nfs") << "/mnt/nfs" << 3 << true << "\\\\fileserver\\export/docs"
-                         << "nfs"
-                         << "nfs4"
-                         << "fileserver:/export/docs";
-    QTest::newRow("cifs") << "/mnt/share" << 3 << true << "\\\\winbox\\public"
-                          << "share"
-                          << "cifs"
-                          << "//winbox/public";
-    QTest::newRow("iso9660, escaped blank") << "/media/user/UBUNTU 22_04" << 4 << true << ""
-                                            << "Ubuntu 22.04 LTS"
-                                            << "iso9660"
-                                            << "/dev/sr0";
-    QTest::newRow("usb stick") << "/media/user/STICK" << 1 << true << ""
-                               << "STICK"
-                               << "vfat"
-                               << "/dev/sdb1";
-    QTest::newRow("escaped mount point") << "/mnt/my disk" << 2 << true << ""
-                                         << "my disk"
-                                         << "ext4"
-                                         << "/dev/sdc1";
-    QTest::newRow("sshfs") << "/home/user/remote" << 3 << true << "\\\\build.example.org\\srv/projects"
-                           << "remote"
-                           << "fuse.sshfs"
-                           << "alice@build.example.org:/srv/projects";
-    QTest::newRow("bind of labelled fs") << "/srv" << 2 << true << ""
-                                         << "srv"
-                                         << "ext4"
-                                         << "/dev/sda3";
-    QTest::newRow("nfs not answering") << "/mnt/nfs-down" << 3 << false << "\\\\oldserver\\vol"
-                                       << "nfs-down"
-                                       << "nfs"
-                                       << "oldserver:/vol";
-    QTest::newRow("over-mounted, top wins") << "/mnt/data" << 5 << true << ""
-                                            << "data"
-                                            << "tmpfs"
-                                            << "tmpfs";
-    QTest::newRow("unknown") << "/mnt/weird" << 0 << true << ""
-                             << "weird"
-                             << "mysteryfs"
-                             << "none";
-    QTest::newRow("same name, first") << "/mnt/usb/backup" << 2 << true << ""
-                                      << "/mnt/usb/backup"
-                                      << "ext4"
-                                      << "/dev/sde1";
-    QTest::newRow("same name, second") << "/var/backup" << 2 << true << ""
-                                       << "/var/backup"
-                                       << "xfs"
-                                       << "/dev/sdf1";
+    const auto row = [](const char *name, const char *root, int type, bool ready, const char *share, const char *volume,
+                         const char *fileSystem, const char *device) {
+        QTest::newRow(name) << QString(root) << type << ready << QString(share) << QString(volume)
+                            << QString(fileSystem) << QString(device);
+    };
+    row("root", "/", 2, true, "", "Root", "ext4", "/dev/sda2");
+    row("home by label", "/home", 2, true, "", "Home", "ext4", "/dev/sda3");
+    row("tmp in memory", "/tmp", 5, true, "", "tmp", "tmpfs", "tmpfs");
+    row("nfs", "/mnt/nfs", 3, true, "\\\\fileserver\\export/docs", "nfs", "nfs4", "fileserver:/export/docs");
+    row("cifs", "/mnt/share", 3, true, "\\\\winbox\\public", "share", "cifs", "//winbox/public");
+    row("iso9660, escaped blank", "/media/user/UBUNTU 22_04", 4, true, "", "Ubuntu 22.04 LTS", "iso9660", "/dev/sr0");
+    row("usb stick", "/media/user/STICK", 1, true, "", "STICK", "vfat", "/dev/sdb1");
+    row("escaped mount point", "/mnt/my disk", 2, true, "", "my disk", "ext4", "/dev/sdc1");
+    row("sshfs", "/home/user/remote", 3, true, "\\\\build.example.org\\srv/projects", "remote", "fuse.sshfs",
+        "alice@build.example.org:/srv/projects");
+    row("bind of labelled fs", "/srv", 2, true, "", "srv", "ext4", "/dev/sda3");
+    row("nfs not answering", "/mnt/nfs-down", 3, false, "\\\\oldserver\\vol", "nfs-down", "nfs", "oldserver:/vol");
+    row("over-mounted, top wins", "/mnt/data", 5, true, "", "data", "tmpfs", "tmpfs");
+    row("unknown", "/mnt/weird", 0, true, "", "weird", "mysteryfs", "none");
+    row("same name, first", "/mnt/usb/backup", 2, true, "", "/mnt/usb/backup", "ext4", "/dev/sde1");
+    row("same name, second", "/var/backup", 2, true, "", "/var/backup", "xfs", "/dev/sdf1");
 }
 
 void tst_FileSystem::parseMountInfo()
@@ -248,30 +203,21 @@ void tst_FileSystem::shareNameFromSource_data()
 {
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("share");
-    QTest::newRow("smb") << "//srv/docs"
-                         << "\\\\srv\\docs";
-    QTest::newRow("smb, sub-folder") << "//srv/docs/sub"
-                                     << "\\\\srv\\docs\\sub";
-    QTest::newRow("backslashes kept") << "\\\\srv\\docs"
-                                      << "\\\\srv\\docs";
-    QTest::newRow("nfs") << "srv:/export/docs"
-                         << "\\\\srv\\export/docs";
-    QTest::newRow("sshfs user") << "user@host:/p"
-                                << "\\\\host\\p";
-    QTest::newRow("sshfs home") << "user@host:"
-                                << "\\\\host\\";
-    QTest::newRow("ipv6 nfs") << "[fe80::1]:/vol"
-                              << "\\\\[fe80::1]\\vol";
-    QTest::newRow("webdav") << "https://cloud.example.org/dav/files"
-                            << "\\\\cloud.example.org\\dav/files";
-    QTest::newRow("plain word") << "hostshare"
-                                << "";
-    QTest::newRow("device") << "/dev/sda1"
-                            << "";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("leading colon") << ":/x"
-                                   << "";
+    const auto row = [](const char *name, const char *source, const char *share) {
+        QTest::newRow(name) << QString(source) << QString(share);
+    };
+    row("smb", "//srv/docs", "\\\\srv\\docs");
+    row("smb, sub-folder", "//srv/docs/sub", "\\\\srv\\docs\\sub");
+    row("backslashes kept", "\\\\srv\\docs", "\\\\srv\\docs");
+    row("nfs", "srv:/export/docs", "\\\\srv\\export/docs");
+    row("sshfs user", "user@host:/p", "\\\\host\\p");
+    row("sshfs home", "user@host:", "\\\\host\\");
+    row("ipv6 nfs", "[fe80::1]:/vol", "\\\\[fe80::1]\\vol");
+    row("webdav", "https://cloud.example.org/dav/files", "\\\\cloud.example.org\\dav/files");
+    row("plain word", "hostshare", "");
+    row("device", "/dev/sda1", "");
+    row("empty", "", "");
+    row("leading colon", ":/x", "");
 }
 
 void tst_FileSystem::shareNameFromSource()

@@ -22,21 +22,13 @@
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
+using KeloTest::writeFile;
 
 namespace {
 
 QByteArray raw(const QString &path)
 {
     return FileNameCodec::encode(path);
-}
-
-bool writeBytes(const QString &path, const QByteArray &content)
-{
-    const int fd = ::open(raw(path).constData(), O_CREAT | O_WRONLY | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0)
-        return false;
-    const bool written = ::write(fd, content.constData(), size_t(content.size())) == content.size();
-    return ::close(fd) == 0 && written;
 }
 
 bool makeFolder(const QString &path)
@@ -140,7 +132,7 @@ void tst_FolderListing::orderWithoutCase()
     const QStringList files = {"b", "A", "a", "C", "abcdefghijklmnopq", "ABCDEFGHIJKLMNOPQ", "abcdefghijklmnop",
         "document_long_name_2", "Document_Long_Name_10", "document_long_name_1", "file9", "file10", "a_b", "a.b"};
     for (const QString &name : files)
-        QVERIFY(writeBytes(dir.filePath(name), QByteArray()));
+        QVERIFY(writeFile(dir.filePath(name), QByteArray()));
     for (const char *name : {"zeta", "Alpha", "beta", "BETA2"})
         QVERIFY(makeFolder(dir.filePath(name)));
 
@@ -173,7 +165,7 @@ void tst_FolderListing::orderMatchesReference()
             name += pieces.at(random.bounded(pieces.size()));
         if (name == "." || name == ".." || created.contains(name))
             continue;
-        QVERIFY2(writeBytes(dir.filePath(name), QByteArray()), qPrintable(name));
+        QVERIFY2(writeFile(dir.filePath(name), QByteArray()), qPrintable(name));
         created.append(name);
     }
     std::sort(created.begin(), created.end(), referenceBefore);
@@ -184,11 +176,11 @@ void tst_FolderListing::sizesAndDates()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeBytes(dir.filePath("empty"), QByteArray()));
-    QVERIFY(writeBytes(dir.filePath("one"), QByteArray("x")));
-    QVERIFY(writeBytes(dir.filePath("kilo"), QByteArray(1025, 'k')));
+    QVERIFY(writeFile(dir.filePath("empty"), QByteArray()));
+    QVERIFY(writeFile(dir.filePath("one"), QByteArray("x")));
+    QVERIFY(writeFile(dir.filePath("kilo"), QByteArray(1025, 'k')));
     QVERIFY(makeFolder(dir.filePath("sub")));
-    QVERIFY(writeBytes(dir.filePath("sub/inside"), QByteArray(5000, 'i')));
+    QVERIFY(writeFile(dir.filePath("sub/inside"), QByteArray(5000, 'i')));
     const qint64 before = QDateTime::currentMSecsSinceEpoch();
     QVERIFY(setTimes(dir.filePath("one"), accessedMs, modifiedMs));
     QVERIFY(setTimes(dir.filePath("sub"), accessedMs, modifiedMs));
@@ -230,7 +222,7 @@ void tst_FolderListing::creationTimeFallback()
 
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeBytes(dir.filePath("new"), "n"));
+    QVERIFY(writeFile(dir.filePath("new"), "n"));
     const std::optional<FileEntry> fresh = FileSystem::instance().entry(dir.filePath("new"));
     QVERIFY(fresh);
     if (!fresh->createdKnown)
@@ -241,10 +233,10 @@ void tst_FolderListing::attributes()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeBytes(dir.filePath("plain.txt"), "plain"));
-    QVERIFY(writeBytes(dir.filePath(".dotfile"), "dot"));
-    QVERIFY(writeBytes(dir.filePath("locked.txt"), "locked"));
-    QVERIFY(writeBytes(dir.filePath("unlocked.txt"), "unlocked"));
+    QVERIFY(writeFile(dir.filePath("plain.txt"), "plain"));
+    QVERIFY(writeFile(dir.filePath(".dotfile"), "dot"));
+    QVERIFY(writeFile(dir.filePath("locked.txt"), "locked"));
+    QVERIFY(writeFile(dir.filePath("unlocked.txt"), "unlocked"));
     QVERIFY(::chmod(raw(dir.filePath("locked.txt")).constData(), 0444) == 0);
     QVERIFY(::chmod(raw(dir.filePath("unlocked.txt")).constData(), 0444) == 0);
     QVERIFY(::chmod(raw(dir.filePath("unlocked.txt")).constData(), 0644) == 0);
@@ -297,9 +289,9 @@ void tst_FolderListing::hiddenListFile()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     for (const char *name : {"listed.txt", "blanks.txt", "tab.txt", "listed", "other.txt", "crlf.txt"})
-        QVERIFY(writeBytes(dir.filePath(name), "x"));
+        QVERIFY(writeFile(dir.filePath(name), "x"));
     QVERIFY(makeFolder(dir.filePath("listed folder")));
-    QVERIFY(writeBytes(dir.filePath(".hidden"),
+    QVERIFY(writeFile(dir.filePath(".hidden"),
         "listed.txt\nblanks.txt   \ntab.txt\t\n\n\r\nlisted folder\r\ncrlf.txt\r\nnot there\nlisted.txt"));
 
     const FolderContents contents = FileSystem::instance().listFolder(dir.path());
@@ -346,7 +338,8 @@ void tst_FolderListing::pseudoFileSystemMountsAreSystem()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     QVERIFY(makeLink("/proc", dir.filePath("to proc")));
-    const FileEntry *link = findEntry(FileSystem::instance().listFolder(dir.path()).folders, "to proc");
+    const FolderContents withLink = FileSystem::instance().listFolder(dir.path());
+    const FileEntry *link = findEntry(withLink.folders, "to proc");
     QVERIFY(link);
     QCOMPARE(link->attributes & (FileAttribute::System | FileAttribute::Alias | FileAttribute::Directory),
         FileAttribute::System | FileAttribute::Alias | FileAttribute::Directory);
@@ -356,7 +349,7 @@ void tst_FolderListing::errors()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeBytes(dir.filePath("file.txt"), "x"));
+    QVERIFY(writeFile(dir.filePath("file.txt"), "x"));
     const FileSystem &fileSystem = FileSystem::instance();
     QCOMPARE(errorNumberOf([&] { fileSystem.listFolder(dir.filePath("missing")); }), ErrorNumber::PathNotFound);
     QCOMPARE(errorNumberOf([&] { fileSystem.listFolder(dir.filePath("missing/deeper")); }), ErrorNumber::PathNotFound);
@@ -375,11 +368,11 @@ void tst_FolderListing::unreadableFolder()
     QVERIFY(dir.isValid());
     QVERIFY(::chmod(raw(dir.path()).constData(), 0755) == 0);
     QVERIFY(makeFolder(dir.filePath("closed")));
-    QVERIFY(writeBytes(dir.filePath("closed/secret"), "s"));
+    QVERIFY(writeFile(dir.filePath("closed/secret"), "s"));
     QVERIFY(::chmod(raw(dir.filePath("closed")).constData(), 0000) == 0);
     // Names can be read, but not looked up.
     QVERIFY(makeFolder(dir.filePath("names only")));
-    QVERIFY(writeBytes(dir.filePath("names only/secret"), "s"));
+    QVERIFY(writeFile(dir.filePath("names only/secret"), "s"));
     QVERIFY(::chmod(raw(dir.filePath("names only")).constData(), 0444) == 0);
 
     const FileSystem &fileSystem = FileSystem::instance();
@@ -444,7 +437,7 @@ void tst_FolderListing::invalidUtf8Names()
     QVERIFY(!fileSystem.folderExists(path));
     QCOMPARE(fileSystem.entry(path)->name, name);
     QCOMPARE(fileSystem.fileSize(path), 5);
-    QCOMPARE(FileSystem::extensionName(path), QStringLiteral("txt"));
+    QCOMPARE(FileSystem::extensionName(path), u"txt"_qs);
     fd = ::open(raw(path).constData(), O_RDONLY | O_CLOEXEC);
     QVERIFY(fd >= 0);
     char content[8] = {};
@@ -467,7 +460,7 @@ void tst_FolderListing::entryAndExistence()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeBytes(dir.filePath("file.txt"), "12345"));
+    QVERIFY(writeFile(dir.filePath("file.txt"), "12345"));
     QVERIFY(makeFolder(dir.filePath("folder")));
     QVERIFY(makeLink(dir.filePath("folder"), dir.filePath("folder link")));
     QVERIFY(makeLink(dir.filePath("file.txt"), dir.filePath("file link")));
@@ -476,7 +469,7 @@ void tst_FolderListing::entryAndExistence()
 
     const std::optional<FileEntry> file = fileSystem.entry(dir.filePath("file.txt"));
     QVERIFY(file);
-    QCOMPARE(file->name, QStringLiteral("file.txt"));
+    QCOMPARE(file->name, u"file.txt"_qs);
     QCOMPARE(file->size, 5);
     QCOMPARE(file->attributes, FileAttribute::Archive);
     // The same record as in the listing.
@@ -484,12 +477,12 @@ void tst_FolderListing::entryAndExistence()
 
     const std::optional<FileEntry> folder = fileSystem.entry(dir.filePath("folder") + "/");
     QVERIFY(folder);
-    QCOMPARE(folder->name, QStringLiteral("folder"));
+    QCOMPARE(folder->name, u"folder"_qs);
     QCOMPARE(folder->attributes, FileAttribute::Directory);
     QCOMPARE(
         fileSystem.entry(dir.filePath("folder link"))->attributes, FileAttribute::Directory | FileAttribute::Alias);
     QCOMPARE(fileSystem.entry(dir.filePath("broken"))->attributes, FileAttribute::System | FileAttribute::Alias);
-    QCOMPARE(fileSystem.entry(dir.filePath("folder/../file.txt"))->name, QStringLiteral("file.txt"));
+    QCOMPARE(fileSystem.entry(dir.filePath("folder/../file.txt"))->name, u"file.txt"_qs);
     QVERIFY(!fileSystem.entry(dir.filePath("missing")));
     QVERIFY(!fileSystem.entry(dir.filePath("file.txt/below")));
     QVERIFY(!fileSystem.entry(QString()));
@@ -529,10 +522,10 @@ void tst_FolderListing::fileCount()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     for (const char *name : {"a", "b", ".c"})
-        QVERIFY(writeBytes(dir.filePath(name), "x"));
+        QVERIFY(writeFile(dir.filePath(name), "x"));
     QVERIFY(makeFolder(dir.filePath("sub1")));
     QVERIFY(makeFolder(dir.filePath("sub2")));
-    QVERIFY(writeBytes(dir.filePath("sub1/deeper"), "not counted"));
+    QVERIFY(writeFile(dir.filePath("sub1/deeper"), "not counted"));
     QVERIFY(makeLink(dir.filePath("sub1"), dir.filePath("folder link")));
     QVERIFY(makeLink(dir.filePath("a"), dir.filePath("file link")));
     QVERIFY(makeLink(dir.filePath("gone"), dir.filePath("broken")));

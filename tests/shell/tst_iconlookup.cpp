@@ -7,18 +7,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
+using KeloTest::centreOf;
+using KeloTest::writeFile;
 using BuiltinIcon = IconLookup::BuiltinIcon;
 
 namespace {
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
 
 void writePng(const QString &path, int size, QColor colour)
 {
@@ -26,12 +22,6 @@ void writePng(const QString &path, int size, QColor colour)
     QImage image(size, size, QImage::Format_ARGB32);
     image.fill(colour);
     QVERIFY(image.save(path, "PNG"));
-}
-
-QRgb centre(const QPixmap &pixmap)
-{
-    const QImage image = pixmap.toImage();
-    return image.pixel(image.width() / 2, image.height() / 2);
 }
 
 } // namespace
@@ -59,7 +49,7 @@ void tst_IconLookup::initTestCase()
 {
     QVERIFY(m_root.isValid());
     const QString adwaita = m_root.filePath(u"Adwaita"_qs);
-    writeFile(adwaita + u"/index.theme"_qs,
+    QVERIFY(writeFile(adwaita + u"/index.theme"_qs,
         "[Icon Theme]\nName=Test\nInherits=hicolor\n"
         "Directories=16x16/places,32x32/places,scalable/places,16x16/apps,16x16@2/places,22x22/devices\n\n"
         "[16x16/places]\nContext=Places\nSize=16\nType=Fixed\n\n"
@@ -67,17 +57,17 @@ void tst_IconLookup::initTestCase()
         "[scalable/places]\nContext=Places\nSize=16\nMinSize=8\nMaxSize=512\nType=Scalable\n\n"
         "[16x16/apps]\nContext=Applications\nSize=16\nType=Fixed\n\n"
         "[16x16@2/places]\nContext=Places\nSize=16\nScale=2\nType=Fixed\n\n"
-        "[22x22/devices]\nContext=Devices\nSize=22\nThreshold=3\n");
+        "[22x22/devices]\nContext=Devices\nSize=22\nThreshold=3\n"));
     writePng(adwaita + u"/16x16/places/folder.png"_qs, 16, Qt::red);
     writePng(adwaita + u"/32x32/places/folder.png"_qs, 32, Qt::green);
     writePng(adwaita + u"/16x16/places/small-only.png"_qs, 16, Qt::blue);
     writePng(adwaita + u"/16x16/apps/app-icon.png"_qs, 16, Qt::red);
     writePng(adwaita + u"/16x16@2/places/doubled.png"_qs, 32, Qt::red);
     writePng(adwaita + u"/22x22/devices/threshold.png"_qs, 22, Qt::cyan);
-    writeFile(adwaita + u"/scalable/places/vector.svg"_qs,
+    QVERIFY(writeFile(adwaita + u"/scalable/places/vector.svg"_qs,
         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"16\">"
-        "<rect width=\"16\" height=\"16\" fill=\"#ffff00\"/></svg>");
-    writeFile(adwaita + u"/16x16/places/broken.png"_qs, "not a picture");
+        "<rect width=\"16\" height=\"16\" fill=\"#ffff00\"/></svg>"));
+    QVERIFY(writeFile(adwaita + u"/16x16/places/broken.png"_qs, "not a picture"));
     // hicolor without index.theme: found by its folder layout.
     const QString hicolor = m_root.filePath(u"hicolor"_qs);
     writePng(hicolor + u"/48x48/mimetypes/text-x-kelo.png"_qs, 48, Qt::magenta);
@@ -115,8 +105,8 @@ void tst_IconLookup::choosesBestFile()
 void tst_IconLookup::pixmapsAreExactSquares()
 {
     std::unique_ptr<IconLookup> lookup(makeLookup());
-    QCOMPARE(centre(lookup->pixmap(u"folder"_qs, 16)), qRgb(255, 0, 0));
-    QCOMPARE(centre(lookup->pixmap(u"folder"_qs, 32)), qRgb(0, 255, 0));
+    QCOMPARE(centreOf(lookup->pixmap(u"folder"_qs, 16)), qRgb(255, 0, 0));
+    QCOMPARE(centreOf(lookup->pixmap(u"folder"_qs, 32)), qRgb(0, 255, 0));
     for (const auto &[name, size, colour] :
         {std::tuple{u"small-only"_qs, 32, qRgb(0, 0, 255)}, std::tuple{u"vector"_qs, 48, qRgb(255, 255, 0)},
             std::tuple{u"text-x-kelo"_qs, 16, qRgb(255, 0, 255)}, std::tuple{u"folder"_qs, 20, qRgb(255, 0, 0)}}) {
@@ -124,10 +114,10 @@ void tst_IconLookup::pixmapsAreExactSquares()
         QVERIFY2(!pixmap.isNull(), qPrintable(name));
         QCOMPARE(pixmap.size(), QSize(size, size));
         QCOMPARE(pixmap.devicePixelRatio(), 1.0);
-        QCOMPARE(centre(pixmap), colour);
+        QCOMPARE(centreOf(pixmap), colour);
     }
     // An unreadable file in the first theme gives way to the next theme.
-    QCOMPARE(centre(lookup->pixmap(u"broken"_qs, 16)), QColor(Qt::darkGreen).rgb());
+    QCOMPARE(centreOf(lookup->pixmap(u"broken"_qs, 16)), QColor(Qt::darkGreen).rgb());
     QVERIFY(lookup->pixmap(u"folder"_qs, 0).isNull());
     QVERIFY(lookup->pixmap(QString(), 16).isNull());
 }
@@ -156,10 +146,10 @@ void tst_IconLookup::themesAreIndexedOnceAndAnswersCached()
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     }();
     QVERIFY(QFile::remove(file));
-    QCOMPARE(centre(lookup->pixmap(u"small-only"_qs, 16)), qRgb(0, 0, 255));
+    QCOMPARE(centreOf(lookup->pixmap(u"small-only"_qs, 16)), qRgb(0, 0, 255));
     std::unique_ptr<IconLookup> fresh(makeLookup());
     QVERIFY(fresh->pixmap(u"small-only"_qs, 16).isNull());
-    writeFile(file, saved);
+    QVERIFY(writeFile(file, saved));
 }
 
 void tst_IconLookup::builtinFallback()
@@ -180,7 +170,7 @@ void tst_IconLookup::builtinFallback()
         }
     }
     // The first name that exists wins over later ones and over the painted picture.
-    QCOMPARE(centre(lookup->pixmapOrBuiltin({u"nothing"_qs, u"small-only"_qs, u"folder"_qs}, BuiltinIcon::File, 16)),
+    QCOMPARE(centreOf(lookup->pixmapOrBuiltin({u"nothing"_qs, u"small-only"_qs, u"folder"_qs}, BuiltinIcon::File, 16)),
         qRgb(0, 0, 255));
     QVERIFY(IconLookup::builtinPixmap(BuiltinIcon::File, 0).isNull());
     QVERIFY(lookup->pixmapOrBuiltin({}, BuiltinIcon::File, -1).isNull());
@@ -188,9 +178,8 @@ void tst_IconLookup::builtinFallback()
 
 void tst_IconLookup::systemThemesAreFound()
 {
-    if (!QFileInfo(u"/usr/share/icons/Adwaita/index.theme"_qs).exists()) {
-        QSKIP("the Adwaita icon theme is not installed");
-    }
+    // scripts/setup installs adwaita-icon-theme: without it, a user's program shows no theme icons.
+    QVERIFY2(QFileInfo(u"/usr/share/icons/Adwaita/index.theme"_qs).exists(), "the Adwaita icon theme is missing");
     IconLookup lookup({u"/usr/share/icons"_qs}, {u"Adwaita"_qs, u"hicolor"_qs}, false);
     for (const QString &name : {u"folder"_qs, u"text-x-generic"_qs, u"drive-harddisk"_qs}) {
         for (const int size : {16, 32}) {

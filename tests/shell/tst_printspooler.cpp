@@ -8,19 +8,6 @@
 using namespace Kelocontrols;
 using Outcome = PrintSpooler::Outcome;
 
-namespace {
-
-void expectNoChildren()
-{
-    int zombies = -1;
-    int children = -1;
-    XdgTestSandbox::countChildren(zombies, children);
-    QCOMPARE(zombies, 0);
-    QCOMPARE(children, 0);
-}
-
-} // namespace
-
 class tst_PrintSpooler : public QObject
 {
     Q_OBJECT
@@ -42,7 +29,7 @@ void tst_PrintSpooler::spoolsBytesWithTitle()
     QCOMPARE(PrintSpooler::print(file, "-odd \xff title"), Outcome::Spooled);
     QCOMPARE(sandbox.waitForArguments(u"lp"_qs, 0), (QList<QByteArray>{"-t", "-odd \xff title"}));
     QCOMPARE(sandbox.readRecord(u"lp"_qs, ".stdin"), content);
-    expectNoChildren();
+    QCOMPARE(XdgTestSandbox::childCount(), 0);
 }
 
 void tst_PrintSpooler::outcomes_data()
@@ -73,7 +60,7 @@ void tst_PrintSpooler::outcomes()
         file = sandbox.write(u"files/doc.txt"_qs, "text\n");
     }
     QCOMPARE(int(PrintSpooler::print(QFile::encodeName(file), "doc.txt", 3000)), outcome);
-    expectNoChildren();
+    QCOMPARE(XdgTestSandbox::childCount(), 0);
 }
 
 void tst_PrintSpooler::slowSpoolerIsStopped()
@@ -86,7 +73,7 @@ void tst_PrintSpooler::slowSpoolerIsStopped()
     QCOMPARE(PrintSpooler::print(QFile::encodeName(file), "doc.txt", 300), Outcome::TimedOut);
     QVERIFY(clock.elapsed() >= 300);
     QVERIFY(clock.elapsed() < 5000);
-    expectNoChildren();
+    QCOMPARE(XdgTestSandbox::childCount(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_PrintSpooler)

@@ -54,16 +54,11 @@ void tst_XdgIniFile::unescape_data()
 {
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("plain") << "abc"
-                           << "abc";
-    QTest::newRow("escapes") << R"(a\sb\nc\td\re\\f)"
-                             << "a b\nc\td\re\\f";
-    QTest::newRow("others kept") << R"(\" \; \$)"
-                                 << R"(\" \; \$)";
-    QTest::newRow("trailing backslash") << R"(end\)"
-                                        << R"(end\)";
-    QTest::newRow("double then s") << R"(\\s)"
-                                   << R"(\s)";
+    QTest::newRow("plain") << u"abc"_qs << u"abc"_qs;
+    QTest::newRow("escapes") << uR"(a\sb\nc\td\re\\f)"_qs << u"a b\nc\td\re\\f"_qs;
+    QTest::newRow("others kept") << uR"(\" \; \$)"_qs << uR"(\" \; \$)"_qs;
+    QTest::newRow("trailing backslash") << uR"(end\)"_qs << uR"(end\)"_qs;
+    QTest::newRow("double then s") << uR"(\\s)"_qs << uR"(\s)"_qs;
 }
 
 void tst_XdgIniFile::unescape()
@@ -77,12 +72,12 @@ void tst_XdgIniFile::lists_data()
 {
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("trailing separator") << "a;b;" << QStringList{u"a"_qs, u"b"_qs};
-    QTest::newRow("no trailing separator") << "a;b" << QStringList{u"a"_qs, u"b"_qs};
-    QTest::newRow("empty items dropped") << ";;a;;" << QStringList{u"a"_qs};
-    QTest::newRow("escaped separator") << R"(a\;b;c)" << QStringList{u"a;b"_qs, u"c"_qs};
-    QTest::newRow("escapes resolved") << R"(x\sy;z)" << QStringList{u"x y"_qs, u"z"_qs};
-    QTest::newRow("empty") << "" << QStringList();
+    QTest::newRow("trailing separator") << u"a;b;"_qs << QStringList{u"a"_qs, u"b"_qs};
+    QTest::newRow("no trailing separator") << u"a;b"_qs << QStringList{u"a"_qs, u"b"_qs};
+    QTest::newRow("empty items dropped") << u";;a;;"_qs << QStringList{u"a"_qs};
+    QTest::newRow("escaped separator") << uR"(a\;b;c)"_qs << QStringList{u"a;b"_qs, u"c"_qs};
+    QTest::newRow("escapes resolved") << uR"(x\sy;z)"_qs << QStringList{u"x y"_qs, u"z"_qs};
+    QTest::newRow("empty") << u""_qs << QStringList();
 }
 
 void tst_XdgIniFile::lists()
