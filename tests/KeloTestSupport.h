@@ -66,6 +66,8 @@ inline bool writeTextFile(const QString &path, const QString &text)
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) >= 0;
+}
+
 /// Writes a file of @p bytes bytes ("x" repeated); false when it cannot be written.
 inline bool writeFile(const QString &path, qint64 bytes)
 {
