@@ -1,5 +1,6 @@
 #include "KelofileView_p.h"
 
+#include "FileIconProvider.h"
 #include "FileListModel.h"
 #include "FileSystem.h"
 #include "FileViewPropertyTable_p.h"
@@ -60,6 +61,7 @@ KelofileView::KelofileView(QWidget *parent)
         int index = row + 1;
         Q_EMIT ItemClick(index);
     });
+    connect(d->list, &ListView::columnClicked, this, &KelofileView::sortByHeader);
     forwardStockEvents();
     InitProperties();
 }
@@ -106,6 +108,29 @@ void KelofileView::forwardStockEvents()
         connect(mouse, &StockEventFilter::MouseMove, this, &KelofileView::MouseMove);
         connect(mouse, &StockEventFilter::MouseUp, this, &KelofileView::MouseUp);
     }
+}
+
+// A header sorts by the column its spec names (Name by SortName, Size by SortedSize, ...), else by
+// itself; clicking the header of the present sort column again reverses the order.
+void KelofileView::sortByHeader(int column)
+{
+    FileListModel *model = d->model();
+    for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+        model->setColumnIcon(c, QString());
+    }
+    const int tagged = FileListModel::columnSpec(column).sortColumn;
+    const int sortColumn = tagged > 0 ? tagged : column + 1; // 1-based
+    ListView *list = d->list;
+    if (sortColumn == list->sortKey() + 1 && list->sorted()) {
+        const bool ascending = list->sortOrder() == 0;
+        list->setSortOrder(ascending ? 1 : 0);
+        model->setColumnIcon(column, ascending ? FileIconProvider::SortUp : FileIconProvider::SortDown);
+    } else {
+        model->setColumnIcon(column, FileIconProvider::SortDown);
+        list->setSortKey(sortColumn - 1);
+        list->setSortOrder(0);
+    }
+    list->setSorted(true);
 }
 
 // ---------------------------------------------------------------------------

@@ -49,6 +49,15 @@ class ListView;
  * Kelocontrols::ImageList), the message line `txtMessage` and the timer
  * `RefreshTimer`.
  *
+ * A click on a column header sorts the list by that column (Name sorts by
+ * SortName, so folders come before files; Size by SortedSize, where a
+ * folder counts its files; Modified and Created by their sortable forms;
+ * Type and Changed by their own text); a second click on the same header
+ * reverses the order. The clicked header shows the Image16 picture
+ * "SortDown" while ascending and "SortUp" while descending, the others none.
+ * The order is ListFiles' SortKey / SortOrder / Sorted; items added while
+ * Sorted is true go to their sorted place.
+ *
  * Event handlers may change the list at any event (ItemClear, ItemRemove,
  * ItemAddNew, PathRoot): a fill or refresh goes on with the list as it is
  * then. A fill, a refresh or a timer tick that starts while another fill or
@@ -397,6 +406,7 @@ private:
     class Private;
 
     void forwardStockEvents();
+    void sortByHeader(int column);
     void fillAfterShow();
     void refreshTick();
     void applyRefreshTimer();

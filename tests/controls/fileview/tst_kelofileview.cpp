@@ -125,6 +125,8 @@ private Q_SLOTS:
     void itemMembersAtDesignTime();
     void imageMembers();
     void clickingAnItemRaisesItemClick();
+    void headerClicksSort_data();
+    void headerClicksSort();
     void refreshUpdatesInPlace();
     void refreshOfPseudoPaths();
     void refreshTimerRunsOnlyAtRunTime();
@@ -819,6 +821,92 @@ void TestKelofileView::clickingAnItemRaisesItemClick()
     QCOMPARE(clicks, QList<int>{2});
     QCOMPARE(click.count(), 1);
     QCOMPARE(view.ItemSelected(), 2);
+}
+
+void TestKelofileView::headerClicksSort_data()
+{
+    QTest::addColumn<QList<int>>("clicks");
+    QTest::addColumn<QStringList>("order");
+    QTest::addColumn<int>("sortKey");
+    QTest::addColumn<int>("sortOrder");
+    QTest::addColumn<QString>("nameIcon");
+    QTest::addColumn<QString>("sizeIcon");
+    const QString down = FileIconProvider::SortDown;
+    const QString up = FileIconProvider::SortUp;
+    const QStringList byName{"alpha", "Beta", "a.txt", "B.txt", "c.txt", "d.txt"};
+    QStringList byNameDown = byName;
+    std::reverse(byNameDown.begin(), byNameDown.end());
+    // Sizes: alpha 0 files, Beta 2 files, a.txt 3, B.txt 1, c.txt 5, d.txt 1 (a tie with B.txt).
+    const QStringList bySize{"alpha", "B.txt", "d.txt", "Beta", "a.txt", "c.txt"};
+    const QStringList bySizeDown{"c.txt", "a.txt", "Beta", "B.txt", "d.txt", "alpha"};
+    QTest::newRow("Name") << QList<int>{Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Name twice") << QList<int>{Name, Name} << byNameDown << 12 << 1 << up << QString();
+    QTest::newRow("Name thrice") << QList<int>{Name, Name, Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Size") << QList<int>{Size} << bySize << 7 << 0 << QString() << down;
+    QTest::newRow("Size twice") << QList<int>{Size, Size} << bySizeDown << 7 << 1 << QString() << up;
+    QTest::newRow("Type then Name") << QList<int>{Type, Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Size, Name, Size") << QList<int>{Size, Name, Size} << bySize << 7 << 0 << QString() << down;
+}
+
+void TestKelofileView::headerClicksSort()
+{
+    QFETCH(QList<int>, clicks);
+    QDir(m_dir->path()).mkpath(QStringLiteral("Beta"));
+    QDir(m_dir->path()).mkpath(QStringLiteral("alpha"));
+    writeFile(path("Beta/one"), 1);
+    writeFile(path("Beta/two"), 1);
+    writeFile(path("c.txt"), 5);
+    writeFile(path("B.txt"), 1);
+    writeFile(path("a.txt"), 3);
+    writeFile(path("d.txt"), 1);
+    KelofileView view;
+    view.resize(600, 300);
+    view.show();
+    view.setPathRoot(m_dir->path());
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QHeaderView *header = view.listFiles()->reportView()->header();
+    for (int column : clicks) {
+        const QPoint at(
+            header->sectionViewportPosition(column) + header->sectionSize(column) / 2, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
+    }
+    QTEST(names(view), "order");
+    ListView *list = view.listFiles();
+    QTEST(list->property("SortKey").toInt(), "sortKey");
+    QTEST(list->property("SortOrder").toInt(), "sortOrder");
+    QVERIFY(list->property("Sorted").toBool());
+    FileListModel *model = list->model();
+    QTEST(model->columnIcon(Name), "nameIcon");
+    QTEST(model->columnIcon(Size), "sizeIcon");
+    for (int c = Type; c < FileListModel::ColumnCount; ++c) {
+        QCOMPARE(model->columnIcon(c), QString());
+    }
+    QCOMPARE(model->headerData(clicks.last(), Qt::Horizontal, Qt::DecorationRole).isNull(), false);
+
+    // An item added while sorted goes to its sorted place, and AfterAddItem tells that place.
+    QFETCH(QStringList, order);
+    writeFile(path("b2.txt"), 2);
+    QList<int> added;
+    connect(&view, &KelofileView::AfterAddItem, [&](int &index) { added << index; });
+    const int index = view.ItemAddNew(path("b2.txt"));
+    QCOMPARE(added, QList<int>{index});
+    QStringList expected = names(view);
+    expected.removeAt(index - 1);
+    QCOMPARE(expected, order);
+    QCOMPARE(cell(view, index - 1, Name), QStringLiteral("b2.txt"));
+    const FileListRow &newRow = model->row(index - 1);
+    const int key = list->sortKey();
+    const bool ascending = list->sortOrder() == 0;
+    if (index > 1) {
+        const FileListRow &before = model->row(index - 2);
+        QVERIFY(!(ascending ? FileListModel::lessByColumn(newRow, before, key)
+                            : FileListModel::lessByColumn(before, newRow, key)));
+    }
+    if (index < view.ItemCount()) {
+        const FileListRow &after = model->row(index);
+        QVERIFY(ascending ? FileListModel::lessByColumn(newRow, after, key)
+                          : FileListModel::lessByColumn(after, newRow, key));
+    }
 }
 
 void TestKelofileView::refreshUpdatesInPlace()
