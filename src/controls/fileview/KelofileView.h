@@ -58,6 +58,13 @@ class ListView;
  * The order is ListFiles' SortKey / SortOrder / Sorted; items added while
  * Sorted is true go to their sorted place.
  *
+ * Navigation: GoUp() shows the parent folder (see there). A double click
+ * raises DblClick and then opens the selected item: a file with its
+ * associated application, a folder or a drive by showing it. Keys on the
+ * list: Enter opens the selected item as a double click does (without
+ * DblClick), Backspace and Alt+Up call GoUp(); KeyDown is raised first.
+ * ItemClick(Index) sets ItemIndex to the clicked item before it is raised.
+ *
  * Event handlers may change the list at any event (ItemClear, ItemRemove,
  * ItemAddNew, PathRoot): a fill or refresh goes on with the list as it is
  * then. A fill, a refresh or a timer tick that starts while another fill or
@@ -117,6 +124,7 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:AllowHiddenFiles", "Lists hidden files and folders.")
     Q_CLASSINFO("Help:AllowSystemFiles", "Lists system files and folders.")
     Q_CLASSINFO("Help:AllowLabelEdit", "Allows renaming items by editing their labels.")
+    Q_CLASSINFO("Help:GoUp", "Shows the parent of the folder shown.")
     Q_CLASSINFO("Help:Refresh", "Brings the list up to date with the folder on disk.")
     Q_CLASSINFO("Help:ItemIndex", "Index for referencing items in the FileView control")
     Q_CLASSINFO("Help:ItemDisplayName", "Display name of the item referenced by ItemIndex")
@@ -365,6 +373,17 @@ public:
      */
     Q_INVOKABLE void Refresh();
 
+    /**
+     * Shows the parent of Path: the parent folder, or PathRoot when Path is
+     * the root of the file system (or "", after a search, once an entry of
+     * "My Folders" was opened); "My Folders" when Path is the "My Folders"
+     * entry the user went down through (or "" with none remembered). With
+     * LimitToRoot and a real PathRoot, a new path that does not begin with
+     * PathRoot (without regard to case; a plain prefix test, so /data2 is
+     * inside /data) is refused silently.
+     */
+    Q_INVOKABLE void GoUp();
+
     Kelocontrols::ListView *listFiles() const;
     Kelocontrols::ImageList *image32() const;
     Kelocontrols::ImageList *image16() const;
@@ -407,6 +426,9 @@ private:
 
     void forwardStockEvents();
     void sortByHeader(int column);
+    void openSelectedItem();
+    bool navigationKey(QKeyEvent *event);
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void fillAfterShow();
     void refreshTick();
     void applyRefreshTimer();

@@ -64,6 +64,8 @@ public:
     int oleDragMode = 1;
     int oleDropMode = 2;
     QStringList myFolders;
+    QString myFoldersEntry; ///< the "My Folders" entry the user went down through, "" when none
+    bool enteredFromMyFolders = false; ///< "My Folders" is listed and no item was opened since
 
     int itemIndex = 0;
     int imageIndex = 0;

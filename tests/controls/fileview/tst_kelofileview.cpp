@@ -126,6 +126,9 @@ private Q_SLOTS:
     void imageMembers();
     void clickingAnItemRaisesItemClick();
     void headerClicksSort_data();
+    void goUpRules_data();
+    void goUpRules();
+    void openingItemsByMouseAndKeys();
     void headerClicksSort();
     void refreshUpdatesInPlace();
     void refreshOfPseudoPaths();
@@ -819,6 +822,7 @@ void TestKelofileView::clickingAnItemRaisesItemClick()
     const QRect second = report->visualRect(view.listFiles()->model()->index(1, 0));
     QTest::mouseClick(report->viewport(), Qt::LeftButton, {}, second.center());
     QCOMPARE(clicks, QList<int>{2});
+    QCOMPARE(view.ItemIndex(), 2);
     QCOMPARE(click.count(), 1);
     QCOMPARE(view.ItemSelected(), 2);
 }
@@ -907,6 +911,127 @@ void TestKelofileView::headerClicksSort()
         QVERIFY(ascending ? FileListModel::lessByColumn(newRow, after, key)
                           : FileListModel::lessByColumn(after, newRow, key));
     }
+}
+
+void TestKelofileView::goUpRules_data()
+{
+    // "~" is the test folder, other relative paths lie inside it; "/", "" and the pseudo-paths stand for themselves.
+    QTest::addColumn<QString>("pathRoot");
+    QTest::addColumn<bool>("limit");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("at PathRoot, limited") << "data" << true << "data"
+                                          << "data";
+    QTest::newRow("at PathRoot, unlimited") << "data" << false << "data"
+                                            << "~";
+    QTest::newRow("inside PathRoot") << "data" << true << "data/sub"
+                                     << "data";
+    QTest::newRow("a plain prefix counts as inside") << "data" << true << "data2/x"
+                                                     << "data2";
+    QTest::newRow("above PathRoot refused") << "data" << true << "data2"
+                                            << "data2";
+    QTest::newRow("prefix without regard to case") << "data" << true << "DATA/sub"
+                                                   << "DATA";
+    QTest::newRow("file system root goes to PathRoot") << "data" << false << "/"
+                                                       << "data";
+    QTest::newRow("file system root to My Computer") << "My Computer" << true << "/"
+                                                     << "My Computer";
+    QTest::newRow("search result, unlimited") << "data" << false << ""
+                                              << "My Folders";
+    QTest::newRow("search result, limited") << "data" << true << ""
+                                            << "";
+}
+
+void TestKelofileView::goUpRules()
+{
+    QFETCH(QString, pathRoot);
+    QFETCH(bool, limit);
+    QFETCH(QString, start);
+    QFETCH(QString, expected);
+    for (const char *folder : {"data/sub", "DATA/sub", "data2/x"}) {
+        QDir(m_dir->path()).mkpath(QString::fromLatin1(folder));
+    }
+    auto resolve = [this](const QString &p) {
+        if (p == QLatin1String("~")) {
+            return m_dir->path();
+        }
+        const bool special = p.isEmpty() || p.startsWith(QLatin1Char('/')) || p.startsWith(QLatin1String("My "));
+        return special ? p : path(p);
+    };
+    KelofileView view;
+    view.setPathRoot(resolve(pathRoot));
+    view.setLimitToRoot(limit);
+    view.setPath(resolve(start));
+    int fills = 0;
+    connect(&view, &KelofileView::ChangedFolder, [&](int &) { ++fills; });
+    view.GoUp();
+    QCOMPARE(view.Path(), resolve(expected));
+    QCOMPARE(fills, resolve(expected) == resolve(start) ? 0 : 1);
+}
+
+void TestKelofileView::openingItemsByMouseAndKeys()
+{
+    XdgTestSandbox sandbox;
+    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
+    sandbox.addEntry(QStringLiteral("viewer.desktop"), QStringLiteral("kelo-viewer %f"), QStringLiteral("text/plain"));
+    QDir(m_dir->path()).mkpath(QStringLiteral("sub"));
+    writeFile(path("sub/doc.txt"), 3);
+    KelofileView view;
+    view.resize(600, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QStringList events;
+    connect(&view, &KelofileView::NeedMyFolders, [&](QStringList &folders) { folders << path("sub"); });
+    connect(&view, &KelofileView::DblClick, [&] { events << QStringLiteral("DblClick"); });
+    connect(
+        &view, &KelofileView::ChangedFolder, [&](int &) { events << QStringLiteral("ChangedFolder:") + view.Path(); });
+    view.setPathRoot(KelofileView::MyFolders);
+    ReportView *report = view.listFiles()->reportView();
+    auto doubleClickRow = [&](int row) {
+        const QRect rect = report->visualRect(view.listFiles()->model()->index(row, 0));
+        QTest::mouseClick(report->viewport(), Qt::LeftButton, {}, rect.center());
+        QTest::mouseDClick(report->viewport(), Qt::LeftButton, {}, rect.center());
+    };
+    auto key = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(report, key, modifiers); };
+
+    // A "My Folders" entry is entered and remembered, so GoUp comes back to "My Folders".
+    events.clear();
+    doubleClickRow(0);
+    QCOMPARE(events, QStringList({"DblClick", "ChangedFolder:" + path("sub")}));
+    QCOMPARE(view.Path(), path("sub"));
+    view.GoUp();
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+
+    // Enter opens the selected folder, Backspace and Alt+Up go up.
+    view.setItemSelected(1);
+    key(Qt::Key_Return);
+    QCOMPARE(view.Path(), path("sub"));
+    key(Qt::Key_Backspace);
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+    view.setItemSelected(1);
+    key(Qt::Key_Enter, Qt::KeypadModifier);
+    key(Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+
+    // A file opens with its application; the list stays.
+    view.setItemSelected(1);
+    key(Qt::Key_Return);
+    events.clear();
+    doubleClickRow(0);
+    QCOMPARE(events, QStringList{"DblClick"});
+    QCOMPARE(view.Path(), path("sub"));
+    QCOMPARE(sandbox.waitForArguments(QStringLiteral("kelo-viewer")),
+        QList<QByteArray>{QFile::encodeName(path("sub/doc.txt"))});
+
+    // A drive of "My Computer" opens its root.
+    view.setPathRoot(KelofileView::MyComputer);
+    if (view.ItemCount() == 0) {
+        QSKIP("no drives listed on this machine");
+    }
+    view.setItemIndex(1);
+    const QString root = view.ItemName();
+    doubleClickRow(0);
+    QCOMPARE(view.Path(), root);
 }
 
 void TestKelofileView::refreshUpdatesInPlace()
