@@ -26,6 +26,7 @@ KelofileView::Private::Private(KelofileView &view)
     , images(*image32, *image16)
     , filler(view)
     , refresher(view)
+    , searcher(view)
 {
 }
 
@@ -162,6 +163,16 @@ void KelofileView::GoUp()
     }
     setPath(newPath);
     d->filler.fill();
+}
+
+void KelofileView::Search(const QString &SearchFor, const QString &SearchRoot, bool SearchSubdirectories)
+{
+    d->searcher.run(SearchFor, SearchRoot, SearchSubdirectories);
+}
+
+void KelofileView::StopSearch()
+{
+    d->searcher.stop();
 }
 
 // The selected item, not the one under the mouse: a double click has selected it already.

@@ -16,6 +16,7 @@
 namespace Kelocontrols {
 class FileViewFill;
 class FileViewRefresh;
+class FileViewSearch;
 class ImageList;
 class ListView;
 } // namespace Kelocontrols
@@ -125,6 +126,8 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:AllowSystemFiles", "Lists system files and folders.")
     Q_CLASSINFO("Help:AllowLabelEdit", "Allows renaming items by editing their labels.")
     Q_CLASSINFO("Help:GoUp", "Shows the parent of the folder shown.")
+    Q_CLASSINFO("Help:Search", "Lists the files and folders below a folder whose names match a pattern.")
+    Q_CLASSINFO("Help:StopSearch", "Ends a running search; what was found so far is listed.")
     Q_CLASSINFO("Help:Refresh", "Brings the list up to date with the folder on disk.")
     Q_CLASSINFO("Help:ItemIndex", "Index for referencing items in the FileView control")
     Q_CLASSINFO("Help:ItemDisplayName", "Display name of the item referenced by ItemIndex")
@@ -384,6 +387,33 @@ public:
      */
     Q_INVOKABLE void GoUp();
 
+    /**
+     * Lists the entries below @p SearchRoot whose names match @p SearchFor
+     * (a Like pattern without regard to case; "" matches everything)
+     * instead of one folder: in each folder its matching files, then each
+     * sub-folder's matches (when @p SearchSubdirectories) followed by the
+     * sub-folder itself when its name matches. Path becomes "" (so Refresh
+     * and the timer leave the result alone) and TotalSize the bytes of the
+     * matching files. Raises BeforeAddItem / AfterAddItem per item and
+     * AfterPaint at the end, not ChangedFolder or BeforePaint; shows
+     * "There are no items to show in this folder." when nothing matched.
+     *
+     * Symbolic links to folders are listed when they match but never
+     * searched into, so a search neither loops nor leaves the tree;
+     * unreadable folders are skipped; pseudo file-system mounts are
+     * searched into only with AllowSystemFiles. Raises PathNotFound (76)
+     * or PermissionDenied (70) when SearchRoot itself cannot be listed.
+     *
+     * While it walks a large tree the search handles pending events every
+     * few tens of milliseconds, so the window keeps painting; a host button
+     * or handler calls StopSearch() to end it early. Fills, refreshes and
+     * another Search started meanwhile do nothing.
+     */
+    Q_INVOKABLE void Search(
+        const QString &SearchFor = QString(), const QString &SearchRoot = QString(), bool SearchSubdirectories = false);
+    /// Ends a running Search at the next folder; what was found so far is listed. Nothing happens otherwise.
+    Q_INVOKABLE void StopSearch();
+
     Kelocontrols::ListView *listFiles() const;
     Kelocontrols::ImageList *image32() const;
     Kelocontrols::ImageList *image16() const;
@@ -422,6 +452,7 @@ private:
     friend class FileViewPropertyTable;
     friend class Kelocontrols::FileViewFill;
     friend class Kelocontrols::FileViewRefresh;
+    friend class Kelocontrols::FileViewSearch;
     class Private;
 
     void forwardStockEvents();

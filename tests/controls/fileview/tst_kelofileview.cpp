@@ -17,18 +17,22 @@
 #include <Kelocontrols/PropertyTable.h>
 #include <Kelocontrols/ReportView.h>
 
+#include <QApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QProcess>
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
+#include <cstdio>
 #include <functional>
 
 #include <fcntl.h>
@@ -129,6 +133,9 @@ private Q_SLOTS:
     void goUpRules_data();
     void goUpRules();
     void openingItemsByMouseAndKeys();
+    void searchOrderAndSafety_data();
+    void searchOrderAndSafety();
+    void searchSkipsUnreadableFolders();
     void headerClicksSort();
     void refreshUpdatesInPlace();
     void refreshOfPseudoPaths();
@@ -1034,6 +1041,107 @@ void TestKelofileView::openingItemsByMouseAndKeys()
     QCOMPARE(view.Path(), root);
 }
 
+// The found items as paths below @p root; a name that is not UTF-8 shows as "caf?".
+static QStringList foundBelow(KelofileView &view, const QString &root)
+{
+    QStringList found;
+    for (int r = 0; r < view.ItemCount(); ++r) {
+        QString name = cell(view, r, RealName);
+        if (name.startsWith(QLatin1String("caf"))) {
+            name = QStringLiteral("caf?");
+        }
+        found << QDir(root).relativeFilePath(FileSystem::buildPath(cell(view, r, Folder), name));
+    }
+    return found;
+}
+
+// a7.txt (3 bytes), b.txt, caf\xe9 7.txt (4), dir7/in7.txt (2), dir7/deep/d7.txt (1), link7 -> dir7, loop -> the root.
+// Returns a guard that removes the name QTemporaryDir cannot.
+static auto makeSearchTree(const QString &root)
+{
+    const QByteArray raw = QFile::encodeName(root) + "/caf\xe9 7.txt";
+    auto guard = qScopeGuard([raw] { ::unlink(raw.constData()); });
+    QDir(root).mkpath(QStringLiteral("dir7/deep"));
+    KeloTest::writeFile(root + QStringLiteral("/a7.txt"), 3);
+    KeloTest::writeFile(root + QStringLiteral("/b.txt"), 1);
+    KeloTest::writeFile(root + QStringLiteral("/dir7/in7.txt"), 2);
+    KeloTest::writeFile(root + QStringLiteral("/dir7/deep/d7.txt"), 1);
+    const int fd = ::open(raw.constData(), O_CREAT | O_WRONLY, 0644);
+    if (fd >= 0) {
+        (void)::write(fd, "abcd", 4);
+        ::close(fd);
+    }
+    QFile::link(root + QStringLiteral("/dir7"), root + QStringLiteral("/link7"));
+    QFile::link(root, root + QStringLiteral("/loop"));
+    return guard;
+}
+
+void TestKelofileView::searchOrderAndSafety_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<bool>("subdirectories");
+    QTest::addColumn<QStringList>("found");
+    QTest::addColumn<int>("totalSize");
+    QTest::newRow("files, whole tree") << "*7*.TXT" << true
+                                       << QStringList{"a7.txt", "caf?", "dir7/in7.txt", "dir7/deep/d7.txt"} << 10;
+    QTest::newRow("folders after their contents")
+        << "*7*" << true << QStringList{"a7.txt", "caf?", "dir7/in7.txt", "dir7/deep/d7.txt", "dir7", "link7"} << 10;
+    QTest::newRow("root only") << "*7*" << false << QStringList{"a7.txt", "caf?", "dir7", "link7"} << 7;
+    QTest::newRow("everything at the root")
+        << "" << false << QStringList{"a7.txt", "b.txt", "caf?", "dir7", "link7", "loop"} << 8;
+    QTest::newRow("nothing") << "*.none" << true << QStringList{} << 0;
+}
+
+void TestKelofileView::searchOrderAndSafety()
+{
+    QFETCH(QString, pattern);
+    QFETCH(bool, subdirectories);
+    const auto removeRaw = makeSearchTree(m_dir->path());
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    Recorder recorder(view);
+    view.Search(pattern, m_dir->path(), subdirectories);
+    QTEST(foundBelow(view, m_dir->path()), "found");
+    QTEST(view.TotalSize(), "totalSize");
+    QCOMPARE(view.Path(), QString());
+    QVERIFY(!recorder.events.contains(QStringLiteral("ChangedFolder")));
+    QVERIFY(!recorder.events.contains(QStringLiteral("BeforePaint")));
+    QCOMPARE(recorder.events.last(), QStringLiteral("AfterPaint"));
+    QCOMPARE(recorder.events.count(QStringLiteral("AfterPaint")), 1);
+    QCOMPARE(view.findChild<QLineEdit *>(QStringLiteral("txtMessage"))->text(),
+        view.ItemCount() == 0 ? KelofileView::EmptyFolderMessage : QString());
+    for (int r = 0; r < view.ItemCount(); ++r) { // every found item can be reached by its path
+        const QString found = FileSystem::buildPath(cell(view, r, Folder), cell(view, r, RealName));
+        QVERIFY2(FileSystem::instance().entry(found).has_value(), qPrintable(found));
+    }
+    view.Refresh(); // a search result is left alone
+    QTEST(foundBelow(view, m_dir->path()), "found");
+}
+
+// Root reads everything: the search runs in a child as nobody, where locked/ cannot be read.
+void TestKelofileView::searchSkipsUnreadableFolders()
+{
+    const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+    if (::geteuid() != 0 || setpriv.isEmpty()) {
+        QSKIP("needs root and setpriv to run a child as nobody");
+    }
+    const auto removeRaw = makeSearchTree(m_dir->path());
+    QDir(m_dir->path()).mkpath(QStringLiteral("locked"));
+    writeFile(path("locked/l7.txt"), 1);
+    QCOMPARE(::chmod(QFile::encodeName(m_dir->path()).constData(), 0755), 0);
+    QCOMPARE(::chmod(QFile::encodeName(path("locked")).constData(), 0700), 0);
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KELO_SEARCH_CHILD"), m_dir->path());
+    child.setProcessEnvironment(environment);
+    child.start(setpriv,
+        {QStringLiteral("--reuid=nobody"), QStringLiteral("--regid=nogroup"), QStringLiteral("--clear-groups"),
+            QCoreApplication::applicationFilePath()});
+    QVERIFY(child.waitForFinished(30000));
+    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()),
+        QStringLiteral("a7.txt\ncaf?\ndir7/in7.txt\ndir7/deep/d7.txt\n"));
+}
+
 void TestKelofileView::refreshUpdatesInPlace()
 {
     writeFile(path("a.txt"), 1);
@@ -1299,5 +1407,27 @@ void TestKelofileView::namesDifferingInCaseKeepTheirItems()
     QCOMPARE(cell(view, 1, Size), QStringLiteral("1KB"));
 }
 
-QTEST_MAIN(TestKelofileView)
+// The child of searchSkipsUnreadableFolders: searches the tree and prints what it found.
+static int runSearchChild(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    const QString root = qEnvironmentVariable("KELO_SEARCH_CHILD");
+    KelofileView view;
+    view.Search(QStringLiteral("*7*.txt"), root, true);
+    for (const QString &found : foundBelow(view, root)) {
+        std::fputs(qPrintable(found + QLatin1Char('\n')), stdout);
+    }
+    return 0;
+}
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsSet("KELO_SEARCH_CHILD")) {
+        return runSearchChild(argc, argv);
+    }
+    QApplication app(argc, argv);
+    TestKelofileView test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_kelofileview.moc"
