@@ -67,7 +67,9 @@ void FileViewSearch::collect(const QString &folder, bool isRoot)
     }
     FolderContents contents;
     try {
-        contents = FileSystem::instance().listFolder(folder);
+        // Only names that match need their facts: the folders are read whatever their names, to descend.
+        contents = FileSystem::instance().listFolder(
+            folder, [this](const QString &name) { return m_pattern.matches(name); });
     } catch (const RuntimeError &) {
         if (isRoot) {
             throw; // the host asked for this folder: tell it why nothing can be found
