@@ -192,8 +192,11 @@ private Q_SLOTS:
                      int(Column::SortedCreated), int(Column::Type), int(Column::Changed)}) {
                 double ours = 1e12;
                 double peer = 1e12;
-                for (int round = 0; round < 3; ++round) {
+                for (int round = 0; round < 3; ++round) { // best of three for ours, the peer once
                     for (Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+                        // From an order unrelated to the column's: the fill's name order would flatter a name sort.
+                        model->sort(column == Column::SortedSize ? Column::SortedModified : Column::SortedSize,
+                            Qt::DescendingOrder);
                         QElapsedTimer t;
                         t.start();
                         model->sort(column, order);
@@ -216,6 +219,7 @@ private Q_SLOTS:
             view.show();
             QVERIFY(QTest::qWaitForWindowExposed(&view));
             QHeaderView *header = view.listFiles()->reportView()->header();
+            view.listFiles()->reportView()->viewport()->repaint(); // the first showing is not a click's cost
             for (int click = 0; click < 6; ++click) {
                 const int column = click % 3 == 0 ? Column::Name : (click % 3 == 1 ? Column::Size : Column::Modified);
                 const QPoint at(header->sectionViewportPosition(column) + 5, header->height() / 2);
@@ -225,6 +229,8 @@ private Q_SLOTS:
                 view.listFiles()->reportView()->viewport()->repaint();
                 m_click = std::min(m_click, t.nsecsElapsed() / 1e6);
                 m_worstClick = std::max(m_worstClick, t.nsecsElapsed() / 1e6);
+                qInfo(
+                    "header click %d on column %d until repainted: %.1f ms", click + 1, column, t.nsecsElapsed() / 1e6);
             }
         }
         QVERIFY(view.listFiles()->sorted());

@@ -217,10 +217,23 @@ void FileListModel::sortRows()
             return descending ? keys[size_t(b)] < keys[size_t(a)] : keys[size_t(a)] < keys[size_t(b)];
         });
     } else {
-        const FoldedTexts keys(m_rows, m_sortKey);
-        std::stable_sort(order.begin(), order.end(), [&keys, descending](int a, int b) {
-            return descending ? keys.at(b).compare(keys.at(a)) < 0 : keys.at(a).compare(keys.at(b)) < 0;
+        // Each key travels with its row number, so a comparison reads the two keys and nothing else.
+        const FoldedTexts texts(m_rows, m_sortKey);
+        struct Keyed
+        {
+            QStringView key;
+            int row;
+        };
+        std::vector<Keyed> keyed(static_cast<size_t>(n));
+        for (int i = 0; i < n; ++i) {
+            keyed[size_t(i)] = {texts.at(i), i};
+        }
+        std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed &a, const Keyed &b) {
+            return descending ? b.key.compare(a.key) < 0 : a.key.compare(b.key) < 0;
         });
+        for (int i = 0; i < n; ++i) {
+            order[size_t(i)] = keyed[size_t(i)].row;
+        }
     }
     applyOrder(order);
 }
