@@ -134,7 +134,9 @@ QWidget *folderPanel(QWidget *parent)
     auto *panel = new QWidget(parent);
     auto *layout = new QVBoxLayout(panel);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(caption(QStringLiteral("A folder in Details view"), panel));
+    layout->addWidget(caption(
+        QStringLiteral("A folder in Details view: click a header to sort, again to reverse; double-click to open"),
+        panel));
 
     auto *files = new KelofileView(panel);
     files->setObjectName(QStringLiteral("SampleFiles"));
@@ -195,8 +197,25 @@ QWidget *folderPanel(QWidget *parent)
         files->Refresh(); // show what the dialog changed
     });
 
+    // Navigation: Up (Backspace and Alt+Up on the list do the same) and a search of the tree below PathRoot.
+    auto *navigation = new QHBoxLayout;
+    auto *up = new QPushButton(QStringLiteral("Up"), panel);
+    up->setObjectName(QStringLiteral("GoUp"));
+    auto *search = new QLineEdit(panel);
+    search->setObjectName(QStringLiteral("SearchFor"));
+    search->setPlaceholderText(QStringLiteral("Search below the sample folder, e.g. *.txt, then Enter"));
+    auto *stop = new QPushButton(QStringLiteral("Stop"), panel);
+    navigation->addWidget(up);
+    navigation->addWidget(search, 1);
+    navigation->addWidget(stop);
+    QObject::connect(up, &QPushButton::clicked, files, [files] { files->GoUp(); });
+    QObject::connect(search, &QLineEdit::returnPressed, files,
+        [files, search] { files->Search(search->text(), files->PathRoot(), true); });
+    QObject::connect(stop, &QPushButton::clicked, files, [files] { files->StopSearch(); });
+
     layout->addLayout(controls);
     layout->addWidget(clipboardBar(files, panel));
+    layout->addLayout(navigation);
     layout->addWidget(files, 1);
     layout->addWidget(status);
     return panel;

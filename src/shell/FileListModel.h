@@ -28,9 +28,22 @@ class ImageList;
  * them only at endBatch(), in one insertion; rowCount() keeps answering the
  * published count meanwhile.
  *
- * layoutGeneration() moves whenever rows are removed or cleared or a row's
- * RealName changes: a caller that keeps row numbers or a name index across
- * code it does not control (an event handler) checks it and looks again.
+ * layoutGeneration() moves whenever rows are removed, cleared, inserted
+ * before others or reordered, or a row's RealName changes: a caller that
+ * keeps row numbers or a name index across code it does not control (an
+ * event handler) checks it and looks again.
+ *
+ * Sorting: setSorted(true) orders the rows by the text of sortKey()'s
+ * column in sortOrder(), without regard to case, and keeps new rows in
+ * their sorted place (a row appended outside a batch is inserted there; a
+ * batch is sorted when it ends). The order is the one the column texts
+ * give, but it is computed from the raw facts where the text is a fixed
+ * form of them: the SortedSize, SortedModified and SortedCreated columns
+ * compare as numbers and times to the second (an empty text, a drive's,
+ * first), Changed as a flag; the other columns compare their case-folded
+ * texts (SortName's leading blank puts folders first). Rows whose keys tie
+ * keep their order before the sort, in either direction. Changing a row's
+ * facts later does not move it.
  */
 class KELOCONTROLS_EXPORT FileListModel : public QAbstractTableModel
 {
@@ -92,6 +105,19 @@ public:
     explicit FileListModel(QObject *parent = nullptr);
     ~FileListModel() override;
 
+    /// How the rows are ordered: by the text of column sortKey (0-based), ascending (0) or descending (1).
+    int sortKey() const { return m_sortKey; }
+    void setSortKey(int column);
+    int sortOrder() const { return m_sortOrder; }
+    void setSortOrder(int order);
+    bool sorted() const { return m_sorted; }
+    /// Turning sorting on orders the rows at once.
+    void setSorted(bool sorted);
+    /// Orders the rows by @p column now (QAbstractItemModel's entry point; sortKey and sortOrder follow).
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    /// Whether @p a comes before @p b in the order of @p column ascending.
+    static bool lessByColumn(const FileListRow &a, const FileListRow &b, int column);
+
     int count() const { return int(m_rows.size()); }
     const FileListRow &row(int row) const { return m_rows[size_t(row)]; }
     /// Appends a row and returns its index.
@@ -142,10 +168,17 @@ public:
 private:
     QVariant picture(const QString &key, bool large) const;
     void emitRowChanged(int row, int firstColumn, int lastColumn);
+    void sortRows();
+    void applyOrder(const std::vector<int> &order);
+    int sortedPlaceOf(const FileListRow &row) const;
 
     std::vector<FileListRow> m_rows;
     QString m_columnIcons[ColumnCount];
     int m_published = 0;
+    int m_sortKey = 0;
+    int m_sortOrder = 0;
+    bool m_sorted = false;
+    bool m_sortPending = false;
     int m_batchDepth = 0;
     quint64 m_generation = 0;
     ImageList *m_large = nullptr;

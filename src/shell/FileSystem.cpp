@@ -798,6 +798,11 @@ QString FileSystem::shareNameFromSource(const QString &source)
 
 FolderContents FileSystem::listFolder(const QString &path) const
 {
+    return listFolder(path, {});
+}
+
+FolderContents FileSystem::listFolder(const QString &path, const std::function<bool(const QString &name)> &wanted) const
+{
     FolderContents contents;
     contents.path = cleanPath(path);
     if (contents.path.isEmpty())
@@ -815,6 +820,11 @@ FolderContents FileSystem::listFolder(const QString &path) const
         if (isDotOrDotDot(found->d_name))
             continue;
         const size_t length = std::strlen(found->d_name);
+        const bool known = found->d_type != DT_DIR && found->d_type != DT_UNKNOWN;
+        if (wanted && known && !wanted(FileNameCodec::decode(found->d_name, qsizetype(length)))) {
+            errno = 0;
+            continue;
+        }
         const Lookup lookup = reader.read(found->d_name, length, found->d_type, entry);
         if (lookup == Lookup::Denied)
             throw RuntimeError(ErrorNumber::PermissionDenied);

@@ -152,6 +152,13 @@ public:
      * not a folder, PermissionDenied (70) when it cannot be read.
      */
     FolderContents listFolder(const QString &path) const;
+    /**
+     * listFolder() for a search: an entry the directory reports as neither
+     * a folder nor of unknown kind is looked at only when @p wanted accepts
+     * its name, so a folder of many files that do not match costs no more
+     * than reading its names.
+     */
+    FolderContents listFolder(const QString &path, const std::function<bool(const QString &name)> &wanted) const;
 
     /// The entry for one path (attributes as in listFolder(), its folder's ".hidden" included); nullopt when missing.
     std::optional<FileEntry> entry(const QString &path) const;

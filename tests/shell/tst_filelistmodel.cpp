@@ -9,6 +9,8 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QPersistentModelIndex>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -46,6 +48,8 @@ private Q_SLOTS:
     void textsAndRawValuesOfEachKind();
     void batchPublishesOnceAndKeepsRowsReadable();
     void layoutGenerationMovesOnRemovalAndRename();
+    void sortGivesTheOrderOfTheTexts_data();
+    void sortGivesTheOrderOfTheTexts();
     void takeFactsComparesAsTheTextsDo_data();
     void takeFactsComparesAsTheTextsDo();
     void folderCountIsAFactOfItsStamp();
@@ -296,6 +300,92 @@ void TestFileListModel::filterRules()
     QVERIFY(FileListFilter::isMyComputer(QStringLiteral("mY cOMPUTER")));
     QVERIFY(FileListFilter::isMyFolders(QStringLiteral("MY FOLDERS")));
     QVERIFY(!FileListFilter::isMyFolders(QStringLiteral("My Folders/x")));
+}
+
+void TestFileListModel::sortGivesTheOrderOfTheTexts_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<int>("order");
+    for (int column : {int(Column::SortName), int(Column::SortedSize), int(Column::SortedModified),
+             int(Column::SortedCreated), int(Column::Type), int(Column::Changed), int(Column::Size)}) {
+        for (int order : {0, 1}) {
+            const QByteArray name = QByteArray(FileListModel::columnSpec(column).caption) + (order ? " desc" : " asc");
+            QTest::newRow(name.constData()) << column << order;
+        }
+    }
+}
+
+// Rows of every kind with few distinct values (many ties), sorted by the model from raw facts, must come
+// out in the order a stable case-insensitive sort of the column texts gives; so must a row added later.
+void TestFileListModel::sortGivesTheOrderOfTheTexts()
+{
+    QFETCH(int, column);
+    QFETCH(int, order);
+    QRandomGenerator random(column * 2 + order + 1);
+    const qint64 base = QDateTime(QDate(2021, 3, 1), QTime(12, 0)).toMSecsSinceEpoch();
+    const QStringList names{QStringLiteral("b"), QStringLiteral("B"), QStringLiteral("a.TXT"), QStringLiteral("a.txt"),
+        QStringLiteral("Zed.doc"), QStringLiteral("_x"), QStringLiteral("\x01ctl"), QStringLiteral("\u00e9t\u00e9")};
+    auto makeRow = [&](int i) {
+        const QString name = names[random.bounded(int(names.size()))];
+        const qint64 modified = base + random.bounded(4) * 700 - 1500; // some in the same second
+        const qint64 created = base + random.bounded(3) * 1000;
+        switch (i % 4) {
+        case 0: {
+            FileListRow row
+                = FileListRow::folderOf(fileEntry(name, 0, modified, created), QStringLiteral("/missing"), i % 8 == 0);
+            row.fileCount = random.bounded(3);
+            return row;
+        }
+        case 1:
+            return FileListRow::unavailable(QStringLiteral("/gone/") + name);
+        default:
+            return FileListRow::file(
+                fileEntry(name, random.bounded(3) * 1000, modified, created), QStringLiteral("/d"));
+        }
+    };
+    FileListModel model;
+    for (int i = 0; i < 120; ++i) {
+        model.append(makeRow(i));
+    }
+    QStringList before;
+    for (int r = 0; r < model.count(); ++r) {
+        before << model.text(r, column);
+    }
+    const QPersistentModelIndex tracked = model.index(7, 0);
+    const QString trackedName = model.text(7, Column::RealName);
+
+    model.setSortKey(column);
+    model.setSortOrder(order);
+    model.setSorted(true);
+
+    auto expectTextOrder = [&] {
+        for (int r = 1; r < model.count(); ++r) {
+            const int c = QString::compare(model.text(r - 1, column), model.text(r, column), Qt::CaseInsensitive);
+            QVERIFY2(order == 0 ? c <= 0 : c >= 0, qPrintable(QStringLiteral("row %1").arg(r)));
+        }
+    };
+    expectTextOrder();
+    QCOMPARE(model.text(tracked.row(), Column::RealName), trackedName);
+    // Ties keep their earlier order: the texts in order of the stable sort of the texts before.
+    std::stable_sort(before.begin(), before.end(), [order](const QString &a, const QString &b) {
+        const int c = QString::compare(a, b, Qt::CaseInsensitive);
+        return order == 0 ? c < 0 : c > 0;
+    });
+    for (int r = 0; r < model.count(); ++r) {
+        QCOMPARE(model.text(r, column), before[r]);
+    }
+    for (int i = 0; i < 10; ++i) {
+        const int at = model.append(makeRow(i));
+        QCOMPARE(model.rowCount(), model.count());
+        QVERIFY(at >= 0 && at < model.count());
+    }
+    {
+        FileListModel::Batch batch(&model);
+        for (int i = 0; i < 10; ++i) {
+            model.append(makeRow(i));
+        }
+    }
+    expectTextOrder();
 }
 
 QTEST_MAIN(TestFileListModel)

@@ -94,6 +94,8 @@ void FileViewFill::listMyComputer()
 void FileViewFill::listMyFolders()
 {
     KelofileView::Private &d = *q.d;
+    d.myFoldersEntry.clear();
+    d.enteredFromMyFolders = true;
     if (d.myFolders.isEmpty()) {
         Q_EMIT q.NeedMyFolders(d.myFolders);
     }

@@ -1,5 +1,7 @@
 #include "KelofileView_p.h"
 
+#include "FileIcon.h"
+#include "FileIconProvider.h"
 #include "FileListModel.h"
 #include "FileSystem.h"
 #include "FileViewPropertyTable_p.h"
@@ -9,6 +11,7 @@
 #include "StockEventFilter.h"
 
 #include <QAbstractItemView>
+#include <QKeyEvent>
 #include <QShowEvent>
 #include <QTimer>
 
@@ -23,6 +26,7 @@ KelofileView::Private::Private(KelofileView &view)
     , images(*image32, *image16)
     , filler(view)
     , refresher(view)
+    , searcher(view)
 {
 }
 
@@ -57,9 +61,16 @@ KelofileView::KelofileView(QWidget *parent)
 
     connect(d->refreshTimer, &QTimer::timeout, this, &KelofileView::refreshTick);
     connect(d->list, &ListView::itemClicked, this, [this](int row) {
-        int index = row + 1;
+        d->itemIndex = row + 1;
+        int index = d->itemIndex;
         Q_EMIT ItemClick(index);
     });
+    connect(d->list, &ListView::columnClicked, this, &KelofileView::sortByHeader);
+    connect(d->list, &ListView::itemDoubleClicked, this, &KelofileView::openSelectedItem);
+    // Filters run last-installed first: this one goes before the stock events', so KeyDown comes first.
+    for (QAbstractItemView *view : d->list->views()) {
+        view->installEventFilter(this);
+    }
     forwardStockEvents();
     InitProperties();
 }
@@ -106,6 +117,108 @@ void KelofileView::forwardStockEvents()
         connect(mouse, &StockEventFilter::MouseMove, this, &KelofileView::MouseMove);
         connect(mouse, &StockEventFilter::MouseUp, this, &KelofileView::MouseUp);
     }
+}
+
+// A header sorts by the column its spec names (Name by SortName, Size by SortedSize, ...), else by
+// itself; clicking the header of the present sort column again reverses the order.
+void KelofileView::sortByHeader(int column)
+{
+    FileListModel *model = d->model();
+    for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+        model->setColumnIcon(c, QString());
+    }
+    const int tagged = FileListModel::columnSpec(column).sortColumn;
+    const int sortColumn = tagged > 0 ? tagged : column + 1; // 1-based
+    ListView *list = d->list;
+    if (sortColumn == list->sortKey() + 1 && list->sorted()) {
+        const bool ascending = list->sortOrder() == 0;
+        list->setSortOrder(ascending ? 1 : 0);
+        model->setColumnIcon(column, ascending ? FileIconProvider::SortUp : FileIconProvider::SortDown);
+    } else {
+        model->setColumnIcon(column, FileIconProvider::SortDown);
+        list->setSortKey(sortColumn - 1);
+        list->setSortOrder(0);
+    }
+    list->setSorted(true);
+}
+
+// ---------------------------------------------------------------------------
+// Navigation
+
+void KelofileView::GoUp()
+{
+    QString newPath;
+    if (QString::compare(d->path, d->myFoldersEntry, Qt::CaseInsensitive) != 0) {
+        newPath = FileSystem::parentFolderName(d->path);
+        if (newPath.isEmpty()) {
+            newPath = d->pathRoot;
+        }
+    } else {
+        newPath = MyFolders;
+    }
+    const bool realRoot = !FileListFilter::isMyComputer(d->pathRoot) && !FileListFilter::isMyFolders(d->pathRoot);
+    if (realRoot && d->limitToRoot
+        && QString::compare(newPath.left(d->pathRoot.size()), d->pathRoot, Qt::CaseInsensitive) != 0) {
+        return;
+    }
+    setPath(newPath);
+    d->filler.fill();
+}
+
+void KelofileView::Search(const QString &SearchFor, const QString &SearchRoot, bool SearchSubdirectories)
+{
+    d->searcher.run(SearchFor, SearchRoot, SearchSubdirectories);
+}
+
+void KelofileView::StopSearch()
+{
+    d->searcher.stop();
+}
+
+// The selected item, not the one under the mouse: a double click has selected it already.
+void KelofileView::openSelectedItem()
+{
+    const int row = d->list->selectedRow();
+    if (row < 0 || row >= d->model()->count()) {
+        return;
+    }
+    const FileListRow &item = d->model()->row(row);
+    const QString path = FileSystem::buildPath(item.folder, item.realName());
+    if (d->enteredFromMyFolders) {
+        d->myFoldersEntry = path;
+        d->enteredFromMyFolders = false;
+    }
+    const FileSystem &fs = FileSystem::instance();
+    if (fs.fileExists(path)) {
+        OpenWithAssociatedApp(path, d->list, false);
+    } else if (fs.folderExists(path)) {
+        setPath(path);
+        d->filler.fill();
+    }
+}
+
+bool KelofileView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && d->list->views().contains(watched)) {
+        return navigationKey(static_cast<QKeyEvent *>(event));
+    }
+    return ControlBase::eventFilter(watched, event);
+}
+
+bool KelofileView::navigationKey(QKeyEvent *event)
+{
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const int key = event->key();
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier) {
+        openSelectedItem();
+        return true;
+    }
+    if ((key == Qt::Key_Backspace && modifiers == Qt::NoModifier)
+        || (key == Qt::Key_Up && modifiers == Qt::AltModifier)) {
+        GoUp();
+        return true;
+    }
+    return false;
 }
 
 // ---------------------------------------------------------------------------

@@ -16,6 +16,7 @@
 namespace Kelocontrols {
 class FileViewFill;
 class FileViewRefresh;
+class FileViewSearch;
 class ImageList;
 class ListView;
 } // namespace Kelocontrols
@@ -48,6 +49,22 @@ class ListView;
  * lists `Image32` and `Image16` (children of the control,
  * Kelocontrols::ImageList), the message line `txtMessage` and the timer
  * `RefreshTimer`.
+ *
+ * A click on a column header sorts the list by that column (Name sorts by
+ * SortName, so folders come before files; Size by SortedSize, where a
+ * folder counts its files; Modified and Created by their sortable forms;
+ * Type and Changed by their own text); a second click on the same header
+ * reverses the order. The clicked header shows the Image16 picture
+ * "SortDown" while ascending and "SortUp" while descending, the others none.
+ * The order is ListFiles' SortKey / SortOrder / Sorted; items added while
+ * Sorted is true go to their sorted place.
+ *
+ * Navigation: GoUp() shows the parent folder (see there). A double click
+ * raises DblClick and then opens the selected item: a file with its
+ * associated application, a folder or a drive by showing it. Keys on the
+ * list: Enter opens the selected item as a double click does (without
+ * DblClick), Backspace and Alt+Up call GoUp(); KeyDown is raised first.
+ * ItemClick(Index) sets ItemIndex to the clicked item before it is raised.
  *
  * Event handlers may change the list at any event (ItemClear, ItemRemove,
  * ItemAddNew, PathRoot): a fill or refresh goes on with the list as it is
@@ -108,6 +125,9 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:AllowHiddenFiles", "Lists hidden files and folders.")
     Q_CLASSINFO("Help:AllowSystemFiles", "Lists system files and folders.")
     Q_CLASSINFO("Help:AllowLabelEdit", "Allows renaming items by editing their labels.")
+    Q_CLASSINFO("Help:GoUp", "Shows the parent of the folder shown.")
+    Q_CLASSINFO("Help:Search", "Lists the files and folders below a folder whose names match a pattern.")
+    Q_CLASSINFO("Help:StopSearch", "Ends a running search; what was found so far is listed.")
     Q_CLASSINFO("Help:Refresh", "Brings the list up to date with the folder on disk.")
     Q_CLASSINFO("Help:ItemIndex", "Index for referencing items in the FileView control")
     Q_CLASSINFO("Help:ItemDisplayName", "Display name of the item referenced by ItemIndex")
@@ -356,6 +376,44 @@ public:
      */
     Q_INVOKABLE void Refresh();
 
+    /**
+     * Shows the parent of Path: the parent folder, or PathRoot when Path is
+     * the root of the file system (or "", after a search, once an entry of
+     * "My Folders" was opened); "My Folders" when Path is the "My Folders"
+     * entry the user went down through (or "" with none remembered). With
+     * LimitToRoot and a real PathRoot, a new path that does not begin with
+     * PathRoot (without regard to case; a plain prefix test, so /data2 is
+     * inside /data) is refused silently.
+     */
+    Q_INVOKABLE void GoUp();
+
+    /**
+     * Lists the entries below @p SearchRoot whose names match @p SearchFor
+     * (a Like pattern without regard to case; "" matches everything)
+     * instead of one folder: in each folder its matching files, then each
+     * sub-folder's matches (when @p SearchSubdirectories) followed by the
+     * sub-folder itself when its name matches. Path becomes "" (so Refresh
+     * and the timer leave the result alone) and TotalSize the bytes of the
+     * matching files. Raises BeforeAddItem / AfterAddItem per item and
+     * AfterPaint at the end, not ChangedFolder or BeforePaint; shows
+     * "There are no items to show in this folder." when nothing matched.
+     *
+     * Symbolic links to folders are listed when they match but never
+     * searched into, so a search neither loops nor leaves the tree;
+     * unreadable folders are skipped; pseudo file-system mounts are
+     * searched into only with AllowSystemFiles. Raises PathNotFound (76)
+     * or PermissionDenied (70) when SearchRoot itself cannot be listed.
+     *
+     * While it walks a large tree the search handles pending events every
+     * few tens of milliseconds, so the window keeps painting; a host button
+     * or handler calls StopSearch() to end it early. Fills, refreshes and
+     * another Search started meanwhile do nothing.
+     */
+    Q_INVOKABLE void Search(
+        const QString &SearchFor = QString(), const QString &SearchRoot = QString(), bool SearchSubdirectories = false);
+    /// Ends a running Search at the next folder; what was found so far is listed. Nothing happens otherwise.
+    Q_INVOKABLE void StopSearch();
+
     Kelocontrols::ListView *listFiles() const;
     Kelocontrols::ImageList *image32() const;
     Kelocontrols::ImageList *image16() const;
@@ -394,9 +452,14 @@ private:
     friend class FileViewPropertyTable;
     friend class Kelocontrols::FileViewFill;
     friend class Kelocontrols::FileViewRefresh;
+    friend class Kelocontrols::FileViewSearch;
     class Private;
 
     void forwardStockEvents();
+    void sortByHeader(int column);
+    void openSelectedItem();
+    bool navigationKey(QKeyEvent *event);
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void fillAfterShow();
     void refreshTick();
     void applyRefreshTimer();

@@ -5,6 +5,7 @@
 #include "FileViewImages_p.h"
 #include "FileViewMessage_p.h"
 #include "FileViewRefresh_p.h"
+#include "FileViewSearch_p.h"
 #include "KelofileView.h"
 
 class QTimer;
@@ -51,6 +52,7 @@ public:
     Kelocontrols::FileViewImages images;
     Kelocontrols::FileViewFill filler;
     Kelocontrols::FileViewRefresh refresher;
+    Kelocontrols::FileViewSearch searcher;
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;
@@ -64,6 +66,8 @@ public:
     int oleDragMode = 1;
     int oleDropMode = 2;
     QStringList myFolders;
+    QString myFoldersEntry; ///< the "My Folders" entry the user went down through, "" when none
+    bool enteredFromMyFolders = false; ///< "My Folders" is listed and no item was opened since
 
     int itemIndex = 0;
     int imageIndex = 0;

@@ -368,6 +368,38 @@ void ListView::setLabelWrap(bool wrap)
     applyIconViewMode();
 }
 
+int ListView::sortKey() const
+{
+    return m_model->sortKey();
+}
+
+void ListView::setSortKey(int column)
+{
+    requireOneOf(column, 0, FileListModel::ColumnCount - 1);
+    m_model->setSortKey(column);
+}
+
+int ListView::sortOrder() const
+{
+    return m_model->sortOrder();
+}
+
+void ListView::setSortOrder(int order)
+{
+    requireOneOf(order, 0, 1);
+    m_model->setSortOrder(order);
+}
+
+bool ListView::sorted() const
+{
+    return m_model->sorted();
+}
+
+void ListView::setSorted(bool sorted)
+{
+    m_model->setSorted(sorted);
+}
+
 int ListView::selectedRow() const
 {
     const QModelIndexList rows = m_selection->selectedRows(0);

@@ -53,6 +53,9 @@ class ListView : public QFrame
     Q_PROPERTY(bool HotTracking READ hotTracking WRITE setHotTracking)
     Q_PROPERTY(bool HoverSelection READ hoverSelection WRITE setHoverSelection)
     Q_PROPERTY(bool LabelWrap READ labelWrap WRITE setLabelWrap)
+    Q_PROPERTY(int SortKey READ sortKey WRITE setSortKey)
+    Q_PROPERTY(int SortOrder READ sortOrder WRITE setSortOrder)
+    Q_PROPERTY(bool Sorted READ sorted WRITE setSorted)
 
 public:
     /// The four views of View.
@@ -123,6 +126,16 @@ public:
     void setHoverSelection(bool on);
     bool labelWrap() const { return m_labelWrap; }
     void setLabelWrap(bool wrap);
+
+    /// The column the items are sorted by, 0-based (default 0).
+    int sortKey() const;
+    void setSortKey(int column);
+    /// 0 ascending (default), 1 descending.
+    int sortOrder() const;
+    void setSortOrder(int order);
+    /// Whether the items are kept sorted (default false); setting it true sorts them at once.
+    bool sorted() const;
+    void setSorted(bool sorted);
 
     /// The first selected row (0-based), or -1.
     int selectedRow() const;

@@ -17,18 +17,22 @@
 #include <Kelocontrols/PropertyTable.h>
 #include <Kelocontrols/ReportView.h>
 
+#include <QApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QProcess>
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
+#include <cstdio>
 #include <functional>
 
 #include <fcntl.h>
@@ -125,6 +129,14 @@ private Q_SLOTS:
     void itemMembersAtDesignTime();
     void imageMembers();
     void clickingAnItemRaisesItemClick();
+    void headerClicksSort_data();
+    void goUpRules_data();
+    void goUpRules();
+    void openingItemsByMouseAndKeys();
+    void searchOrderAndSafety_data();
+    void searchOrderAndSafety();
+    void searchSkipsUnreadableFolders();
+    void headerClicksSort();
     void refreshUpdatesInPlace();
     void refreshOfPseudoPaths();
     void refreshTimerRunsOnlyAtRunTime();
@@ -817,8 +829,317 @@ void TestKelofileView::clickingAnItemRaisesItemClick()
     const QRect second = report->visualRect(view.listFiles()->model()->index(1, 0));
     QTest::mouseClick(report->viewport(), Qt::LeftButton, {}, second.center());
     QCOMPARE(clicks, QList<int>{2});
+    QCOMPARE(view.ItemIndex(), 2);
     QCOMPARE(click.count(), 1);
     QCOMPARE(view.ItemSelected(), 2);
+}
+
+void TestKelofileView::headerClicksSort_data()
+{
+    QTest::addColumn<QList<int>>("clicks");
+    QTest::addColumn<QStringList>("order");
+    QTest::addColumn<int>("sortKey");
+    QTest::addColumn<int>("sortOrder");
+    QTest::addColumn<QString>("nameIcon");
+    QTest::addColumn<QString>("sizeIcon");
+    const QString down = FileIconProvider::SortDown;
+    const QString up = FileIconProvider::SortUp;
+    const QStringList byName{"alpha", "Beta", "a.txt", "B.txt", "c.txt", "d.txt"};
+    QStringList byNameDown = byName;
+    std::reverse(byNameDown.begin(), byNameDown.end());
+    // Sizes: alpha 0 files, Beta 2 files, a.txt 3, B.txt 1, c.txt 5, d.txt 1 (a tie with B.txt).
+    const QStringList bySize{"alpha", "B.txt", "d.txt", "Beta", "a.txt", "c.txt"};
+    const QStringList bySizeDown{"c.txt", "a.txt", "Beta", "B.txt", "d.txt", "alpha"};
+    QTest::newRow("Name") << QList<int>{Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Name twice") << QList<int>{Name, Name} << byNameDown << 12 << 1 << up << QString();
+    QTest::newRow("Name thrice") << QList<int>{Name, Name, Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Size") << QList<int>{Size} << bySize << 7 << 0 << QString() << down;
+    QTest::newRow("Size twice") << QList<int>{Size, Size} << bySizeDown << 7 << 1 << QString() << up;
+    QTest::newRow("Type then Name") << QList<int>{Type, Name} << byName << 12 << 0 << down << QString();
+    QTest::newRow("Size, Name, Size") << QList<int>{Size, Name, Size} << bySize << 7 << 0 << QString() << down;
+}
+
+void TestKelofileView::headerClicksSort()
+{
+    QFETCH(QList<int>, clicks);
+    QDir(m_dir->path()).mkpath(QStringLiteral("Beta"));
+    QDir(m_dir->path()).mkpath(QStringLiteral("alpha"));
+    writeFile(path("Beta/one"), 1);
+    writeFile(path("Beta/two"), 1);
+    writeFile(path("c.txt"), 5);
+    writeFile(path("B.txt"), 1);
+    writeFile(path("a.txt"), 3);
+    writeFile(path("d.txt"), 1);
+    KelofileView view;
+    view.resize(600, 300);
+    view.show();
+    view.setPathRoot(m_dir->path());
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QHeaderView *header = view.listFiles()->reportView()->header();
+    for (int column : clicks) {
+        const QPoint at(
+            header->sectionViewportPosition(column) + header->sectionSize(column) / 2, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
+    }
+    QTEST(names(view), "order");
+    ListView *list = view.listFiles();
+    QTEST(list->property("SortKey").toInt(), "sortKey");
+    QTEST(list->property("SortOrder").toInt(), "sortOrder");
+    QVERIFY(list->property("Sorted").toBool());
+    FileListModel *model = list->model();
+    QTEST(model->columnIcon(Name), "nameIcon");
+    QTEST(model->columnIcon(Size), "sizeIcon");
+    for (int c = Type; c < FileListModel::ColumnCount; ++c) {
+        QCOMPARE(model->columnIcon(c), QString());
+    }
+    QCOMPARE(model->headerData(clicks.last(), Qt::Horizontal, Qt::DecorationRole).isNull(), false);
+
+    // An item added while sorted goes to its sorted place, and AfterAddItem tells that place.
+    QFETCH(QStringList, order);
+    writeFile(path("b2.txt"), 2);
+    QList<int> added;
+    connect(&view, &KelofileView::AfterAddItem, [&](int &index) { added << index; });
+    const int index = view.ItemAddNew(path("b2.txt"));
+    QCOMPARE(added, QList<int>{index});
+    QStringList expected = names(view);
+    expected.removeAt(index - 1);
+    QCOMPARE(expected, order);
+    QCOMPARE(cell(view, index - 1, Name), QStringLiteral("b2.txt"));
+    const FileListRow &newRow = model->row(index - 1);
+    const int key = list->sortKey();
+    const bool ascending = list->sortOrder() == 0;
+    if (index > 1) {
+        const FileListRow &before = model->row(index - 2);
+        QVERIFY(!(ascending ? FileListModel::lessByColumn(newRow, before, key)
+                            : FileListModel::lessByColumn(before, newRow, key)));
+    }
+    if (index < view.ItemCount()) {
+        const FileListRow &after = model->row(index);
+        QVERIFY(ascending ? FileListModel::lessByColumn(newRow, after, key)
+                          : FileListModel::lessByColumn(after, newRow, key));
+    }
+}
+
+void TestKelofileView::goUpRules_data()
+{
+    // "~" is the test folder, other relative paths lie inside it; "/", "" and the pseudo-paths stand for themselves.
+    QTest::addColumn<QString>("pathRoot");
+    QTest::addColumn<bool>("limit");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("at PathRoot, limited") << "data" << true << "data"
+                                          << "data";
+    QTest::newRow("at PathRoot, unlimited") << "data" << false << "data"
+                                            << "~";
+    QTest::newRow("inside PathRoot") << "data" << true << "data/sub"
+                                     << "data";
+    QTest::newRow("a plain prefix counts as inside") << "data" << true << "data2/x"
+                                                     << "data2";
+    QTest::newRow("above PathRoot refused") << "data" << true << "data2"
+                                            << "data2";
+    QTest::newRow("prefix without regard to case") << "data" << true << "DATA/sub"
+                                                   << "DATA";
+    QTest::newRow("file system root goes to PathRoot") << "data" << false << "/"
+                                                       << "data";
+    QTest::newRow("file system root to My Computer") << "My Computer" << true << "/"
+                                                     << "My Computer";
+    QTest::newRow("search result, unlimited") << "data" << false << ""
+                                              << "My Folders";
+    QTest::newRow("search result, limited") << "data" << true << ""
+                                            << "";
+}
+
+void TestKelofileView::goUpRules()
+{
+    QFETCH(QString, pathRoot);
+    QFETCH(bool, limit);
+    QFETCH(QString, start);
+    QFETCH(QString, expected);
+    for (const char *folder : {"data/sub", "DATA/sub", "data2/x"}) {
+        QDir(m_dir->path()).mkpath(QString::fromLatin1(folder));
+    }
+    auto resolve = [this](const QString &p) {
+        if (p == QLatin1String("~")) {
+            return m_dir->path();
+        }
+        const bool special = p.isEmpty() || p.startsWith(QLatin1Char('/')) || p.startsWith(QLatin1String("My "));
+        return special ? p : path(p);
+    };
+    KelofileView view;
+    view.setPathRoot(resolve(pathRoot));
+    view.setLimitToRoot(limit);
+    view.setPath(resolve(start));
+    int fills = 0;
+    connect(&view, &KelofileView::ChangedFolder, [&](int &) { ++fills; });
+    view.GoUp();
+    QCOMPARE(view.Path(), resolve(expected));
+    QCOMPARE(fills, resolve(expected) == resolve(start) ? 0 : 1);
+}
+
+void TestKelofileView::openingItemsByMouseAndKeys()
+{
+    XdgTestSandbox sandbox;
+    sandbox.addRecorder(QStringLiteral("kelo-viewer"));
+    sandbox.addEntry(QStringLiteral("viewer.desktop"), QStringLiteral("kelo-viewer %f"), QStringLiteral("text/plain"));
+    QDir(m_dir->path()).mkpath(QStringLiteral("sub"));
+    writeFile(path("sub/doc.txt"), 3);
+    KelofileView view;
+    view.resize(600, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QStringList events;
+    connect(&view, &KelofileView::NeedMyFolders, [&](QStringList &folders) { folders << path("sub"); });
+    connect(&view, &KelofileView::DblClick, [&] { events << QStringLiteral("DblClick"); });
+    connect(
+        &view, &KelofileView::ChangedFolder, [&](int &) { events << QStringLiteral("ChangedFolder:") + view.Path(); });
+    view.setPathRoot(KelofileView::MyFolders);
+    ReportView *report = view.listFiles()->reportView();
+    auto doubleClickRow = [&](int row) {
+        const QRect rect = report->visualRect(view.listFiles()->model()->index(row, 0));
+        QTest::mouseClick(report->viewport(), Qt::LeftButton, {}, rect.center());
+        QTest::mouseDClick(report->viewport(), Qt::LeftButton, {}, rect.center());
+    };
+    auto key = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(report, key, modifiers); };
+
+    // A "My Folders" entry is entered and remembered, so GoUp comes back to "My Folders".
+    events.clear();
+    doubleClickRow(0);
+    QCOMPARE(events, QStringList({"DblClick", "ChangedFolder:" + path("sub")}));
+    QCOMPARE(view.Path(), path("sub"));
+    view.GoUp();
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+
+    // Enter opens the selected folder, Backspace and Alt+Up go up.
+    view.setItemSelected(1);
+    key(Qt::Key_Return);
+    QCOMPARE(view.Path(), path("sub"));
+    key(Qt::Key_Backspace);
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+    view.setItemSelected(1);
+    key(Qt::Key_Enter, Qt::KeypadModifier);
+    key(Qt::Key_Up, Qt::AltModifier);
+    QCOMPARE(view.Path(), KelofileView::MyFolders);
+
+    // A file opens with its application; the list stays.
+    view.setItemSelected(1);
+    key(Qt::Key_Return);
+    events.clear();
+    doubleClickRow(0);
+    QCOMPARE(events, QStringList{"DblClick"});
+    QCOMPARE(view.Path(), path("sub"));
+    QCOMPARE(sandbox.waitForArguments(QStringLiteral("kelo-viewer")),
+        QList<QByteArray>{QFile::encodeName(path("sub/doc.txt"))});
+
+    // A drive of "My Computer" opens its root.
+    view.setPathRoot(KelofileView::MyComputer);
+    if (view.ItemCount() == 0) {
+        QSKIP("no drives listed on this machine");
+    }
+    view.setItemIndex(1);
+    const QString root = view.ItemName();
+    doubleClickRow(0);
+    QCOMPARE(view.Path(), root);
+}
+
+// The found items as paths below @p root; a name that is not UTF-8 shows as "caf?".
+static QStringList foundBelow(KelofileView &view, const QString &root)
+{
+    QStringList found;
+    for (int r = 0; r < view.ItemCount(); ++r) {
+        QString name = cell(view, r, RealName);
+        if (name.startsWith(QLatin1String("caf"))) {
+            name = QStringLiteral("caf?");
+        }
+        found << QDir(root).relativeFilePath(FileSystem::buildPath(cell(view, r, Folder), name));
+    }
+    return found;
+}
+
+// a7.txt (3 bytes), b.txt, caf\xe9 7.txt (4), dir7/in7.txt (2), dir7/deep/d7.txt (1), link7 -> dir7, loop -> the root.
+// Returns a guard that removes the name QTemporaryDir cannot.
+static auto makeSearchTree(const QString &root)
+{
+    const QByteArray raw = QFile::encodeName(root) + "/caf\xe9 7.txt";
+    auto guard = qScopeGuard([raw] { ::unlink(raw.constData()); });
+    QDir(root).mkpath(QStringLiteral("dir7/deep"));
+    KeloTest::writeFile(root + QStringLiteral("/a7.txt"), 3);
+    KeloTest::writeFile(root + QStringLiteral("/b.txt"), 1);
+    KeloTest::writeFile(root + QStringLiteral("/dir7/in7.txt"), 2);
+    KeloTest::writeFile(root + QStringLiteral("/dir7/deep/d7.txt"), 1);
+    const int fd = ::open(raw.constData(), O_CREAT | O_WRONLY, 0644);
+    if (fd >= 0) {
+        (void)::write(fd, "abcd", 4);
+        ::close(fd);
+    }
+    QFile::link(root + QStringLiteral("/dir7"), root + QStringLiteral("/link7"));
+    QFile::link(root, root + QStringLiteral("/loop"));
+    return guard;
+}
+
+void TestKelofileView::searchOrderAndSafety_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<bool>("subdirectories");
+    QTest::addColumn<QStringList>("found");
+    QTest::addColumn<int>("totalSize");
+    QTest::newRow("files, whole tree") << "*7*.TXT" << true
+                                       << QStringList{"a7.txt", "caf?", "dir7/in7.txt", "dir7/deep/d7.txt"} << 10;
+    QTest::newRow("folders after their contents")
+        << "*7*" << true << QStringList{"a7.txt", "caf?", "dir7/in7.txt", "dir7/deep/d7.txt", "dir7", "link7"} << 10;
+    QTest::newRow("root only") << "*7*" << false << QStringList{"a7.txt", "caf?", "dir7", "link7"} << 7;
+    QTest::newRow("everything at the root")
+        << "" << false << QStringList{"a7.txt", "b.txt", "caf?", "dir7", "link7", "loop"} << 8;
+    QTest::newRow("nothing") << "*.none" << true << QStringList{} << 0;
+}
+
+void TestKelofileView::searchOrderAndSafety()
+{
+    QFETCH(QString, pattern);
+    QFETCH(bool, subdirectories);
+    const auto removeRaw = makeSearchTree(m_dir->path());
+    KelofileView view;
+    view.setPathRoot(m_dir->path());
+    Recorder recorder(view);
+    view.Search(pattern, m_dir->path(), subdirectories);
+    QTEST(foundBelow(view, m_dir->path()), "found");
+    QTEST(view.TotalSize(), "totalSize");
+    QCOMPARE(view.Path(), QString());
+    QVERIFY(!recorder.events.contains(QStringLiteral("ChangedFolder")));
+    QVERIFY(!recorder.events.contains(QStringLiteral("BeforePaint")));
+    QCOMPARE(recorder.events.last(), QStringLiteral("AfterPaint"));
+    QCOMPARE(recorder.events.count(QStringLiteral("AfterPaint")), 1);
+    QCOMPARE(view.findChild<QLineEdit *>(QStringLiteral("txtMessage"))->text(),
+        view.ItemCount() == 0 ? KelofileView::EmptyFolderMessage : QString());
+    for (int r = 0; r < view.ItemCount(); ++r) { // every found item can be reached by its path
+        const QString found = FileSystem::buildPath(cell(view, r, Folder), cell(view, r, RealName));
+        QVERIFY2(FileSystem::instance().entry(found).has_value(), qPrintable(found));
+    }
+    view.Refresh(); // a search result is left alone
+    QTEST(foundBelow(view, m_dir->path()), "found");
+}
+
+// Root reads everything: the search runs in a child as nobody, where locked/ cannot be read.
+void TestKelofileView::searchSkipsUnreadableFolders()
+{
+    const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+    if (::geteuid() != 0 || setpriv.isEmpty()) {
+        QSKIP("needs root and setpriv to run a child as nobody");
+    }
+    const auto removeRaw = makeSearchTree(m_dir->path());
+    QDir(m_dir->path()).mkpath(QStringLiteral("locked"));
+    writeFile(path("locked/l7.txt"), 1);
+    QCOMPARE(::chmod(QFile::encodeName(m_dir->path()).constData(), 0755), 0);
+    QCOMPARE(::chmod(QFile::encodeName(path("locked")).constData(), 0700), 0);
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KELO_SEARCH_CHILD"), m_dir->path());
+    child.setProcessEnvironment(environment);
+    child.start(setpriv,
+        {QStringLiteral("--reuid=nobody"), QStringLiteral("--regid=nogroup"), QStringLiteral("--clear-groups"),
+            QCoreApplication::applicationFilePath()});
+    QVERIFY(child.waitForFinished(30000));
+    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()),
+        QStringLiteral("a7.txt\ncaf?\ndir7/in7.txt\ndir7/deep/d7.txt\n"));
 }
 
 void TestKelofileView::refreshUpdatesInPlace()
@@ -1086,5 +1407,27 @@ void TestKelofileView::namesDifferingInCaseKeepTheirItems()
     QCOMPARE(cell(view, 1, Size), QStringLiteral("1KB"));
 }
 
-QTEST_MAIN(TestKelofileView)
+// The child of searchSkipsUnreadableFolders: searches the tree and prints what it found.
+static int runSearchChild(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    const QString root = qEnvironmentVariable("KELO_SEARCH_CHILD");
+    KelofileView view;
+    view.Search(QStringLiteral("*7*.txt"), root, true);
+    for (const QString &found : foundBelow(view, root)) {
+        std::fputs(qPrintable(found + QLatin1Char('\n')), stdout);
+    }
+    return 0;
+}
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsSet("KELO_SEARCH_CHILD")) {
+        return runSearchChild(argc, argv);
+    }
+    QApplication app(argc, argv);
+    TestKelofileView test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_kelofileview.moc"
