@@ -28,6 +28,33 @@
  * meta-object system sees an enumeration; its accessors take and return the
  * value class.
  */
+
+/**
+ * The value part of a published enumeration class `Name`: it converts from
+ * its `Value` members, from an int (explicitly, as a cast from a number) and
+ * back to `Value`, so the class is declared, compared and switched on like
+ * the enumeration itself. Each class still writes out its Q_GADGET and
+ * Q_ENUM(Value): moc reads those, and it does not expand macros.
+ */
+#define KELO_ENUMERATION_VALUE(Name)                                                                                   \
+public:                                                                                                                \
+    constexpr Name() noexcept = default;                                                                               \
+    constexpr Name(Value value) noexcept                                                                               \
+        : m_value(value)                                                                                               \
+    {                                                                                                                  \
+    }                                                                                                                  \
+    constexpr explicit Name(int value) noexcept                                                                        \
+        : m_value(Value(value))                                                                                        \
+    {                                                                                                                  \
+    }                                                                                                                  \
+    constexpr operator Value() const noexcept                                                                          \
+    {                                                                                                                  \
+        return m_value;                                                                                                \
+    }                                                                                                                  \
+                                                                                                                       \
+private:                                                                                                               \
+    Value m_value = Value(0);
+
 namespace Kelocontrols {
 
 /// How the chameleon paints the background of its form.
@@ -39,19 +66,7 @@ public:
     enum Value : int { None = 0, SystemDefault = 1, FixedColor = 2, VariedColor = 3, Picture = 4 };
     Q_ENUM(Value)
 
-    constexpr keloBackgroundStyle() noexcept = default;
-    constexpr keloBackgroundStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloBackgroundStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloBackgroundStyle)
 };
 
 /// The animation that follows the mouse over the chameleon's form.
@@ -63,19 +78,7 @@ public:
     enum Value : int { None = 0, Stars = 1, Ripples = 2, Atom = 3, Starburst = 4, Lightning = 5 };
     Q_ENUM(Value)
 
-    constexpr keloWandStyle() noexcept = default;
-    constexpr keloWandStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloWandStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloWandStyle)
 };
 
 /// Whether the chameleon gives its form and controls a common font.
@@ -87,19 +90,7 @@ public:
     enum Value : int { None = 0, ChangeFont = 1 };
     Q_ENUM(Value)
 
-    constexpr keloFontStyle() noexcept = default;
-    constexpr keloFontStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloFontStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloFontStyle)
 };
 
 /// Where the chameleon places its background picture.
@@ -121,19 +112,7 @@ public:
     };
     Q_ENUM(Value)
 
-    constexpr keloPictureStyle() noexcept = default;
-    constexpr keloPictureStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloPictureStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloPictureStyle)
 };
 
 /// How the score card presents its value.
@@ -156,19 +135,7 @@ public:
     };
     Q_ENUM(Value)
 
-    constexpr keloScoreCardStyle() noexcept = default;
-    constexpr keloScoreCardStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloScoreCardStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloScoreCardStyle)
 };
 
 /// Where a gauge prints its value as text.
@@ -180,19 +147,7 @@ public:
     enum Value : int { None = 0, AtLeft = 1, AtMiddle = 2, AtRight = 3, AtTop = 4, AtBottom = 5, Adjust = 6 };
     Q_ENUM(Value)
 
-    constexpr keloShowValue() noexcept = default;
-    constexpr keloShowValue(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloShowValue(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloShowValue)
 };
 
 /// What the score card's tool tip shows.
@@ -204,19 +159,7 @@ public:
     enum Value : int { None = 0, ShowTextAsTip = 1, ShowValueAsTip = 2, ShowBothAsTip = 3 };
     Q_ENUM(Value)
 
-    constexpr keloToolTipStyle() noexcept = default;
-    constexpr keloToolTipStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloToolTipStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloToolTipStyle)
 };
 
 /// How a gauge marks its value.
@@ -228,19 +171,7 @@ public:
     enum Value : int { None = 0, ShowLine = 1, ShowBar = 2, ShowFlatBar = 3 };
     Q_ENUM(Value)
 
-    constexpr keloMarkerStyle() noexcept = default;
-    constexpr keloMarkerStyle(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloMarkerStyle(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloMarkerStyle)
 };
 
 /// The direction of a gauge.
@@ -252,19 +183,7 @@ public:
     enum Value : int { Horizontal = 0, Vertical = 1 };
     Q_ENUM(Value)
 
-    constexpr keloGaugeOrientation() noexcept = default;
-    constexpr keloGaugeOrientation(Value value) noexcept
-        : m_value(value)
-    {
-    }
-    constexpr explicit keloGaugeOrientation(int value) noexcept
-        : m_value(Value(value))
-    {
-    }
-    constexpr operator Value() const noexcept { return m_value; }
-
-private:
-    Value m_value = Value(0);
+    KELO_ENUMERATION_VALUE(keloGaugeOrientation)
 };
 
 /// Every published enumeration, in the order of this header.
