@@ -119,7 +119,7 @@ void KelofileView::forwardStockEvents()
     }
 }
 
-// A header sorts by the column its spec names (Name by SortName, Size by SortedSize, ...), else by
+// A header sorts by the column that holds its sort key (Name by SortName, Size by SortedSize, ...), else by
 // itself; clicking the header of the present sort column again reverses the order.
 void KelofileView::sortByHeader(int column)
 {
