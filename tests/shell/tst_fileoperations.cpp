@@ -163,6 +163,28 @@ private:
         QTest::addColumn<QStringList>("after");
     }
 
+    /// One row of the tables that columns() declares.
+    struct Case
+    {
+        QStringList tree;
+        QString op, source, target;
+        bool flag, ok;
+        QStringList after;
+    };
+
+    /// The current row of a columns() table.
+    static Case currentCase()
+    {
+        QFETCH(QStringList, tree);
+        QFETCH(QString, op);
+        QFETCH(QString, source);
+        QFETCH(QString, target);
+        QFETCH(bool, flag);
+        QFETCH(bool, ok);
+        QFETCH(QStringList, after);
+        return {tree, op, source, target, flag, ok, after};
+    }
+
     /// Makes a small tmpfs at root()/small (size in kilobytes); false with the reason when it cannot.
     bool mountSmallDisk(int kilobytes, QString &reason)
     {
@@ -286,13 +308,7 @@ void TestFileOperations::crossFileSystem_data()
 
 void TestFileOperations::crossFileSystem()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QFETCH(QStringList, there);
     if (!m_other || !m_other->isValid())
         QSKIP("/dev/shm is not available for a second file system");
@@ -339,13 +355,7 @@ void TestFileOperations::fullDisk_data()
 
 void TestFileOperations::fullDisk()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QVERIFY(makeTree(root(), tree + QStringList{"small/"}));
     QString reason;
     if (!mountSmallDisk(1024, reason))
@@ -384,13 +394,7 @@ void TestFileOperations::permissionDenied_data()
 
 void TestFileOperations::permissionDenied()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     if (::geteuid() != 0)
         QSKIP("dropping to nobody needs root");
     const QString setpriv = QStandardPaths::findExecutable("setpriv");
@@ -437,13 +441,7 @@ void TestFileOperations::readOnlyMount_data()
 
 void TestFileOperations::readOnlyMount()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QVERIFY(makeTree(root(), tree));
     if (!g_privateMounts)
         QSKIP(qPrintable(g_privateMountsReason));
@@ -471,13 +469,7 @@ void TestFileOperations::vanishingSource_data()
 
 void TestFileOperations::vanishingSource()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QString targetPath = at(target);
     if (target.startsWith('@')) {
         if (!m_other || !m_other->isValid())
@@ -520,13 +512,7 @@ void TestFileOperations::cancel_data()
 
 void TestFileOperations::cancel()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(QString, target);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QString targetPath = at(target);
     if (target.startsWith('@')) {
         if (!m_other || !m_other->isValid())
