@@ -9,6 +9,7 @@
 #include <QMetaProperty>
 #include <QRect>
 #include <QStringList>
+#include <QTest>
 #include <QWidget>
 #include <QXmlStreamReader>
 
@@ -143,6 +144,17 @@ inline QStringList mismatches(const QWidget *root, const QList<Widget> &form)
         }
     }
     return found;
+}
+
+/// The rows of a data table over the form files saved by the form editor: one "form" column, the file name.
+inline void addSavedFormRows()
+{
+    QTest::addColumn<QString>("form");
+    QTest::newRow("three cards") << "scorecard.ui";
+    QTest::newRow("score range 0..100") << "scorerange.ui";
+    QTest::newRow("every enumeration of every control") << "enumerations.ui";
+    QTest::newRow("thresholds away from their defaults") << "thresholds.ui";
+    QTest::newRow("written for uic") << "uicform.ui";
 }
 
 } // namespace FormFile

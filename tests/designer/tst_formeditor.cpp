@@ -135,13 +135,7 @@ void tst_FormEditor::createsDesignModeControls()
 
 void tst_FormEditor::roundTripsForms_data()
 {
-    QTest::addColumn<QString>("form");
-
-    QTest::newRow("three cards") << "scorecard.ui";
-    QTest::newRow("score range 0..100") << "scorerange.ui";
-    QTest::newRow("every enumeration of every control") << "enumerations.ui";
-    QTest::newRow("thresholds away from their defaults") << "thresholds.ui";
-    QTest::newRow("written for uic") << "uicform.ui";
+    FormFile::addSavedFormRows();
 }
 
 // Each form was saved by this form editor: opened again, its controls hold

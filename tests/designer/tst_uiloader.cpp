@@ -188,12 +188,7 @@ void tst_UiLoader::createsRunModeControls()
 
 void tst_UiLoader::loadsDesignerForms_data()
 {
-    QTest::addColumn<QString>("form");
-    QTest::newRow("three cards") << "scorecard.ui";
-    QTest::newRow("score range 0..100") << "scorerange.ui";
-    QTest::newRow("every enumeration of every control") << "enumerations.ui";
-    QTest::newRow("thresholds away from their defaults") << "thresholds.ui";
-    QTest::newRow("written for uic") << "uicform.ui";
+    FormFile::addSavedFormRows();
 }
 
 // Every property a form file sets comes back with the value in the file.
