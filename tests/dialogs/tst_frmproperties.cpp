@@ -7,6 +7,10 @@
 #include "PictureBox.h"
 #include "frmProperties.h"
 
+#include "KeloTestSupport.h"
+#include "controls/ControlTestSupport.h"
+#include "shell/FileTreeFixture.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QDateTime>
@@ -31,29 +35,10 @@
 #include <functional>
 
 using namespace Kelocontrols;
+using KeloTest::diskPath;
+using KeloTest::MsgBoxRecorder;
 
 namespace {
-
-// Collects the message boxes shown while it lives, answering OK.
-class BoxRecorder
-{
-public:
-    BoxRecorder()
-    {
-        m_previous = setMsgBoxHandler([this](const QString &prompt, int buttons, const QString &) {
-            boxes.append(QString::number(buttons) + QLatin1Char('|') + prompt);
-            return MsgBoxResult::OK;
-        });
-    }
-    ~BoxRecorder() { setMsgBoxHandler(m_previous); }
-    BoxRecorder(const BoxRecorder &) = delete;
-    BoxRecorder &operator=(const BoxRecorder &) = delete;
-
-    QStringList boxes; ///< "<style>|<prompt>"
-
-private:
-    MsgBoxHandler m_previous;
-};
 
 /// What the dialog showed while it was open.
 struct Shown
@@ -122,14 +107,9 @@ Shown showAndPlay(const QString &path, const Script &script = {}, const QString 
     return showAndPlay(dialog, path, script, name);
 }
 
-QByteArray bytesOf(const QString &path)
-{
-    return FileNameCodec::encode(path);
-}
-
 void makeFile(const QString &path, qint64 size = 0)
 {
-    const int fd = ::open(bytesOf(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    const int fd = ::open(diskPath(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     QVERIFY2(fd >= 0, qPrintable(path));
     QCOMPARE(::ftruncate(fd, size), 0); // sparse: big sizes cost no disk
     ::close(fd);
@@ -140,7 +120,7 @@ mode_t modeOf(const QString &path)
     struct stat info
     {
     };
-    ::stat(bytesOf(path).constData(), &info);
+    ::stat(diskPath(path).constData(), &info);
     return info.st_mode & 07777;
 }
 
@@ -150,13 +130,11 @@ QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<none>");
 }
 
-void writeFile(const QString &path, const QByteArray &content)
+/// Writes the list of hidden names, or leaves it out for "<none>".
+void writeList(const QString &path, const QByteArray &content)
 {
-    if (content == "<none>")
-        return;
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
+    if (content != "<none>")
+        QVERIFY(KeloTest::writeFile(path, content));
 }
 
 QString longDate(qint64 milliseconds)
@@ -211,7 +189,7 @@ void tst_frmProperties::init()
 void tst_frmProperties::cleanup()
 {
     QLocale::setDefault(QLocale::c());
-    ::unlink(bytesOf(path(latin1Name())).constData()); // QDir cannot remove a name that is not UTF-8
+    ::unlink(diskPath(path(latin1Name())).constData()); // QDir cannot remove a name that is not UTF-8
     m_dir.reset();
 }
 
@@ -281,16 +259,10 @@ void tst_frmProperties::sizes_data()
                            << "0KB (0 bytes)";
     QTest::newRow("one byte, plural kept") << 1LL << "C"
                                            << "1KB (1 bytes)";
-    QTest::newRow("1023") << 1023LL << "C"
-                          << "1KB (1,023 bytes)";
     QTest::newRow("1024") << 1024LL << "C"
                           << "1KB (1,024 bytes)";
     QTest::newRow("1025") << 1025LL << "C"
                           << "2KB (1,025 bytes)";
-    QTest::newRow("1 MiB") << 1048576LL << "C"
-                           << "1024KB (1,048,576 bytes)";
-    QTest::newRow("1 MiB + 1") << 1048577LL << "C"
-                               << "1025KB (1,048,577 bytes)";
     QTest::newRow("over 32 bits of bytes") << 5000000000LL << "C"
                                            << "4882813KB (5,000,000,000 bytes)";
     QTest::newRow("over 32 bits of kilobytes") << 3000000000001LL << "C"
@@ -320,7 +292,6 @@ void tst_frmProperties::contents_data()
     QTest::newRow("one folder") << 0 << 1 << "Contains: No files. 1 folder.";
     QTest::newRow("three folders") << 0 << 3 << "Contains: No files. 3 folders.";
     QTest::newRow("twelve and one") << 12 << 1 << "Contains: 12 files. 1 folder.";
-    QTest::newRow("two and two") << 2 << 2 << "Contains: 2 files. 2 folders.";
 }
 
 void tst_frmProperties::contents()
@@ -369,8 +340,8 @@ void tst_frmProperties::attributesShown()
         QVERIFY(QDir().mkdir(item));
     else
         makeFile(item);
-    QCOMPARE(::chmod(bytesOf(item).constData(), mode_t(mode)), 0);
-    writeFile(path(QStringLiteral(".hidden")), hiddenList);
+    QCOMPARE(::chmod(diskPath(item).constData(), mode_t(mode)), 0);
+    writeList(path(QStringLiteral(".hidden")), hiddenList);
 
     const Shown shown = showAndPlay(item);
     QTEST(shown.readOnly, "readOnly");
@@ -417,18 +388,18 @@ void tst_frmProperties::apply()
     const QString item = path(QStringLiteral("item"));
     const QString list = path(QStringLiteral(".hidden"));
     makeFile(item, 3);
-    QCOMPARE(::chmod(bytesOf(item).constData(), mode_t(mode)), 0);
-    writeFile(list, hiddenList);
+    QCOMPARE(::chmod(diskPath(item).constData(), mode_t(mode)), 0);
+    writeList(list, hiddenList);
     if (hiddenList != "<none>")
-        QCOMPARE(::chmod(bytesOf(list).constData(), 0640), 0);
+        QCOMPARE(::chmod(diskPath(list).constData(), 0640), 0);
     const qint64 listModified = QFileInfo(list).lastModified().toMSecsSinceEpoch();
     QTest::qWait(5); // so that a rewrite would show in the modification time
 
-    BoxRecorder boxes;
+    MsgBoxRecorder boxes;
     showAndPlay(item, {readOnly, hidden, presses});
     QTEST(int(modeOf(item)), "expectedMode");
     QTEST(readFile(list), "expectedList");
-    QCOMPARE(boxes.boxes, QStringList());
+    QCOMPARE(boxes.calls, QStringList());
     QCOMPARE(readFile(item), QByteArray(3, '\0'));
     if (readFile(list) == hiddenList && hiddenList != "<none>") {
         QCOMPARE(QFileInfo(list).lastModified().toMSecsSinceEpoch(), listModified);
@@ -439,24 +410,24 @@ void tst_frmProperties::apply()
 
 void tst_frmProperties::missingPath()
 {
-    BoxRecorder boxes;
+    MsgBoxRecorder boxes;
     const QString file = path(QStringLiteral("here.txt"));
     makeFile(file, 1);
-    QCOMPARE(::chmod(bytesOf(file).constData(), 0444), 0);
+    QCOMPARE(::chmod(diskPath(file).constData(), 0444), 0);
     frmProperties dialog;
     QVERIFY(showAndPlay(dialog, file).readOnly);
 
     const QString missing = path(QStringLiteral("gone/nowhere.txt"));
     const Shown shown = showAndPlay(dialog, missing);
     QVERIFY(!shown.opened);
-    QCOMPARE(boxes.boxes, QStringList{QStringLiteral("64|Can not find '") + missing + QLatin1Char('\'')});
+    QCOMPARE(boxes.calls, QStringList{QStringLiteral("64|Can not find '") + missing + QStringLiteral("'|")});
     // Cleared before the existence test.
     QCOMPARE(valuesOf(dialog), QStringList(7, QString()));
     QVERIFY(!box(dialog, 0)->isChecked() && !box(dialog, 1)->isChecked());
 
-    boxes.boxes.clear();
+    boxes.calls.clear();
     ShowFileProperties(QString());
-    QCOMPARE(boxes.boxes, QStringList{QStringLiteral("64|Can not find ''")});
+    QCOMPARE(boxes.calls, QStringList{QStringLiteral("64|Can not find ''|")});
 }
 
 void tst_frmProperties::oddNames_data()
@@ -470,10 +441,10 @@ void tst_frmProperties::oddNames_data()
                             << "" << QByteArray("<b>bold&amp;\n");
     QTest::newRow("not UTF-8") << latin1Name() << "" << QByteArray("caf\xe9.txt\n");
     QTest::newRow("line break") << "line\nbreak"
-                                << "16|A name with a line break or ending in a blank cannot be listed in '.hidden'"
+                                << "16|A name with a line break or ending in a blank cannot be listed in '.hidden'|"
                                 << QByteArray("<none>");
     QTest::newRow("trailing blank") << "blank "
-                                    << "16|A name with a line break or ending in a blank cannot be listed in '.hidden'"
+                                    << "16|A name with a line break or ending in a blank cannot be listed in '.hidden'|"
                                     << QByteArray("<none>");
 }
 
@@ -483,14 +454,14 @@ void tst_frmProperties::oddNames()
     QFETCH(QString, box);
     const QString item = path(name);
     makeFile(item, 2);
-    BoxRecorder boxes;
+    MsgBoxRecorder boxes;
     const Shown shown = showAndPlay(item, {1, 1, {0}});
     QCOMPARE(shown.title, name + QStringLiteral(" Properties"));
     QCOMPARE(shown.values.at(0), name);
     QCOMPARE(shown.values.at(3), QStringLiteral("1KB (2 bytes)"));
     // Read-only is written first, so it holds even when the name cannot be hidden.
     QCOMPARE(int(modeOf(item)), 0444);
-    QCOMPARE(boxes.boxes, box.isEmpty() ? QStringList() : QStringList{box});
+    QCOMPARE(boxes.calls, box.isEmpty() ? QStringList() : QStringList{box});
     QTEST(readFile(path(QStringLiteral(".hidden"))), "expectedList");
 }
 
@@ -512,9 +483,9 @@ void tst_frmProperties::refusedAsAnotherUser()
     const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
     if (::geteuid() != 0 || setpriv.isEmpty())
         QSKIP("needs root and setpriv to run a child as nobody");
-    QCOMPARE(::chmod(bytesOf(m_dir->path()).constData(), 0755), 0);
+    QCOMPARE(::chmod(diskPath(m_dir->path()).constData(), 0755), 0);
     QVERIFY(QDir().mkdir(path(QStringLiteral("locked"))));
-    QCOMPARE(::chmod(bytesOf(path(QStringLiteral("locked"))).constData(), 0700), 0);
+    QCOMPARE(::chmod(diskPath(path(QStringLiteral("locked"))).constData(), 0700), 0);
     makeFile(path(QStringLiteral("locked.txt")), 1);
 
     QProcess child;
@@ -566,8 +537,8 @@ void tst_frmProperties::layout()
         makeFile(itemPath, item.endsWith(QLatin1String(".pdf")) ? 2345678 : 1025);
     }
     if (item == QLatin1String("settings.json")) {
-        QCOMPARE(::chmod(bytesOf(itemPath).constData(), 0444), 0);
-        writeFile(path(QStringLiteral(".hidden")), "settings.json\n");
+        QCOMPARE(::chmod(diskPath(itemPath).constData(), 0444), 0);
+        writeList(path(QStringLiteral(".hidden")), "settings.json\n");
     }
 
     frmProperties dialog;

@@ -4,10 +4,10 @@
 #include <Kelocontrols/RuntimeError.h>
 
 #include "KeloTestSupport.h"
+#include "controls/ControlTestSupport.h"
 
 #include <QLabel>
 #include <QListView>
-#include <QMetaClassInfo>
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -15,6 +15,8 @@
 #include <QTest>
 
 using Kelocontrols::PropertyBag;
+using KeloTest::listTexts;
+using KeloTest::listValues;
 
 namespace {
 
@@ -28,24 +30,6 @@ QLabel *labelOf(const KelolistBox &box)
     return box.findChild<QLabel *>(QStringLiteral("labItem"));
 }
 
-QStringList texts(const KelolistBox &box)
-{
-    QStringList list;
-    for (int row = 0; row < box.ListCount(); ++row) {
-        list << listOf(box)->model()->index(row, 0).data().toString();
-    }
-    return list;
-}
-
-QList<int> values(const KelolistBox &box)
-{
-    QList<int> list;
-    for (int row = 0; row < box.ListCount(); ++row) {
-        list << listOf(box)->model()->index(row, 0).data(Qt::UserRole).toInt();
-    }
-    return list;
-}
-
 // Apple 1, apple 2, Pear 3, Plum 3, Fig 0: duplicates of text and value.
 void fillFruit(KelolistBox &box)
 {
@@ -54,12 +38,6 @@ void fillFruit(KelolistBox &box)
     box.AddItem(QStringLiteral("Pear"), 3);
     box.AddItem(QStringLiteral("Plum"), 3);
     box.AddItem(QStringLiteral("Fig"), 0);
-}
-
-QString classInfo(const QMetaObject &meta, const char *name)
-{
-    const int index = meta.indexOfClassInfo(name);
-    return index < 0 ? QString() : QString::fromLatin1(meta.classInfo(index).value());
 }
 
 } // namespace
@@ -99,69 +77,44 @@ void TestKelolistBox::initialState()
     QFont formFont(QStringLiteral("DejaVu Sans"), 13);
     form.setFont(formFont);
     KelolistBox box(&form);
-    QVERIFY(listOf(box));
-    QVERIFY(labelOf(box));
-    QCOMPARE(box.BackColor(), 0x80000005u);
-    QCOMPARE(box.ForeColor(), 0x80000008u);
-    QVERIFY(box.Enabled());
+    QCOMPARE(KeloTest::propertyTexts(&box,
+                 {"BackColor", "ForeColor", "Enabled", "Locked", "LockedAlways", "DefaultValue", "DefaultText",
+                     "Appearance", "ToolTipText", "ListCount", "Sorted", "Text", "Value"}),
+        (QStringList{"BackColor=2147483653", "ForeColor=2147483656", "Enabled=true", "Locked=false",
+            "LockedAlways=false", "DefaultValue=0", "DefaultText=", "Appearance=1", "ToolTipText=", "ListCount=0",
+            "Sorted=false", "Text=", "Value=0"}));
     QCOMPARE(box.Font(), formFont);
-    QVERIFY(!box.Locked());
-    QVERIFY(!box.LockedAlways());
-    QCOMPARE(box.DefaultValue(), 0);
-    QCOMPARE(box.DefaultText(), QString());
-    QCOMPARE(box.Appearance(), 1);
-    QCOMPARE(box.ToolTipText(), QString());
-    QCOMPARE(box.ListCount(), 0);
-    QVERIFY(!box.Sorted());
-    QCOMPARE(box.Text(), QString());
-    QCOMPARE(box.Value(), 0);
     QVERIFY(listOf(box)->isVisibleTo(&box));
     QVERIFY(!labelOf(box)->isVisibleTo(&box));
 
+    // The list and the label both fill the control.
     form.show();
-    box.setGeometry(10, 20, 180, 90);
-    QCOMPARE(listOf(box)->geometry(), QRect(0, 0, 180, 90));
-    QCOMPARE(labelOf(box)->geometry(), QRect(0, 0, 180, 90));
-    box.resize(60, 200);
-    QCOMPARE(listOf(box)->geometry(), QRect(0, 0, 60, 200));
-    QCOMPARE(labelOf(box)->geometry(), QRect(0, 0, 60, 200));
+    for (const QRect &geometry : {QRect(10, 20, 180, 90), QRect(10, 20, 60, 200)}) {
+        box.setGeometry(geometry);
+        QCOMPARE(listOf(box)->geometry(), QRect(QPoint(0, 0), geometry.size()));
+        QCOMPARE(labelOf(box)->geometry(), QRect(QPoint(0, 0), geometry.size()));
+    }
 }
 
 void TestKelolistBox::publishedInterface()
 {
     const QMetaObject &meta = KelolistBox::staticMetaObject;
-    QCOMPARE(classInfo(meta, "Interface"), QStringLiteral("_KelolistBox"));
-    QCOMPARE(classInfo(meta, "EventInterface"), QStringLiteral("__KelolistBox"));
-    QCOMPARE(classInfo(meta, "Help:DefaultValue"),
-        QStringLiteral("The default value returned when a user has not selected anything.  Overridden if defaults "
-                       "specified in Populate method."));
-    QCOMPARE(classInfo(meta, "Help:DefaultText"),
-        QStringLiteral("The default text returned when a user has not selected anything.  Overridden if defaults "
-                       "specified in Populate method."));
-    QCOMPARE(classInfo(meta, "Help:Clear"), QStringLiteral("Clears all items from the list."));
-    QCOMPARE(classInfo(meta, "Help:RemoveItem"), QStringLiteral("Removes the requested item from the list."));
-    QCOMPARE(classInfo(meta, "Help:Sorted"),
-        QStringLiteral("Indicates whether the elements of a control are automatically sorted alphabetically."));
-    QCOMPARE(classInfo(meta, "Help:ToolTipText"),
-        QStringLiteral("Returns/sets the text displayed when the mouse is paused over the control."));
-    const QList<QPair<const char *, const char *>> dispIds = {{"DispId:Click", "-600"}, {"DispId:DblClick", "-601"},
-        {"DispId:KeyDown", "-602"}, {"DispId:KeyPress", "-603"}, {"DispId:KeyUp", "-604"}};
-    for (const auto &[key, id] : dispIds) {
-        QCOMPARE(classInfo(meta, key), QString::fromLatin1(id));
-    }
-
-    for (const char *signal : {"Click()", "DblClick()", "KeyDown(short&,short&)", "KeyPress(short&)",
-             "KeyUp(short&,short&)", "PropertyChanged(QString)"}) {
-        QVERIFY2(meta.indexOfSignal(signal) >= 0, signal);
-    }
-    for (const char *method : {"Refresh()", "AddItem(QString,QVariant)", "Clear()", "RemoveItem(QVariant)",
-             "Populate(QSqlQuery&,QVariant,QVariant,QVariant,QVariant)", "Populate(QSqlQuery&,QVariant,QVariant)",
-             "Populate(QAbstractItemModel*,QVariant,QVariant,QVariant,QVariant)"}) {
-        QVERIFY2(meta.indexOfMethod(method) >= 0, method);
-    }
-    for (const char *property : {"BackColor", "ForeColor", "Enabled", "Font", "ListCount", "Text", "Locked", "Value",
-             "Appearance", "LockedAlways", "DefaultValue", "Sorted", "ToolTipText", "DefaultText"}) {
-        QVERIFY2(meta.indexOfProperty(property) >= 0, property);
+    const QList<QPair<const char *, const char *>> infos = {{"Interface", "_KelolistBox"},
+        {"EventInterface", "__KelolistBox"},
+        {"Help:DefaultValue",
+            "The default value returned when a user has not selected anything.  Overridden if defaults specified in "
+            "Populate method."},
+        {"Help:DefaultText",
+            "The default text returned when a user has not selected anything.  Overridden if defaults specified in "
+            "Populate method."},
+        {"Help:Clear", "Clears all items from the list."},
+        {"Help:RemoveItem", "Removes the requested item from the list."},
+        {"Help:Sorted", "Indicates whether the elements of a control are automatically sorted alphabetically."},
+        {"Help:ToolTipText", "Returns/sets the text displayed when the mouse is paused over the control."},
+        {"DispId:Click", "-600"}, {"DispId:DblClick", "-601"}, {"DispId:KeyDown", "-602"},
+        {"DispId:KeyPress", "-603"}, {"DispId:KeyUp", "-604"}};
+    for (const auto &[key, value] : infos) {
+        QCOMPARE(KeloTest::classInfo(meta, key), QString::fromLatin1(value));
     }
     QVERIFY(!meta.property(meta.indexOfProperty("ListCount")).isWritable());
     QVERIFY(!meta.property(meta.indexOfProperty("Sorted")).isWritable());
@@ -409,8 +362,8 @@ void TestKelolistBox::addItemValues()
     KelolistBox box;
     box.AddItem(QStringLiteral("first"), 5);
     box.AddItem(QStringLiteral("entry"), value);
-    QCOMPARE(texts(box), (QStringList{"first", "entry"}));
-    QCOMPARE(values(box).last(), stored);
+    QCOMPARE(listTexts(box), (QStringList{"first", "entry"}));
+    QCOMPARE(listValues(box).last(), stored);
 }
 
 void TestKelolistBox::removeItemByValue()
@@ -421,11 +374,11 @@ void TestKelolistBox::removeItemByValue()
     QVERIFY(!box.RemoveItem(4)); // 4 is a position, never used as one
     QCOMPARE(box.ListCount(), 5);
     QVERIFY(box.RemoveItem(3));
-    QCOMPARE(texts(box), (QStringList{"Apple", "apple", "Plum", "Fig"}));
+    QCOMPARE(listTexts(box), (QStringList{"Apple", "apple", "Plum", "Fig"}));
     QVERIFY(box.RemoveItem(QStringLiteral("2")));
     QVERIFY(!box.RemoveItem(0.5));
     QVERIFY(box.RemoveItem(QVariant())); // nothing counts as 0
-    QCOMPARE(texts(box), (QStringList{"Apple", "Plum"}));
+    QCOMPARE(listTexts(box), (QStringList{"Apple", "Plum"}));
     QCOMPARE(KeloTest::errorNumberOf([&] { box.RemoveItem(QStringLiteral("abc")); }), 13);
     QCOMPARE(box.ListCount(), 2);
 }
@@ -447,8 +400,8 @@ void TestKelolistBox::clearAndSorted()
     model->setSorted(true);
     QVERIFY(box.Sorted());
     fillFruit(box);
-    QCOMPARE(texts(box), (QStringList{"Apple", "apple", "Fig", "Pear", "Plum"}));
-    QCOMPARE(values(box), (QList<int>{1, 2, 0, 3, 3}));
+    QCOMPARE(listTexts(box), (QStringList{"Apple", "apple", "Fig", "Pear", "Plum"}));
+    QCOMPARE(listValues(box), (QList<int>{1, 2, 0, 3, 3}));
 }
 
 void TestKelolistBox::appearanceAndColors()
@@ -510,15 +463,6 @@ void TestKelolistBox::writeProperties()
 
 void TestKelolistBox::readProperties()
 {
-    const KelolistBox probe;
-    const auto &table = probe.propertyTable();
-    QCOMPARE(table.readOrder(),
-        (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Locked", "Value", "Appearance", "LockedAlways",
-            "DefaultValue", "ToolTipText", "DefaultText"}));
-    QCOMPARE(table.writeOrder(),
-        (QStringList{"BackColor", "ForeColor", "Enabled", "Font", "Text", "Locked", "Value", "Appearance",
-            "LockedAlways", "DefaultValue", "ToolTipText", "DefaultText"}));
-
     PropertyBag bag;
     bag.WriteProperty(QStringLiteral("Text"), QStringLiteral("Pear"));
     bag.WriteProperty(QStringLiteral("Value"), QStringLiteral("kept as it is"));
@@ -594,19 +538,19 @@ void TestKelolistBox::populateDefaultsFromModel()
     KelolistBox box;
     box.setDefaultValue(5);
     QCOMPARE(box.Populate(&model, QStringLiteral("label"), QStringLiteral("key"), QStringLiteral("(pick)")), QString());
-    QCOMPARE(texts(box), (QStringList{"(pick)", "One", "Three"}));
-    QCOMPARE(values(box), (QList<int>{5, 1, 0}));
+    QCOMPARE(listTexts(box), (QStringList{"(pick)", "One", "Three"}));
+    QCOMPARE(listValues(box), (QList<int>{5, 1, 0}));
     QCOMPARE(box.DefaultValue(), 5);
     QCOMPARE(box.Text(), QStringLiteral("(pick)"));
 
     // A DefaultValue that does not convert keeps the property.
     QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(pick)"), QStringLiteral("n/a")), QString());
     QCOMPARE(box.DefaultValue(), 5);
-    QCOMPARE(values(box).first(), 5);
+    QCOMPARE(listValues(box).first(), 5);
     // An empty model with its columns: only the default entry.
     model.removeRows(0, 3);
     QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(empty)"), -2), QString());
-    QCOMPARE(texts(box), QStringList{QStringLiteral("(empty)")});
+    QCOMPARE(listTexts(box), QStringList{QStringLiteral("(empty)")});
     QCOMPARE(box.Value(), -2);
 }
 
@@ -623,7 +567,7 @@ void TestKelolistBox::populateErrorsFromModel()
     QCOMPARE(box.Populate(&model, -1, 1), QStringLiteral("TextColumn=-1 - ") + notFound);
     QCOMPARE(box.Populate(&model, 1.5, 1), QStringLiteral("TextColumn=1.5 - ") + notFound);
     QCOMPARE(box.Populate(&model, 0, QStringLiteral("Key")), QStringLiteral("ValueColumn=Key - ") + notFound);
-    QCOMPARE(texts(box), QStringList{QStringLiteral("Kept")});
+    QCOMPARE(listTexts(box), QStringList{QStringLiteral("Kept")});
     // Without header labels the columns are named "1" and "2".
     QCOMPARE(box.Populate(&model, QStringLiteral("1"), QStringLiteral("2")), QString());
 }
@@ -643,7 +587,7 @@ void TestKelolistBox::lateBoundCalls()
             Q_ARG(QVariant, QStringLiteral("name")), Q_ARG(QVariant, QStringLiteral("id"))));
         QCOMPARE(result, QString());
         QCOMPARE(result.isNull(), false);
-        QCOMPARE(texts(box), (QStringList{"Alpha", "Beta"}));
+        QCOMPARE(listTexts(box), (QStringList{"Alpha", "Beta"}));
 
         QVERIFY(QMetaObject::invokeMethod(
             &box, "AddItem", Q_ARG(QString, QStringLiteral("Gamma")), Q_ARG(QVariant, QVariant(9))));

@@ -1,13 +1,15 @@
-// KelolistBox::Populate against real databases: SQLite in memory, SQLite in
-// a file, and a PostgreSQL server started for the test.
+// KelolistBox::Populate and the QSqlQuery adapter under it against real
+// databases: SQLite in memory, SQLite in a file, and a PostgreSQL server
+// started for the test.
 
 #include "PostgresServer.h"
 
+#include "KeloTestSupport.h"
+#include "controls/ControlTestSupport.h"
+#include "SqlQueryRecordset_p.h"
 #include <Kelocontrols/KelolistBox.h>
 #include <Kelocontrols/Recordset.h>
 
-#include <QAbstractItemView>
-#include <QFileInfo>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QSqlError>
@@ -15,6 +17,9 @@
 #include <QSqlQueryModel>
 #include <QTemporaryDir>
 #include <QTest>
+
+using KeloTest::listTexts;
+using KeloTest::listValues;
 
 namespace {
 
@@ -47,26 +52,6 @@ QString createTables(const QSqlDatabase &db)
     return QString();
 }
 
-QStringList texts(const KelolistBox &box)
-{
-    QStringList list;
-    auto *view = box.findChild<QAbstractItemView *>(QStringLiteral("listItems"));
-    for (int row = 0; row < box.ListCount(); ++row) {
-        list << view->model()->index(row, 0).data().toString();
-    }
-    return list;
-}
-
-QList<int> values(const KelolistBox &box)
-{
-    QList<int> list;
-    auto *view = box.findChild<QAbstractItemView *>(QStringLiteral("listItems"));
-    for (int row = 0; row < box.ListCount(); ++row) {
-        list << view->model()->index(row, 0).data(Qt::UserRole).toInt();
-    }
-    return list;
-}
-
 } // namespace
 
 // Declares `db` for the back end of the current data row; fails the row
@@ -91,12 +76,8 @@ private:
 private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
-    void postgresServerRuns();
-    void sqliteFileIsOnDisk();
-    void populateByName_data() { addBackends(); }
-    void populateByName();
-    void populateByPosition_data() { addBackends(); }
-    void populateByPosition();
+    void populateByNameAndPosition_data() { addBackends(); }
+    void populateByNameAndPosition();
     void populateWithDefaults_data() { addBackends(); }
     void populateWithDefaults();
     void forwardOnlyQuery_data() { addBackends(); }
@@ -109,6 +90,8 @@ private Q_SLOTS:
     void conversions();
     void queryModel_data() { addBackends(); }
     void queryModel();
+    void recordsetEdges_data() { addBackends(); }
+    void recordsetEdges();
 };
 
 void TestPopulateDatabases::addBackends()
@@ -167,30 +150,9 @@ void TestPopulateDatabases::cleanupTestCase()
     QVERIFY(!m_server.isRunning());
 }
 
-void TestPopulateDatabases::postgresServerRuns()
-{
-    QVERIFY2(m_server.isRunning(),
-        qPrintable(
-            QStringLiteral("PostgreSQL could not be started: ") + m_unavailable.value(QString::fromLatin1(kPostgres))));
-    // Reachable over TCP on loopback and through its private socket folder.
-    const QString socket = m_server.socketDirectory() + QStringLiteral("/.s.PGSQL.") + QString::number(m_server.port());
-    QVERIFY2(QFileInfo(socket).exists(), qPrintable(socket));
-    QSqlDatabase db = QSqlDatabase::database(QString::fromLatin1(kPostgres), false);
-    QCOMPARE(db.hostName(), QStringLiteral("127.0.0.1"));
-    QSqlQuery query(QStringLiteral("SELECT version()"), db);
-    QVERIFY2(query.next(), qPrintable(query.lastError().text()));
-    QVERIFY(query.value(0).toString().startsWith(QLatin1String("PostgreSQL")));
-}
-
-void TestPopulateDatabases::sqliteFileIsOnDisk()
-{
-    const QFileInfo file(m_folder.filePath(QStringLiteral("countries.sqlite")));
-    QVERIFY(file.exists());
-    QVERIFY(file.size() > 0);
-}
-
-// NULL texts add no entry and leave their neighbours alone; NULL values give 0.
-void TestPopulateDatabases::populateByName()
+// By name without regard to case, or by position (rounded); NULL texts add no
+// entry and leave their neighbours alone, NULL values give 0.
+void TestPopulateDatabases::populateByNameAndPosition()
 {
     FETCH_DATABASE(db);
     QSqlQuery query(db);
@@ -198,23 +160,18 @@ void TestPopulateDatabases::populateByName()
     KelolistBox box;
     QSignalSpy clicks(&box, &KelolistBox::Click);
     QCOMPARE(box.Populate(query, QStringLiteral("NAME"), QStringLiteral("Code")), QString());
-    QCOMPARE(texts(box), (QStringList{"France", "Germany", "Atlantis", "Italy", "Austria"}));
-    QCOMPARE(values(box), (QList<int>{250, 276, 0, 380, 40}));
+    const QStringList listed{"France", "Germany", "Atlantis", "Italy", "Austria"};
+    QCOMPARE(listTexts(box), listed);
+    QCOMPARE(listValues(box), (QList<int>{250, 276, 0, 380, 40}));
     QCOMPARE(box.Value(), 0); // nothing selected: DefaultValue
     QCOMPARE(clicks.count(), 0);
     box.setValue(380);
     QCOMPARE(box.Text(), QStringLiteral("Italy"));
-}
 
-void TestPopulateDatabases::populateByPosition()
-{
-    FETCH_DATABASE(db);
-    QSqlQuery query(db);
     QVERIFY(query.exec(QStringLiteral("SELECT code, name FROM countries ORDER BY id")));
-    KelolistBox box;
-    QCOMPARE(box.Populate(query, 1, 0.0), QString());
-    QCOMPARE(texts(box), (QStringList{"France", "Germany", "Atlantis", "Italy", "Austria"}));
-    QCOMPARE(values(box), (QList<int>{250, 276, 0, 380, 40}));
+    QCOMPARE(box.Populate(query, 1.4, 0.0), QString());
+    QCOMPARE(listTexts(box), listed);
+    QCOMPARE(listValues(box), (QList<int>{250, 276, 0, 380, 40}));
 }
 
 void TestPopulateDatabases::populateWithDefaults()
@@ -229,8 +186,8 @@ void TestPopulateDatabases::populateWithDefaults()
     QCOMPARE(
         box.Populate(query, QStringLiteral("name"), QStringLiteral("code"), QStringLiteral("(none)"), -1), QString());
     QCOMPARE(box.ListCount(), 6);
-    QCOMPARE(texts(box).first(), QStringLiteral("(none)"));
-    QCOMPARE(values(box).first(), -1);
+    QCOMPARE(listTexts(box).first(), QStringLiteral("(none)"));
+    QCOMPARE(listValues(box).first(), -1);
     QCOMPARE(box.DefaultValue(), -1);
     QCOMPARE(box.DefaultText(), QStringLiteral("nothing chosen"));
     QCOMPARE(box.Text(), QStringLiteral("(none)")); // the default entry is selected
@@ -309,7 +266,7 @@ void TestPopulateDatabases::emptyResult()
     QVERIFY(query.exec(QStringLiteral("SELECT name, code FROM empty_table")));
     QCOMPARE(
         box.Populate(query, QStringLiteral("name"), QStringLiteral("code"), QStringLiteral("(all)"), 0), QString());
-    QCOMPARE(texts(box), QStringList{QStringLiteral("(all)")});
+    QCOMPARE(listTexts(box), QStringList{QStringLiteral("(all)")});
     QCOMPARE(box.Text(), QStringLiteral("(all)"));
 
     // Empty and forward-only: still no error, whatever the driver knows of sizes.
@@ -329,18 +286,18 @@ void TestPopulateDatabases::conversions()
     QSqlQuery query(db);
     QVERIFY(query.exec(QStringLiteral("SELECT label, amount FROM oddvalues ORDER BY id")));
     QCOMPARE(box.Populate(query, QStringLiteral("label"), QStringLiteral("amount")), QString());
-    QCOMPARE(texts(box), (QStringList{"twelve", "half", "letters", "huge", "nothing", "threehalves"}));
-    QCOMPARE(values(box), (QList<int>{12, 2, 0, 0, 0, 4}));
+    QCOMPARE(listTexts(box), (QStringList{"twelve", "half", "letters", "huge", "nothing", "threehalves"}));
+    QCOMPARE(listValues(box), (QList<int>{12, 2, 0, 0, 0, 4}));
 
     QVERIFY(query.exec(QStringLiteral("SELECT big, ratio FROM measures ORDER BY id")));
     QCOMPARE(box.Populate(query, QStringLiteral("big"), QStringLiteral("ratio")), QString());
-    QCOMPARE(texts(box), (QStringList{"5000000000", "-7", "2147483647"}));
-    QCOMPARE(values(box), (QList<int>{2, 4, -2}));
+    QCOMPARE(listTexts(box), (QStringList{"5000000000", "-7", "2147483647"}));
+    QCOMPARE(listValues(box), (QList<int>{2, 4, -2}));
 
     QVERIFY(query.exec(QStringLiteral("SELECT ratio, big FROM measures ORDER BY id")));
     QCOMPARE(box.Populate(query, QStringLiteral("ratio"), QStringLiteral("big")), QString());
-    QCOMPARE(texts(box), (QStringList{"2.5", "3.5", "-2.5"}));
-    QCOMPARE(values(box), (QList<int>{0, -7, 2147483647}));
+    QCOMPARE(listTexts(box), (QStringList{"2.5", "3.5", "-2.5"}));
+    QCOMPARE(listValues(box), (QList<int>{0, -7, 2147483647}));
 }
 
 // A QSqlQueryModel hands its rows out 256 at a time; all of them arrive.
@@ -364,6 +321,50 @@ void TestPopulateDatabases::queryModel()
     QVERIFY(broken.lastError().isValid());
     QCOMPARE(box.Populate(&broken, QStringLiteral("label"), QStringLiteral("id")), broken.lastError().text());
     QCOMPARE(box.ListCount(), 1000);
+}
+
+// What only the adapter shows: reading past the end, a forward-only query
+// keeping its place when refused, statements without a result set.
+void TestPopulateDatabases::recordsetEdges()
+{
+    FETCH_DATABASE(db);
+    using Kelocontrols::Recordset;
+    using Kelocontrols::SqlQueryRecordset;
+    using KeloTest::errorNumberOf;
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    QVERIFY(query.exec(QStringLiteral("SELECT code, name FROM countries ORDER BY id")));
+    SqlQueryRecordset records(query);
+    QVERIFY(records.Eof()); // not on a record before MoveFirst
+    records.MoveFirst();
+    records.MoveFirst(); // still on the first record: allowed
+    records.MoveNext();
+    QCOMPARE(errorNumberOf([&] { records.MoveFirst(); }), Recordset::CannotMoveBack);
+    QCOMPARE(records.FieldValue(1).toString(), QStringLiteral("Germany")); // the position is kept
+    while (!records.Eof()) {
+        records.MoveNext();
+    }
+    QCOMPARE(errorNumberOf([&] { records.FieldValue(0); }), Recordset::NoCurrentRecord);
+    QCOMPARE(errorNumberOf([&] { records.MoveNext(); }), Recordset::NoCurrentRecord);
+    QCOMPARE(errorNumberOf([&] { records.FieldName(-1); }), Recordset::ItemNotFound);
+
+    // Bound values read to the end: empty is empty, anything else cannot start over.
+    for (int id : {99, 1}) {
+        QSqlQuery bound(db);
+        bound.setForwardOnly(true);
+        QVERIFY(bound.prepare(QStringLiteral("SELECT id FROM countries WHERE id = ?")));
+        bound.addBindValue(id);
+        QVERIFY(bound.exec());
+        while (bound.next()) { }
+        SqlQueryRecordset again(bound);
+        QCOMPARE(errorNumberOf([&] { again.MoveFirst(); }), id == 99 ? 0 : int(Recordset::CannotMoveBack));
+        QVERIFY(again.Eof());
+    }
+
+    QSqlQuery update(db);
+    QVERIFY(update.exec(QStringLiteral("UPDATE countries SET code = code WHERE id = 0")));
+    SqlQueryRecordset noRows(update);
+    QCOMPARE(errorNumberOf([&] { noRows.MoveFirst(); }), Recordset::ObjectClosed);
 }
 
 QTEST_MAIN(TestPopulateDatabases)
