@@ -5,8 +5,8 @@
 #include "PostgresServer.h"
 
 #include "KeloTestSupport.h"
-#include "controls/ControlTestSupport.h"
 #include "SqlQueryRecordset_p.h"
+#include "controls/ControlTestSupport.h"
 #include <Kelocontrols/KelolistBox.h>
 #include <Kelocontrols/Recordset.h>
 

@@ -132,12 +132,12 @@ void tst_KeloscoreCard::scaleWrites_data()
                                                    {"ScoreGood", -1.25}, {"ScoreMaybe", -1.5}, {"ScoreBad", -1.75}}
                                             << Scale{-2, -1, -1.75, -1.5, -1.25, -1.125};
     // What is not in order as a whole is clamped write by write.
-    QTest::newRow("form: one threshold alone") << false << Writes{{"ScoreStar", 0.125}}
-                                               << Scale{0, 1, bad, maybe, good, good};
+    QTest::newRow("form: one threshold alone")
+        << false << Writes{{"ScoreStar", 0.125}} << Scale{0, 1, bad, maybe, good, good};
     // A write against declaration order is no form's: the writes before it
     // are taken as they stand, and it is clamped.
-    QTest::newRow("form: against declaration order")
-        << false << Writes{{"ScoreBad", 0.015625}, {"ScoreMaybe", 0.03125}} << Scale{0, 1, 0.015625, 0.03125, good, star};
+    QTest::newRow("form: against declaration order") << false << Writes{{"ScoreBad", 0.015625}, {"ScoreMaybe", 0.03125}}
+                                                     << Scale{0, 1, 0.015625, 0.03125, good, star};
     QTest::newRow("form: written twice") << false << Writes{{"ScoreGood", 0.3}, {"ScoreGood", 0.3}, {"ScoreMaybe", bad}}
                                          << Scale{0, 1, bad, bad, maybe, star};
     QTest::newRow("once the event loop ran") << true << below << Scale{0, 1, 0.015625, bad, maybe, good};
@@ -203,8 +203,8 @@ void tst_KeloscoreCard::lateBoundWrites_data()
     QTest::newRow("orientation") << "GaugeOrientation" << QVariant(1) << true << QVariant(1) << true;
     QTest::newRow("ToolTipStyle below range ignored") << "ToolTipStyle" << QVariant(-1) << true << QVariant(3) << false;
     QTest::newRow("value outside the scale kept") << "Value" << QVariant(-2.5) << true << QVariant(-2.5) << true;
-    QTest::newRow("a clamped write is still reported") << "ScoreGood" << QVariant(99) << true << QVariant(double(0.8f))
-                                                       << true;
+    QTest::newRow("a clamped write is still reported")
+        << "ScoreGood" << QVariant(99) << true << QVariant(double(0.8f)) << true;
 }
 
 void tst_KeloscoreCard::lateBoundWrites()
