@@ -585,9 +585,17 @@ void TestKelofileView::persistenceRoundTrip()
 {
     writeFile(path("x.txt"), 1);
     KelofileView original;
-    KeloTest::setProperties(&original,
-        {{"BackColor", 0x00112233u}, {"Path", QStringLiteral("/somewhere")}, {"LimitToRoot", false}, {"View", 1},
-            {"Filter", QStringLiteral("*.doc")}, {"RefreshInterval", 1500}, {"PictureAlignment", 5}});
+    const QStringList names{"BackColor", "BorderStyle", "Path", "LimitToRoot", "View", "GridLines", "MultiSelect",
+        "Filter", "AllowHiddenFiles", "ShowFolderDetails", "RefreshInterval", "OLEDropMode", "PictureAlignment"};
+    const QStringList values{"BackColor=1122867", "BorderStyle=0", "Path=/somewhere", "LimitToRoot=false", "View=1",
+        "GridLines=true", "MultiSelect=true", "Filter=*.doc", "AllowHiddenFiles=true", "ShowFolderDetails=true",
+        "RefreshInterval=1500", "OLEDropMode=1", "PictureAlignment=5"};
+    for (const QString &value : values) {
+        const QString name = value.section(QLatin1Char('='), 0, 0);
+        const QString text = value.section(QLatin1Char('='), 1);
+        QVERIFY2(original.setProperty(name.toLatin1().constData(), text), qPrintable(name));
+    }
+    QCOMPARE(KeloTest::propertyTexts(&original, names), values);
     PropertyBag bag;
     original.WriteProperties(bag);
     QVERIFY(!bag.contains(QStringLiteral("ForeColor"))); // defaults are not stored
@@ -596,9 +604,7 @@ void TestKelofileView::persistenceRoundTrip()
     KelofileView copy;
     Recorder recorder(copy);
     copy.ReadProperties(PropertyBag::fromText(bag.toText()));
-    QCOMPARE(KeloTest::propertyTexts(&copy, {"BackColor", "Path", "LimitToRoot", "View", "Filter", "RefreshInterval"}),
-        (QStringList{"BackColor=1122867", "Path=/somewhere", "LimitToRoot=false", "View=1", "Filter=*.doc",
-            "RefreshInterval=1500"}));
+    QCOMPARE(KeloTest::propertyTexts(&copy, names), values);
     QCOMPARE(recorder.events, QStringList()); // loading lists nothing
 
     // The run-time counts come back as the contents give them, never as saved.
