@@ -4,6 +4,7 @@
 // undo stack and in the form file.
 
 #include "ChameleonPropertyPage.h"
+#include "KeloTestSupport.h"
 #include "Kelochameleon.h"
 #include "SettingsStore.h"
 
@@ -111,8 +112,7 @@ private:
     QDesignerFormWindowInterface *m_window = nullptr;
     Kelochameleon *m_chameleon = nullptr;
     std::unique_ptr<QWidget> m_propertyEditor;
-    std::unique_ptr<QTemporaryDir> m_config;
-    QByteArray m_savedXdg;
+    std::unique_ptr<KeloTest::ScopedConfigHome> m_config;
 };
 
 void TestChameleonTaskMenu::initTestCase()
@@ -137,9 +137,7 @@ void TestChameleonTaskMenu::cleanupTestCase()
 
 void TestChameleonTaskMenu::init()
 {
-    m_savedXdg = qgetenv("XDG_CONFIG_HOME");
-    m_config = std::make_unique<QTemporaryDir>();
-    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+    m_config = std::make_unique<KeloTest::ScopedConfigHome>();
     m_window = m_core->formWindowManager()->createFormWindow(nullptr);
     m_core->formWindowManager()->setActiveFormWindow(m_window);
     QVERIFY(m_window->setContents(QString::fromUtf8(FormText)));
@@ -154,7 +152,7 @@ void TestChameleonTaskMenu::cleanup()
     delete m_window;
     m_window = nullptr;
     m_chameleon = nullptr;
-    qputenv("XDG_CONFIG_HOME", m_savedXdg);
+    m_config.reset();
 }
 
 QAction *TestChameleonTaskMenu::editAction()

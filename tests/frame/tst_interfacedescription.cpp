@@ -130,28 +130,25 @@ void tst_InterfaceDescription::propertyDefaults_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("help");
 
+    // One line of each form (uint with its hex, enumerations with key and number, text quoted) and every help text;
+    // the values themselves are the score card's defaults, checked with the control.
     auto row = [](const char *name, const char *line, const char *help = "") {
         QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(line) << QString::fromLatin1(help);
     };
     row("BackColor", "  uint BackColor = 2147483663 (0x8000000F)",
         "Returns/sets the background color used to display text and graphics in an object.");
-    row("ForeColor", "  uint ForeColor = 2147483666 (0x80000012)");
     row("Enabled", "  bool Enabled = true");
     row("BorderStyle", "  int BorderStyle = 1", "Returns/sets the border style for an object.");
     row("Value", "  double Value = 0.5", "Value for the score");
     row("Style", "  Kelocontrols::keloScoreCardStyle Style = ScoreCardSmall (0)",
         "Style for the control, either an image or a gauge style type.");
     row("ScoreStar", "  double ScoreStar = 0.8", "Score above which the control shows star marks");
-    row("ScoreGood", "  double ScoreGood = 0.6");
-    row("ScoreMaybe", "  double ScoreMaybe = 0.4");
     row("ScoreBad", "  double ScoreBad = 0.2", "Score above which the control shows a bad mark");
     row("ScoreMin", "  double ScoreMin = 0", "Minimum score allowed");
     row("ScoreMax", "  double ScoreMax = 1", "Maximum score allowed");
-    row("ShowLimitLines", "  bool ShowLimitLines = false");
     row("ShowTickLinesEvery", "  double ShowTickLinesEvery = 0",
         "Shows tick lines every interval on the control.  0 means no tick lines.");
     row("TickLineColor", "  uint TickLineColor = 0 (0x00000000)");
-    row("FontColor", "  uint FontColor = 0 (0x00000000)");
     row("ShowValue", "  Kelocontrols::keloShowValue ShowValue = None (0)",
         "Show the value on the control as text (eg 93%).");
     row("ToolTipStyle", "  Kelocontrols::keloToolTipStyle ToolTipStyle = ShowBothAsTip (3)",
@@ -159,8 +156,6 @@ void tst_InterfaceDescription::propertyDefaults_data()
     row("ToolTip", "  QString ToolTip = \"\"",
         "Returns/sets the text displayed when the mouse is paused over the control.  Overwrites ToolTipText, see "
         "ToolTipStyle.");
-    row("ShowMarker", "  Kelocontrols::keloMarkerStyle ShowMarker = None (0)");
-    row("ShowBlocks", "  int ShowBlocks = 0");
     row("GaugeOrientation", "  Kelocontrols::keloGaugeOrientation GaugeOrientation = Horizontal (0)",
         "Changes the gauge orientation from horizontal to vertical.");
 }

@@ -6,6 +6,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
 
 namespace {
@@ -95,27 +97,15 @@ void TestMsgBox::cleanup()
 
 void TestMsgBox::handlerReceivesArgumentsExactly()
 {
-    QList<Call> calls;
-    setMsgBoxHandler([&calls](const QString &Prompt, int Buttons, const QString &Title) {
-        calls.append({Prompt, Buttons, Title});
-        return calls.size() == 1 ? MsgBoxResult::Yes : MsgBoxResult::Cancel;
-    });
-
+    KeloTest::MsgBoxRecorder boxes({MsgBoxResult::Yes, MsgBoxResult::Cancel, MsgBoxResult::Cancel});
     const QString prompt = u"Are you sure you want to delete 'a.txt'?\r\n\r\n  Tab:\there \"quoted\""_qs;
     QCOMPARE(MsgBox(prompt, 52, u"Confirm File Delete"_qs), MsgBoxResult::Yes);
     QCOMPARE(MsgBox(u"Only a prompt"_qs), MsgBoxResult::Cancel);
     QCOMPARE(MsgBox(QString(), 51 + MsgBoxStyle::DefaultButton3, u"  padded title "_qs), MsgBoxResult::Cancel);
 
-    QCOMPARE(calls.size(), 3);
-    QCOMPARE(calls.at(0).prompt, prompt);
-    QCOMPARE(calls.at(0).buttons, 52);
-    QCOMPARE(calls.at(0).title, u"Confirm File Delete"_qs);
-    QCOMPARE(calls.at(1).prompt, u"Only a prompt"_qs);
-    QCOMPARE(calls.at(1).buttons, 0);
-    QVERIFY(calls.at(1).title.isEmpty());
-    QVERIFY(calls.at(2).prompt.isEmpty());
-    QCOMPARE(calls.at(2).buttons, 51 + 512);
-    QCOMPARE(calls.at(2).title, u"  padded title "_qs);
+    QCOMPARE(boxes.prompts(), (QStringList{prompt, u"Only a prompt"_qs, QString()}));
+    QCOMPARE(boxes.styles(), (QList<int>{52, 0, 51 + 512}));
+    QCOMPARE(boxes.titles(), (QStringList{u"Confirm File Delete"_qs, QString(), u"  padded title "_qs}));
     QVERIFY(!openMessageBox());
 }
 

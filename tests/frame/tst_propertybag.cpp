@@ -91,11 +91,6 @@ bool sameContent(const QVariant &a, const QVariant &b)
     }
 }
 
-QByteArray base64Of(const QByteArray &bytes)
-{
-    return bytes.toBase64();
-}
-
 } // namespace
 
 class TestPropertyBag : public QObject
@@ -124,7 +119,6 @@ void TestPropertyBag::roundTripKeepsValueAndType_data()
 
     QTest::newRow("bool true") << QVariant(true);
     QTest::newRow("bool false") << QVariant(false);
-    QTest::newRow("int 0") << QVariant(0);
     QTest::newRow("int -1") << QVariant(-1);
     QTest::newRow("int min") << QVariant(std::numeric_limits<int>::min());
     QTest::newRow("int max") << QVariant(std::numeric_limits<int>::max());
@@ -136,19 +130,16 @@ void TestPropertyBag::roundTripKeepsValueAndType_data()
     QTest::newRow("ulong max") << QVariant(std::numeric_limits<qulonglong>::max());
 
     QTest::newRow("float 0.1") << QVariant(0.1f);
-    QTest::newRow("float 0.9") << QVariant(0.9f);
     QTest::newRow("float -1.5e-7") << QVariant(-1.5e-7f);
     QTest::newRow("float 2^24") << QVariant(16777216.0f);
     QTest::newRow("float max") << QVariant(std::numeric_limits<float>::max());
     QTest::newRow("float lowest") << QVariant(std::numeric_limits<float>::lowest());
-    QTest::newRow("float smallest normal") << QVariant(std::numeric_limits<float>::min());
     QTest::newRow("float denormal") << QVariant(std::numeric_limits<float>::denorm_min());
     QTest::newRow("float infinity") << QVariant(std::numeric_limits<float>::infinity());
     QTest::newRow("double 0.1") << QVariant(0.1);
     QTest::newRow("double 1/3") << QVariant(1.0 / 3.0);
     QTest::newRow("double -123456.789e-10") << QVariant(-123456.789e-10);
     QTest::newRow("double max") << QVariant(std::numeric_limits<double>::max());
-    QTest::newRow("double smallest normal") << QVariant(std::numeric_limits<double>::min());
     QTest::newRow("double denormal") << QVariant(std::numeric_limits<double>::denorm_min());
     QTest::newRow("double -infinity") << QVariant(-std::numeric_limits<double>::infinity());
 
@@ -188,7 +179,6 @@ void TestPropertyBag::roundTripKeepsValueAndType_data()
     pixelFont.setPixelSize(17);
     QTest::newRow("font pixel size") << QVariant(pixelFont);
 
-    QTest::newRow("colour red") << QVariant(QColor(255, 0, 0));
     QTest::newRow("colour with alpha") << QVariant(QColor(1, 2, 3, 128));
     QTest::newRow("colour transparent") << QVariant(QColor(0x12, 0x34, 0x56, 0));
     QTest::newRow("colour invalid") << QVariant(QColor());
@@ -407,7 +397,7 @@ void TestPropertyBag::malformedTextRaisesInvalidFileFormat_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("line");
 
-    const QString notPng = QString::fromLatin1(base64Of("hello, not a picture"));
+    const QString notPng = QString::fromLatin1(QByteArray("hello, not a picture").toBase64());
 
     QTest::newRow("missing =") << QStringLiteral("Caption string:\"x\"") << 1;
     QTest::newRow("missing type") << QStringLiteral("Caption = \"x\"") << 1;

@@ -62,17 +62,15 @@ void TestFileListModel::sizeTexts_data()
     QTest::addColumn<qint64>("bytes");
     QTest::addColumn<QString>("size");
     QTest::addColumn<QString>("sorted");
-    QTest::newRow("empty") << qint64(0) << "0KB"
-                           << "000000000000";
-    QTest::newRow("one byte") << qint64(1) << "1KB"
-                              << "000000000001";
-    QTest::newRow("1024") << qint64(1024) << "1KB"
-                          << "000000001024";
-    QTest::newRow("1025") << qint64(1025) << "2KB"
-                          << "000000001025";
+    const auto row = [](const char *name, qint64 bytes, const char *size, const char *sorted) {
+        QTest::newRow(name) << bytes << QString(size) << QString(sorted);
+    };
+    row("empty", 0, "0KB", "000000000000");
+    row("one byte", 1, "1KB", "000000000001");
+    row("1024", 1024, "1KB", "000000001024");
+    row("1025", 1025, "2KB", "000000001025");
     // Beyond the 32-bit kilobyte count: the true figure, all digits shown.
-    QTest::newRow("5 TB") << qint64(5) * 1024 * 1024 * 1024 * 1024 << "5368709120KB"
-                          << "5497558138880";
+    row("5 TB", qint64(5) * 1024 * 1024 * 1024 * 1024, "5368709120KB", "5497558138880");
 }
 
 void TestFileListModel::sizeTexts()
@@ -269,16 +267,14 @@ void TestFileListModel::filterRules_data()
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("matches");
-    QTest::newRow("empty lets all through") << ""
-                                            << "x.bin" << true;
-    QTest::newRow("star, any case") << "*.txt"
-                                    << "B.TXT" << true;
-    QTest::newRow("star, other ext") << "*.txt"
-                                     << "b.csv" << false;
-    QTest::newRow("list") << "[ab].*"
-                          << "a.log" << true;
-    QTest::newRow("digit") << "#.txt"
-                           << "x.txt" << false;
+    const auto row = [](const char *name, const char *pattern, const char *file, bool matches) {
+        QTest::newRow(name) << QString(pattern) << QString(file) << matches;
+    };
+    row("empty lets all through", "", "x.bin", true);
+    row("star, any case", "*.txt", "B.TXT", true);
+    row("star, other ext", "*.txt", "b.csv", false);
+    row("list", "[ab].*", "a.log", true);
+    row("digit", "#.txt", "x.txt", false);
 }
 
 void TestFileListModel::filterRules()
