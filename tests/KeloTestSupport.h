@@ -191,8 +191,14 @@ public:
     MsgBoxRecorder(const MsgBoxRecorder &) = delete;
     MsgBoxRecorder &operator=(const MsgBoxRecorder &) = delete;
 
-    QStringList prompts() const { return collect([](const Box &box) { return box.prompt; }); }
-    QStringList titles() const { return collect([](const Box &box) { return box.title; }); }
+    QStringList prompts() const
+    {
+        return collect([](const Box &box) { return box.prompt; });
+    }
+    QStringList titles() const
+    {
+        return collect([](const Box &box) { return box.title; });
+    }
     QList<int> styles() const
     {
         QList<int> result;

@@ -50,9 +50,9 @@ public:
             field(t, "Low", QVariant(0.25), &TestControl::m_low);
             field(t, "High", QVariant(0.75), &TestControl::m_high);
             field(t, "BackColor", QVariant(uint(0x8000000F)), &TestControl::m_backColor);
-            field(t, "Font", PropertyTable<TestControl>::DefaultFn([](const TestControl &c) {
-                return QVariant(c.ambientFont());
-            }), &TestControl::m_font);
+            field(t, "Font",
+                PropertyTable<TestControl>::DefaultFn([](const TestControl &c) { return QVariant(c.ambientFont()); }),
+                &TestControl::m_font);
             t.setWriteOrder({"BackColor", "Caption", "Font", "High", "Count", "Low"});
             return t;
         }();
@@ -61,10 +61,12 @@ public:
 
     /// Adds the persisted property `name` kept in `member`; loading it stores the value as it is and logs the name.
     template<typename Default, typename T>
-    static void field(PropertyTable<TestControl> &t, const char *name, const Default &defaultValue, T TestControl::*member)
+    static void field(
+        PropertyTable<TestControl> &t, const char *name, const Default &defaultValue, T TestControl::*member)
     {
         const QString key = QString::fromLatin1(name);
-        t.add(key, defaultValue, [member](const TestControl &c) { return QVariant::fromValue(c.*member); },
+        t.add(
+            key, defaultValue, [member](const TestControl &c) { return QVariant::fromValue(c.*member); },
             [key, member](TestControl &c, const QVariant &v) {
                 c.storeLog << key;
                 c.*member = v.value<T>();

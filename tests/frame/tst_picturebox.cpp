@@ -200,7 +200,8 @@ void TestPictureBox::resizeKeepsTheDrawingAtTopLeft()
     QCOMPARE(image.size(), QSize(76, 56));
     QCOMPARE(pointsNotOf(image, {{QRect(0, 0, 10, 10), red}, {QRect(30, 20, 6, 6), green}}), QStringList());
     // The new room shows the back colour.
-    QCOMPARE(pointsNotOf(image, {{QRect(36, 0, 40, 56), buttonFace}, {QRect(0, 26, 76, 30), buttonFace}}), QStringList());
+    QCOMPARE(
+        pointsNotOf(image, {{QRect(36, 0, 40, 56), buttonFace}, {QRect(0, 26, 76, 30), buttonFace}}), QStringList());
     image = grabbed(box);
     QCOMPARE(pointsNotOf(image, {{QRect(2, 2, 10, 10), red}, {QRect(38, 2, 40, 56), buttonFace}}), QStringList());
 
@@ -277,7 +278,9 @@ void TestPictureBox::changingTheBorderKeepsTheSurfaceFilled()
     QCOMPARE(box.scaleWidth(), 40);
     QCOMPARE(box.scaleHeight(), 30);
     QImage image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, {{QRect(0, 0, 4, 4), red}, {QRect(4, 0, 36, 30), buttonFace}, {QRect(0, 4, 40, 26), buttonFace}}), QStringList());
+    QCOMPARE(pointsNotOf(image,
+                 {{QRect(0, 0, 4, 4), red}, {QRect(4, 0, 36, 30), buttonFace}, {QRect(0, 4, 40, 26), buttonFace}}),
+        QStringList());
 
     box.setBorderStyle(1);
     QApplication::processEvents();
@@ -298,7 +301,9 @@ void TestPictureBox::pictureLiesBetweenBackColorAndDrawing()
     box.setPicture(picture);
     QCOMPARE(box.picture().size(), QSize(8, 6));
     QImage image = box.rendered();
-    QCOMPARE(pointsNotOf(image, {{QRect(0, 0, 8, 6), green}, {QRect(8, 0, 28, 26), buttonFace}, {QRect(0, 6, 8, 20), buttonFace}}), QStringList());
+    QCOMPARE(pointsNotOf(image,
+                 {{QRect(0, 0, 8, 6), green}, {QRect(8, 0, 28, 26), buttonFace}, {QRect(0, 6, 8, 20), buttonFace}}),
+        QStringList());
 
     box.fillBox(QRectF(4, 3, 10, 10), 0x000000FF);
     image = box.rendered();

@@ -338,8 +338,8 @@ void tst_FileIcon::openFailuresShowTheirBox()
     const QString path = sandbox.path(relative);
     Boxes boxes;
     OpenWithAssociatedApp(path, nullptr, false);
-    QCOMPARE(
-        boxes.prompts(), QStringList{u"Error "_qs + QString::number(code) + u": "_qs + text + u" '"_qs + path + u"'"_qs});
+    QCOMPARE(boxes.prompts(),
+        QStringList{u"Error "_qs + QString::number(code) + u": "_qs + text + u" '"_qs + path + u"'"_qs});
     QCOMPARE(boxes.styles(), QList<int>{0});
     QCOMPARE(boxes.titles(), QStringList{QString()});
     QCOMPARE(shellExecute(path, false), code);

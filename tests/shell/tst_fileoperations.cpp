@@ -88,8 +88,8 @@ int runChild(int argc, char **argv)
     if (argc < 4)
         return 2;
     const QString b = argc > 4 ? FileNameCodec::decode(QByteArray(argv[4])) : QString();
-    const bool ok
-        = runOperation(QString::fromLatin1(argv[2]), FileNameCodec::decode(QByteArray(argv[3])), b, argc > 5 && argv[5][0] == '1', nullptr);
+    const bool ok = runOperation(QString::fromLatin1(argv[2]), FileNameCodec::decode(QByteArray(argv[3])), b,
+        argc > 5 && argv[5][0] == '1', nullptr);
     ::write(1, ok ? "1" : "0", 1);
     return 0;
 }
@@ -119,8 +119,8 @@ public:
 
 /// One row of the operation tables: `what` is "<operation> <source> -> <target>" (the target left out for a
 /// delete), relative to the test folder; "@" at the start of a target is the other file system.
-QTestData &opRow(const char *name, const QStringList &tree, const QString &what, bool flag, bool ok,
-    const QStringList &after)
+QTestData &opRow(
+    const char *name, const QStringList &tree, const QString &what, bool flag, bool ok, const QStringList &after)
 {
     const qsizetype blank = what.indexOf(' '), arrow = what.indexOf(" -> ");
     const QString source = arrow < 0 ? what.mid(blank + 1) : what.mid(blank + 1, arrow - blank - 1);

@@ -135,16 +135,16 @@ void TestFileTransfer::transfers_data()
     transferRow("folder copy, replace No", folders, "item copy a/d -> b", {No}, "b/d", folderBox,
         merged + QStringList{"b/d/f=old"});
     transferRow("folder copy, replace Cancel", folders, "item copy a/d -> b", {Cancel}, "", folderBox, folders);
-    transferRow("folder move, replace Yes moves nothing", folders, "item move a/d -> b", {Yes}, "b/d", folderBox,
-        folders);
-    transferRow("folder move, replace No moves nothing", folders, "item move a/d -> b", {No}, "b/d", folderBox,
-        folders);
+    transferRow(
+        "folder move, replace Yes moves nothing", folders, "item move a/d -> b", {Yes}, "b/d", folderBox, folders);
+    transferRow(
+        "folder move, replace No moves nothing", folders, "item move a/d -> b", {No}, "b/d", folderBox, folders);
     transferRow("folder move, replace Cancel", folders, "item move a/d -> b", {Cancel}, "", folderBox, folders);
     transferRow("folder copy, a file where the source has a folder",
         {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file"}, "folder copy a/d -> b", {Yes},
         "b/d", folderBox, {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file", "b/d/u=2"});
-    transferRow("folder onto a file of its name", {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"}, "item copy a/d -> b",
-        {}, "b/d", none, {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"});
+    transferRow("folder onto a file of its name", {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"}, "item copy a/d -> b", {},
+        "b/d", none, {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"});
 
     // A folder into its own parent, onto itself, into its own sub-folder.
     transferRow("folder copy into its parent", inParent, "item copy a/d -> a", {}, "a/Copy (2) of d", none,
@@ -152,23 +152,22 @@ void TestFileTransfer::transfers_data()
     transferRow("folder move into its parent", inParent, "item move a/d -> a", {}, "a/Copy (2) of d", none,
         {"a/", "a/Copy (2) of d/", "a/Copy (2) of d/f=1"});
     transferRow("folder onto itself", inParent, "item copy a/d -> a/d", {}, "", sameFolder, inParent);
-    transferRow("folder moved onto itself", {"a/", "a/f=1"}, "folder move a -> a", {}, "", sameFolder,
-        {"a/", "a/f=1"});
+    transferRow("folder moved onto itself", {"a/", "a/f=1"}, "folder move a -> a", {}, "", sameFolder, {"a/", "a/f=1"});
     transferRow("folder copy into its own sub-folder", {"a/", "a/f=1", "a/s/", "a/s/g=2"}, "item copy a -> a/s", {},
         "a/s/a", none, {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/s/", "a/s/a/s/g=2", "a/s/g=2"});
     transferRow("folder copy into its own sub-folder, again", {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/old=0"},
         "item copy a -> a/s", {Yes}, "a/s/a", folderBox,
         {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/old=0", "a/s/a/s/"});
-    transferRow("folder move into its own sub-folder", {"a/", "a/f=1", "a/s/"}, "item move a -> a/s", {}, "a/s/a",
-        none, {"a/", "a/f=1", "a/s/"});
+    transferRow("folder move into its own sub-folder", {"a/", "a/f=1", "a/s/"}, "item move a -> a/s", {}, "a/s/a", none,
+        {"a/", "a/f=1", "a/s/"});
 
     // Links are copied and moved as links.
     transferRow("broken link copy", {"a/", "a/dead->nowhere", "b/"}, "item copy a/dead -> b", {}, "b/dead", none,
         {"a/", "a/dead->nowhere", "b/", "b/dead->nowhere"});
     transferRow("broken link move", {"a/", "a/dead->nowhere", "b/"}, "item move a/dead -> b", {}, "b/dead", none,
         {"a/", "b/", "b/dead->nowhere"});
-    transferRow("link to a folder copy", link, "item copy a/ln -> b", {}, "b/ln", none,
-        link + QStringList{"b/ln->real"});
+    transferRow(
+        "link to a folder copy", link, "item copy a/ln -> b", {}, "b/ln", none, link + QStringList{"b/ln->real"});
     transferRow("link to a folder move", link, "item move a/ln -> b", {}, "b/ln", none,
         {"a/", "a/real/", "a/real/f=1", "b/", "b/ln->real"});
     transferRow("folder with links inside", {"a/", "a/d/", "a/d/in->../outside", "a/outside/", "a/outside/f=1", "b/"},

@@ -432,8 +432,8 @@ void tst_FolderListing::entryAndExistence()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(makeTree(dir.path(),
-        {"file.txt=12345", "folder/", "folder link->folder", "file link->file.txt", "broken->nowhere"}));
+    QVERIFY(makeTree(
+        dir.path(), {"file.txt=12345", "folder/", "folder link->folder", "file link->file.txt", "broken->nowhere"}));
     const FileSystem &fileSystem = FileSystem::instance();
 
     const std::optional<FileEntry> file = fileSystem.entry(dir.filePath("file.txt"));
@@ -510,9 +510,11 @@ void tst_FolderListing::pathTexts_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("name"); // buildPath only
     QTest::addColumn<QString>("expected");
-    const auto row = [](const char *function, const char *tag, const char *path, const char *name, const char *expected) {
-        QTest::addRow("%s: %s", function, tag) << QString(function) << QString(path) << QString(name) << QString(expected);
-    };
+    const auto row
+        = [](const char *function, const char *tag, const char *path, const char *name, const char *expected) {
+              QTest::addRow("%s: %s", function, tag)
+                  << QString(function) << QString(path) << QString(name) << QString(expected);
+          };
     row("extensionName", "two dots", "a.tar.gz", "", "gz");
     row("extensionName", "none", "README", "", "");
     row("extensionName", "dot file", ".bashrc", "", "bashrc");
