@@ -378,14 +378,6 @@ void TestControlBase::lifeCycleWorksLateBound()
     int result = 0;
     QVERIFY(QMetaObject::invokeMethod(host, "Twice", Q_RETURN_ARG(int, result), Q_ARG(int, 21)));
     QCOMPARE(result, 42);
-
-    // The life cycle is published under its exact names.
-    const QMetaObject *meta = host->metaObject();
-    QVERIFY(meta->indexOfMethod("InitProperties()") >= 0);
-    QVERIFY(meta->indexOfMethod("ReadProperties(Kelocontrols::PropertyBag)") >= 0);
-    QVERIFY(meta->indexOfMethod("WriteProperties(Kelocontrols::PropertyBag&)") >= 0);
-    QVERIFY(meta->indexOfMethod("setUserMode(bool)") >= 0);
-    QVERIFY(meta->indexOfSignal("PropertyChanged(QString)") >= 0);
 }
 
 void TestControlBase::runTimeErrorsPropagateLateBound()
