@@ -27,18 +27,9 @@ QString formPath(const char *name)
     return QStringLiteral(KELO_FORMS_DIR "/") + QLatin1String(name);
 }
 
-/// A loader that looks for plugins only in this build tree's plugin folder,
-/// so an installed copy of the plugin can never stand in for the one under test.
-std::unique_ptr<QUiLoader> buildTreeLoader()
-{
-    auto loader = std::make_unique<QUiLoader>();
-    loader->clearPluginPaths();
-    loader->addPluginPath(pluginDir);
-    return loader;
-}
-
-/// A loader that records the PropertyChanged signals of every control it
-/// creates, from the moment of creation on (before the form's properties).
+/// A loader that looks for plugins only in this build tree's plugin folder, so an installed copy of the plugin can
+/// never stand in for the one under test; it records the PropertyChanged signals of every control it creates, from
+/// the moment of creation on (before the form's properties).
 class RecordingLoader : public QUiLoader
 {
 public:
@@ -60,6 +51,11 @@ public:
 
     QHash<QString, QStringList> changes;
 };
+
+std::unique_ptr<QUiLoader> buildTreeLoader()
+{
+    return std::make_unique<RecordingLoader>();
+}
 
 /// A form holding one score card named "card" with the given property elements.
 QByteArray cardForm(const QString &properties)
@@ -92,11 +88,7 @@ std::unique_ptr<QWidget> loadForm(QUiLoader &loader, QByteArray xml)
 
 std::unique_ptr<QWidget> loadFormFile(QUiLoader &loader, const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return nullptr;
-    }
-    return std::unique_ptr<QWidget>(loader.load(&file));
+    return loadForm(loader, FormFile::read(path).toUtf8());
 }
 
 /// The names of the control's own properties (mixed case; QWidget's start
