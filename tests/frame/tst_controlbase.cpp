@@ -45,7 +45,7 @@ public:
     {
         static const PropertyTable<TestControl> properties = [] {
             PropertyTable<TestControl> t;
-            field(t, "Caption", QVariant(QStringLiteral("Control")), &TestControl::m_caption);
+            field(t, "Caption", QVariant(u"Control"_qs), &TestControl::m_caption);
             field(t, "Count", QVariant(3), &TestControl::m_count);
             field(t, "Low", QVariant(0.25), &TestControl::m_low);
             field(t, "High", QVariant(0.75), &TestControl::m_high);
@@ -161,10 +161,8 @@ private:
     QString m_runTimeOnly;
 };
 
-const QStringList readOrder{QStringLiteral("Caption"), QStringLiteral("Count"), QStringLiteral("Low"),
-    QStringLiteral("High"), QStringLiteral("BackColor"), QStringLiteral("Font")};
-const QStringList writeOrder{QStringLiteral("BackColor"), QStringLiteral("Caption"), QStringLiteral("Font"),
-    QStringLiteral("High"), QStringLiteral("Count"), QStringLiteral("Low")};
+const QStringList readOrder{u"Caption"_qs, u"Count"_qs, u"Low"_qs, u"High"_qs, u"BackColor"_qs, u"Font"_qs};
+const QStringList writeOrder{u"BackColor"_qs, u"Caption"_qs, u"Font"_qs, u"High"_qs, u"Count"_qs, u"Low"_qs};
 
 using KeloTest::errorNumberOf;
 
@@ -179,7 +177,7 @@ const QStringList defaults{"Caption=Control", "Count=3", "Low=0.25", "High=0.75"
 
 QFont unusualFont()
 {
-    QFont font(QStringLiteral("DejaVu Serif"), 13, QFont::Bold, true);
+    QFont font(u"DejaVu Serif"_qs, 13, QFont::Bold, true);
     font.setUnderline(true);
     return font;
 }
@@ -187,7 +185,7 @@ QFont unusualFont()
 // Gives every persisted property a value other than its default.
 void changeEverything(TestControl &c)
 {
-    c.setCaption(QStringLiteral("Line \"one\"\r\nLine two"));
+    c.setCaption(u"Line \"one\"\r\nLine two"_qs);
     c.setCount(7);
     c.setHigh(0.9);
     c.setLow(0.1);
@@ -225,9 +223,9 @@ void TestControlBase::constructionInitialisesWithDefaults()
     const PropertyTableBase &table = c.propertyTable();
     QCOMPARE(table.readOrder(), readOrder);
     QCOMPARE(table.writeOrder(), writeOrder);
-    QCOMPARE(table.defaultValue(c, QStringLiteral("Count")), QVariant(3));
-    QCOMPARE(table.defaultValue(c, QStringLiteral("BackColor")), QVariant(uint(0x8000000F)));
-    QVERIFY(!table.defaultValue(c, QStringLiteral("NoSuchProperty")).isValid());
+    QCOMPARE(table.defaultValue(c, u"Count"_qs), QVariant(3));
+    QCOMPARE(table.defaultValue(c, u"BackColor"_qs), QVariant(uint(0x8000000F)));
+    QVERIFY(!table.defaultValue(c, u"NoSuchProperty"_qs).isValid());
 
     // InitProperties brings every changed value back, in the same order, and nothing is left to save.
     changeEverything(c);
@@ -247,13 +245,13 @@ void TestControlBase::readPropertiesStoresInReadOrderWithoutValidation()
     // Saved in an order of its own, with names in other cases, and values
     // the setters would clamp or refuse.
     PropertyBag bag;
-    bag.WriteProperty(QStringLiteral("high"), 0.1);
-    bag.WriteProperty(QStringLiteral("LOW"), 0.9);
-    bag.WriteProperty(QStringLiteral("Count"), 99);
-    bag.WriteProperty(QStringLiteral("BackColor"), uint(0x000000FF));
+    bag.WriteProperty(u"high"_qs, 0.1);
+    bag.WriteProperty(u"LOW"_qs, 0.9);
+    bag.WriteProperty(u"Count"_qs, 99);
+    bag.WriteProperty(u"BackColor"_qs, uint(0x000000FF));
 
     TestControl c;
-    c.setCaption(QStringLiteral("changed before loading"));
+    c.setCaption(u"changed before loading"_qs);
     c.storeLog.clear();
     c.ReadProperties(bag);
 
@@ -264,16 +262,14 @@ void TestControlBase::readPropertiesStoresInReadOrderWithoutValidation()
     QCOMPARE(c.Count(), 99);
     QCOMPARE(c.BackColor(), 0x000000FFu);
     // What the bag does not hold goes back to its default.
-    QCOMPARE(c.Caption(), QStringLiteral("Control"));
+    QCOMPARE(c.Caption(), u"Control"_qs);
     QCOMPARE(c.Font(), QApplication::font());
 
     // The loaded values are saved as they are.
     PropertyBag saved;
     c.WriteProperties(saved);
-    QCOMPARE(saved.names(),
-        (QStringList{
-            QStringLiteral("BackColor"), QStringLiteral("High"), QStringLiteral("Count"), QStringLiteral("Low")}));
-    QCOMPARE(saved.ReadProperty(QStringLiteral("Count")), QVariant(99));
+    QCOMPARE(saved.names(), (QStringList{u"BackColor"_qs, u"High"_qs, u"Count"_qs, u"Low"_qs}));
+    QCOMPARE(saved.ReadProperty(u"Count"_qs), QVariant(99));
 }
 
 void TestControlBase::writePropertiesUsesWriteOrderAndLeavesDefaultsOut()
@@ -286,22 +282,22 @@ void TestControlBase::writePropertiesUsesWriteOrderAndLeavesDefaultsOut()
     changeEverything(c);
     c.WriteProperties(bag);
     QCOMPARE(bag.names(), writeOrder);
-    QCOMPARE(bag.ReadProperty(QStringLiteral("Caption")).toString(), QStringLiteral("Line \"one\"\r\nLine two"));
-    QCOMPARE(bag.ReadProperty(QStringLiteral("BackColor")), QVariant(uint(0x00336699)));
-    QCOMPARE(bag.ReadProperty(QStringLiteral("Font")).value<QFont>(), unusualFont());
+    QCOMPARE(bag.ReadProperty(u"Caption"_qs).toString(), u"Line \"one\"\r\nLine two"_qs);
+    QCOMPARE(bag.ReadProperty(u"BackColor"_qs), QVariant(uint(0x00336699)));
+    QCOMPARE(bag.ReadProperty(u"Font"_qs).value<QFont>(), unusualFont());
 
     // Back at their defaults, properties drop out of a bag that held them.
     c.setCount(3);
-    c.setCaption(QStringLiteral("Control"));
+    c.setCaption(u"Control"_qs);
     c.setFont(QApplication::font());
     c.WriteProperties(bag);
-    QCOMPARE(bag.names(), (QStringList{QStringLiteral("BackColor"), QStringLiteral("High"), QStringLiteral("Low")}));
+    QCOMPARE(bag.names(), (QStringList{u"BackColor"_qs, u"High"_qs, u"Low"_qs}));
 }
 
 void TestControlBase::fontDefaultFollowsTheContainer()
 {
     QWidget form;
-    QFont formFont(QStringLiteral("DejaVu Sans Mono"), 15);
+    QFont formFont(u"DejaVu Sans Mono"_qs, 15);
     form.setFont(formFont);
 
     TestControl placed(&form);
@@ -309,17 +305,17 @@ void TestControlBase::fontDefaultFollowsTheContainer()
     QCOMPARE(placed.Font(), form.font());
     PropertyBag bag;
     placed.WriteProperties(bag);
-    QVERIFY(!bag.contains(QStringLiteral("Font")));
+    QVERIFY(!bag.contains(u"Font"_qs));
 
     // The same font on a control without that container is a change worth saving.
     TestControl loose;
     QCOMPARE(loose.ambientFont(), QApplication::font());
     loose.setFont(form.font());
     loose.WriteProperties(bag);
-    QCOMPARE(bag.ReadProperty(QStringLiteral("Font")).value<QFont>(), form.font());
+    QCOMPARE(bag.ReadProperty(u"Font"_qs).value<QFont>(), form.font());
 
     // Loading without a saved font takes the container's font of the moment.
-    QFont changed(QStringLiteral("DejaVu Serif"), 8);
+    QFont changed(u"DejaVu Serif"_qs, 8);
     form.setFont(changed);
     placed.ReadProperties(PropertyBag());
     QCOMPARE(placed.Font(), form.font());
@@ -394,7 +390,7 @@ void TestControlBase::runTimeErrorsPropagateLateBound()
     QCOMPARE(errorNumberOf([&] { host->setProperty("BackColor", 0x80000005u); }), 0);
     QCOMPARE(c.BackColor(), 0x80000005u);
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.at(0).at(0).toString(), QStringLiteral("BackColor"));
+    QCOMPARE(changed.at(0).at(0).toString(), u"BackColor"_qs);
 
     int result = -1;
     QCOMPARE(
@@ -404,14 +400,13 @@ void TestControlBase::runTimeErrorsPropagateLateBound()
 
     // A write refused at design time raises 387 and changes nothing.
     c.setUserMode(false);
-    QCOMPARE(
-        errorNumberOf([&] { host->setProperty("RunTimeOnly", QStringLiteral("x")); }), ErrorNumber::SetNotPermitted);
-    QCOMPARE(errorNumberOf([&] { c.setRunTimeOnly(QStringLiteral("y")); }), ErrorNumber::SetNotPermitted);
+    QCOMPARE(errorNumberOf([&] { host->setProperty("RunTimeOnly", u"x"_qs); }), ErrorNumber::SetNotPermitted);
+    QCOMPARE(errorNumberOf([&] { c.setRunTimeOnly(u"y"_qs); }), ErrorNumber::SetNotPermitted);
     QVERIFY(c.RunTimeOnly().isEmpty());
     c.setUserMode(true);
-    QCOMPARE(errorNumberOf([&] { host->setProperty("RunTimeOnly", QStringLiteral("z")); }), 0);
-    QCOMPARE(c.RunTimeOnly(), QStringLiteral("z"));
-    QCOMPARE(changed.last().at(0).toString(), QStringLiteral("RunTimeOnly"));
+    QCOMPARE(errorNumberOf([&] { host->setProperty("RunTimeOnly", u"z"_qs); }), 0);
+    QCOMPARE(c.RunTimeOnly(), u"z"_qs);
+    QCOMPARE(changed.last().at(0).toString(), u"RunTimeOnly"_qs);
 }
 
 void TestControlBase::designModeScopesNest()
@@ -458,7 +453,7 @@ void TestControlBase::userModeChangesAreReported()
     PropertyBag bag;
     c.setUserMode(false);
     c.WriteProperties(bag);
-    QVERIFY(!bag.contains(QStringLiteral("UserMode")));
+    QVERIFY(!bag.contains(u"UserMode"_qs));
     const QMetaProperty userMode = c.metaObject()->property(c.metaObject()->indexOfProperty("UserMode"));
     QVERIFY(!userMode.isStored());
     QVERIFY(!userMode.isDesignable());

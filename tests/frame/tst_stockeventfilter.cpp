@@ -147,8 +147,7 @@ void TestStockEventFilter::mouseSequences_data()
     QTest::addColumn<QStringList>("events");
     const QStringList click = {"MouseDown 1 0 10 7", "MouseUp 1 0 10 7", "Click"};
     QTest::newRow("click") << "click L 10,7" << click;
-    QTest::newRow("the next click is a click of its own")
-        << "click L 10,7; click L 10,7" << click + click;
+    QTest::newRow("the next click is a click of its own") << "click L 10,7; click L 10,7" << click + click;
     // A widget sees a double click as press, release, double click, release.
     QTest::newRow("double click") << "press L 20,30; release L 20,30; dclick L 20,30; release L 20,30"
                                   << QStringList{"MouseDown 1 0 20 30", "MouseUp 1 0 20 30", "Click", "DblClick",
@@ -170,7 +169,8 @@ void TestStockEventFilter::mouseSequences()
 {
     QFETCH(QString, script);
     QFETCH(QStringList, events);
-    const QHash<QString, Qt::MouseButton> buttons{{"L", Qt::LeftButton}, {"R", Qt::RightButton}, {"M", Qt::MiddleButton}};
+    const QHash<QString, Qt::MouseButton> buttons{
+        {"L", Qt::LeftButton}, {"R", Qt::RightButton}, {"M", Qt::MiddleButton}};
     for (const QString &step : script.split("; ")) {
         const QStringList parts = step.split(' ');
         const QStringList xy = parts.at(2).split(',');

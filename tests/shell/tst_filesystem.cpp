@@ -107,7 +107,7 @@ void tst_FileSystem::parseMountInfo()
         QCOMPARE(d.totalSize, d.isReady ? 1000 * 1024 : 0);
         QCOMPARE(d.freeSpace, d.isReady ? 250 * 1024 : 0);
         drives << QStringList{d.rootPath, QString::number(d.driveType), d.isReady ? "ready" : "not ready", d.shareName,
-                      d.volumeName, d.fileSystem, d.device}
+            d.volumeName, d.fileSystem, d.device}
                       .join(" | ");
     }
     QCOMPARE(drives,
