@@ -31,11 +31,6 @@ FileEntry fileEntry(const QString &name, qint64 size, qint64 modified, qint64 cr
     return e;
 }
 
-void touch(const QString &path)
-{
-    QVERIFY(KeloTest::writeFile(path, 0));
-}
-
 } // namespace
 
 class TestFileListModel : public QObject
@@ -226,9 +221,7 @@ void TestFileListModel::takeFactsComparesAsTheTextsDo()
 void TestFileListModel::folderCountIsAFactOfItsStamp()
 {
     QTemporaryDir dir;
-    QDir(dir.path()).mkpath(u"sub"_qs);
-    touch(dir.filePath(u"sub/one"_qs));
-    touch(dir.filePath(u"sub/two"_qs));
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"sub/one"_qs)) && KeloTest::writeFile(dir.filePath(u"sub/two"_qs)));
     const FolderContents contents = FileSystem::instance().listFolder(dir.path());
     QCOMPARE(contents.folders.size(), 1);
     FileEntry sub = contents.folders.first();
@@ -239,7 +232,7 @@ void TestFileListModel::folderCountIsAFactOfItsStamp()
     const FileListRow first = FileListRow::folderOf(sub, contents.path, true);
     QCOMPARE(first.fileCount, 2);
     QCOMPARE(first.columnText(Column::Size), u"2"_qs);
-    touch(dir.filePath(u"sub/three"_qs));
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"sub/three"_qs)));
     QVERIFY(first.holdsFacts(sub, contents.path, FileListKind::Folder, true));
     QCOMPARE(FileListRow::folderOf(sub, contents.path, true, &first).fileCount, 2); // not read again
 
