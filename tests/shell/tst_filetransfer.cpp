@@ -64,7 +64,6 @@ private Q_SLOTS:
     void transfers_data();
     void transfers();
     void replaceBoxShowsBothFiles();
-    void boxTexts_data();
     void boxTexts();
     void uniqueNames();
     void pasteFiles();
@@ -229,55 +228,32 @@ void TestFileTransfer::replaceBoxShowsBothFiles()
     QCOMPARE(boxes.boxes[0].title, QString("Confirm File Replace"));
 }
 
-void TestFileTransfer::boxTexts_data()
-{
-    QTest::addColumn<int>("which");
-    QTest::addColumn<QString>("prompt");
-    QTest::addColumn<int>("style");
-    QTest::addColumn<QString>("title");
-
-    QTest::newRow("ConfirmFolderReplace") << 0
-                                          << "This folder already contains a folder named 'Docs'" + CrLf + CrLf
-            + "If the files in the existing folder have the same name as files in the" + CrLf
-            + "folder you are moving or copying, they will be replaced. Do you still" + CrLf
-            + "want to move or copy the folder?" + CrLf
-                                          << 51 << "Confirm Folder Replace";
-    QTest::newRow("ConfirmFolderDelete") << 1
-                                         << "Are you sure you want to remove the folder 'Docs' and" + CrLf
-            + "move all its contents to the Recycle Bin?"
-                                         << 52 << "Confirm Folder Delete";
-    QTest::newRow("ConfirmReadOnlyFolderDelete") << 2
-                                                 << "The folder 'Docs' is a read-only folder.  Are you sure you" + CrLf
-            + "want to remove it and move all its contents to the Recycle Bin?"
-                                                 << 52 << "Confirm Folder Delete";
-    QTest::newRow("ShowFolderNotAccessible")
-        << 3 << "Docs is not accessible." + CrLf + CrLf + "This folder was moved or removed." << 16
-        << "Folder Not Accessible";
-    QTest::newRow("ShowInvalidNameChars")
-        << 4 << "A file cannot contain any of the following characters:" + CrLf + "              \\ / : * ? \" < > |"
-        << 16 << "Rename";
-    QTest::newRow("ShowCopySameFolderError")
-        << 5 << "Cannot copy Docs:  The destination folder is the same as the source folder." + CrLf << 16
-        << "Error copying file or folder";
-}
-
 void TestFileTransfer::boxTexts()
 {
-    QFETCH(int, which);
-    QFETCH(QString, prompt);
-    QFETCH(int, style);
-    QFETCH(QString, title);
-
-    Boxes boxes({MsgBoxResult::No});
+    Boxes boxes({No});
     const QString name = "Docs";
-    const int answers[] = {ConfirmFolderReplace(name), ConfirmFolderDelete(name), ConfirmReadOnlyFolderDelete(name),
-        ShowFolderNotAccessible(name), ShowInvalidNameChars(), ShowCopySameFolderError(name)};
-    QCOMPARE(answers[0], MsgBoxResult::No); // the button pressed comes back
-    QCOMPARE(boxes.boxes.size(), 6);
-    QCOMPARE(boxes.boxes[which].prompt, prompt);
-    QCOMPARE(boxes.boxes[which].style, style);
-    QCOMPARE(boxes.boxes[which].title, title);
-    QCOMPARE(prompt.count(QString(14, ' ') + "\\"), which == 4 ? 1 : 0);
+    QCOMPARE(ConfirmFolderReplace(name), No); // the button pressed comes back
+    ConfirmFolderDelete(name);
+    ConfirmReadOnlyFolderDelete(name);
+    ShowFolderNotAccessible(name);
+    ShowInvalidNameChars();
+    ShowCopySameFolderError(name);
+    QCOMPARE(boxes.titles(),
+        QStringList({"Confirm Folder Replace", "Confirm Folder Delete", "Confirm Folder Delete",
+            "Folder Not Accessible", "Rename", "Error copying file or folder"}));
+    QCOMPARE(boxes.styles(), QList<int>({51, 52, 52, 16, 16, 16}));
+    QCOMPARE(boxes.prompts(),
+        QStringList({"This folder already contains a folder named 'Docs'" + CrLf + CrLf
+                + "If the files in the existing folder have the same name as files in the" + CrLf
+                + "folder you are moving or copying, they will be replaced. Do you still" + CrLf
+                + "want to move or copy the folder?" + CrLf,
+            "Are you sure you want to remove the folder 'Docs' and" + CrLf
+                + "move all its contents to the Recycle Bin?",
+            "The folder 'Docs' is a read-only folder.  Are you sure you" + CrLf
+                + "want to remove it and move all its contents to the Recycle Bin?",
+            "Docs is not accessible." + CrLf + CrLf + "This folder was moved or removed.",
+            "A file cannot contain any of the following characters:" + CrLf + "              \\ / : * ? \" < > |",
+            "Cannot copy Docs:  The destination folder is the same as the source folder." + CrLf}));
 }
 
 void TestFileTransfer::uniqueNames()
