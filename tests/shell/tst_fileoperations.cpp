@@ -409,12 +409,9 @@ void TestFileOperations::vanishingSource_data()
 void TestFileOperations::vanishingSource()
 {
     const auto [tree, op, source, target, flag, ok, after] = currentCase();
-    QString targetPath = at(target);
-    if (target.startsWith('@')) {
-        if (!m_other || !m_other->isValid())
-            QSKIP("/dev/shm is not available for a second file system");
-        targetPath = m_other->path() + target.mid(1);
-    }
+    if (target.startsWith('@') && (!m_other || !m_other->isValid()))
+        QSKIP("/dev/shm is not available for a second file system");
+    const QString targetPath = target.startsWith('@') ? m_other->path() + target.mid(1) : at(target);
     QVERIFY(makeTree(root(), tree));
     ScriptedMonitor monitor;
     const QString doomed = at("a/d/2");
@@ -442,12 +439,9 @@ void TestFileOperations::cancel_data()
 void TestFileOperations::cancel()
 {
     const auto [tree, op, source, target, flag, ok, after] = currentCase();
-    QString targetPath = at(target);
-    if (target.startsWith('@')) {
-        if (!m_other || !m_other->isValid())
-            QSKIP("/dev/shm is not available for a second file system");
-        targetPath = m_other->path() + target.mid(1);
-    }
+    if (target.startsWith('@') && (!m_other || !m_other->isValid()))
+        QSKIP("/dev/shm is not available for a second file system");
+    const QString targetPath = target.startsWith('@') ? m_other->path() + target.mid(1) : at(target);
     QVERIFY(makeTree(root(), tree));
     ScriptedMonitor monitor;
     monitor.cancelAfterBytes = [](qint64 bytes) { return bytes > 1024 * 1024; };
