@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Kelocontrols/MsgBox.h>
 #include <Kelocontrols/RuntimeError.h>
 
 #include <QDir>
@@ -153,5 +154,73 @@ inline QRgb centreOf(const QPixmap &pixmap)
     const QImage image = pixmap.toImage();
     return image.pixel(image.width() / 2, image.height() / 2);
 }
+
+/// Whether any pixel of `image` is not fully transparent.
+inline bool hasVisiblePixel(const QImage &image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) != 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+/// Stands in for the message box while it lives: records every box shown and answers from `answers` in turn (OK
+/// once they run out); the handler in force before comes back on destruction.
+class MsgBoxRecorder
+{
+public:
+    struct Box
+    {
+        QString prompt;
+        int style;
+        QString title;
+    };
+
+    explicit MsgBoxRecorder(QList<int> answers = {})
+        : m_answers(std::move(answers))
+    {
+        m_previous = Kelocontrols::setMsgBoxHandler([this](const QString &prompt, int style, const QString &title) {
+            boxes.append({prompt, style, title});
+            return m_answers.isEmpty() ? Kelocontrols::MsgBoxResult::OK : m_answers.takeFirst();
+        });
+    }
+    ~MsgBoxRecorder() { Kelocontrols::setMsgBoxHandler(m_previous); }
+    MsgBoxRecorder(const MsgBoxRecorder &) = delete;
+    MsgBoxRecorder &operator=(const MsgBoxRecorder &) = delete;
+
+    QStringList prompts() const
+    {
+        return collect([](const Box &box) { return box.prompt; });
+    }
+    QStringList titles() const
+    {
+        return collect([](const Box &box) { return box.title; });
+    }
+    QList<int> styles() const
+    {
+        QList<int> result;
+        for (const Box &box : boxes)
+            result << box.style;
+        return result;
+    }
+
+    QList<Box> boxes;
+
+private:
+    template<typename Field>
+    QStringList collect(Field field) const
+    {
+        QStringList result;
+        for (const Box &box : boxes)
+            result << field(box);
+        return result;
+    }
+
+    QList<int> m_answers;
+    Kelocontrols::MsgBoxHandler m_previous;
+};
 
 } // namespace KeloTest

@@ -4,6 +4,8 @@
 // Kelocontrols widgets it holds and their property elements, and the same
 // values read back from the widgets a loader built.
 
+#include "KeloTestSupport.h"
+
 #include <QFile>
 #include <QFont>
 #include <QMetaProperty>
@@ -33,8 +35,7 @@ struct Widget
 
 inline QString read(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return KeloTest::readTextFile(path);
 }
 
 /// The value of a property element; a rect or font as "child=text,...".

@@ -4,6 +4,7 @@
 // undo stack and in the form file.
 
 #include "ChameleonPropertyPage.h"
+#include "KeloTestSupport.h"
 #include "Kelochameleon.h"
 #include "SettingsStore.h"
 
@@ -79,12 +80,12 @@ QPushButton *dialogButton(QDialog *dialog, QDialogButtonBox::StandardButton whic
 /// The text of one property element of the chameleon in a form file, "" when absent.
 QString formProperty(const QString &form, const QString &name)
 {
-    const QString start = QStringLiteral("<property name=\"") + name + QStringLiteral("\">");
+    const QString start = u"<property name=\""_qs + name + u"\">"_qs;
     const int at = form.indexOf(start);
     if (at < 0) {
         return QString();
     }
-    const int end = form.indexOf(QStringLiteral("</property>"), at);
+    const int end = form.indexOf(u"</property>"_qs, at);
     return form.mid(at + start.size(), end - at - start.size()).simplified();
 }
 
@@ -111,8 +112,7 @@ private:
     QDesignerFormWindowInterface *m_window = nullptr;
     Kelochameleon *m_chameleon = nullptr;
     std::unique_ptr<QWidget> m_propertyEditor;
-    std::unique_ptr<QTemporaryDir> m_config;
-    QByteArray m_savedXdg;
+    std::unique_ptr<KeloTest::ScopedConfigHome> m_config;
 };
 
 void TestChameleonTaskMenu::initTestCase()
@@ -137,13 +137,11 @@ void TestChameleonTaskMenu::cleanupTestCase()
 
 void TestChameleonTaskMenu::init()
 {
-    m_savedXdg = qgetenv("XDG_CONFIG_HOME");
-    m_config = std::make_unique<QTemporaryDir>();
-    qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
+    m_config = std::make_unique<KeloTest::ScopedConfigHome>();
     m_window = m_core->formWindowManager()->createFormWindow(nullptr);
     m_core->formWindowManager()->setActiveFormWindow(m_window);
     QVERIFY(m_window->setContents(QString::fromUtf8(FormText)));
-    m_chameleon = m_window->mainContainer()->findChild<Kelochameleon *>(QStringLiteral("kelochameleon"));
+    m_chameleon = m_window->mainContainer()->findChild<Kelochameleon *>(u"kelochameleon"_qs);
     QVERIFY(m_chameleon);
     QVERIFY(!m_chameleon->UserMode());
     m_window->commandHistory()->clear();
@@ -154,7 +152,7 @@ void TestChameleonTaskMenu::cleanup()
     delete m_window;
     m_window = nullptr;
     m_chameleon = nullptr;
-    qputenv("XDG_CONFIG_HOME", m_savedXdg);
+    m_config.reset();
 }
 
 QAction *TestChameleonTaskMenu::editAction()
@@ -177,7 +175,7 @@ void TestChameleonTaskMenu::chameleonHasTheEditAction()
     QVERIFY(menu);
     const QList<QAction *> actions = menu->taskActions();
     QCOMPARE(actions.size(), 1);
-    QCOMPARE(actions.first()->text(), QStringLiteral("Edit Chameleon Settings..."));
+    QCOMPARE(actions.first()->text(), u"Edit Chameleon Settings..."_qs);
     QCOMPARE(menu->preferredEditAction(), actions.first());
 
     // Other widgets of the form do not get it.
@@ -207,23 +205,23 @@ void TestChameleonTaskMenu::applyWritesThroughThePropertySheet()
             title = dialog->windowTitle();
             auto *page = dialog->findChild<ChameleonPropertyPage *>();
             QVERIFY(page);
-            QCOMPARE(page->findChild<QSlider *>(QStringLiteral("sliInterval"))->value(), 1000);
+            QCOMPARE(page->findChild<QSlider *>(u"sliInterval"_qs)->value(), 1000);
             QPushButton *apply = dialogButton(dialog, QDialogButtonBox::Apply);
             applyEnabledBefore = apply->isEnabled();
-            page->findChild<QSlider *>(QStringLiteral("sliColorMinimum"))->setValue(77);
-            page->findChild<QSlider *>(QStringLiteral("sliColorMaximum"))->setValue(200);
+            page->findChild<QSlider *>(u"sliColorMinimum"_qs)->setValue(77);
+            page->findChild<QSlider *>(u"sliColorMaximum"_qs)->setValue(200);
             applyEnabledAfterEdit = apply->isEnabled();
             apply->click();
             minimumAfterApply = m_chameleon->ColorMinimum();
             applyEnabledAfterApply = apply->isEnabled();
             // Pending at OK: applied as well.
-            page->findChild<QSlider *>(QStringLiteral("sliInterval"))->setValue(2500);
+            page->findChild<QSlider *>(u"sliInterval"_qs)->setValue(2500);
             dialogButton(dialog, QDialogButtonBox::Ok)->click();
         },
         &ran);
     action->trigger();
     QVERIFY(ran);
-    QCOMPARE(title, QStringLiteral("Edit Chameleon Settings - kelochameleon"));
+    QCOMPARE(title, u"Edit Chameleon Settings - kelochameleon"_qs);
     QVERIFY(!applyEnabledBefore);
     QVERIFY(applyEnabledAfterEdit);
     QVERIFY(!applyEnabledAfterApply);
@@ -235,14 +233,14 @@ void TestChameleonTaskMenu::applyWritesThroughThePropertySheet()
     // One undo step per Apply (OK applied the rest), and in the form file.
     QUndoStack *history = m_window->commandHistory();
     QCOMPARE(history->count(), commandsBefore + 2);
-    QCOMPARE(history->text(commandsBefore), QStringLiteral("Edit Chameleon Settings"));
+    QCOMPARE(history->text(commandsBefore), u"Edit Chameleon Settings"_qs);
     const QString form = m_window->contents();
-    QCOMPARE(formProperty(form, QStringLiteral("ColorMinimum")), QStringLiteral("<number>77</number>"));
-    QCOMPARE(formProperty(form, QStringLiteral("ColorMaximum")), QStringLiteral("<number>200</number>"));
-    QCOMPARE(formProperty(form, QStringLiteral("Interval")), QStringLiteral("<number>2500</number>"));
+    QCOMPARE(formProperty(form, u"ColorMinimum"_qs), u"<number>77</number>"_qs);
+    QCOMPARE(formProperty(form, u"ColorMaximum"_qs), u"<number>200</number>"_qs);
+    QCOMPARE(formProperty(form, u"Interval"_qs), u"<number>2500</number>"_qs);
     auto *sheet = qt_extension<QDesignerPropertySheetExtension *>(m_core->extensionManager(), m_chameleon);
     QVERIFY(sheet);
-    QVERIFY(sheet->isChanged(sheet->indexOf(QStringLiteral("ColorMinimum"))));
+    QVERIFY(sheet->isChanged(sheet->indexOf(u"ColorMinimum"_qs)));
 
     history->undo();
     QCOMPARE(m_chameleon->Interval(), 1000);
@@ -263,17 +261,17 @@ void TestChameleonTaskMenu::cancelLeavesTheFormAlone()
     whenDialogOpens(
         [&](QDialog *dialog) {
             auto *page = dialog->findChild<ChameleonPropertyPage *>();
-            page->findChild<QSlider *>(QStringLiteral("sliColorStepRate"))->setValue(99);
-            page->findChild<QLineEdit *>(QStringLiteral("txtThemeName"))->setText(QStringLiteral("Never"));
+            page->findChild<QSlider *>(u"sliColorStepRate"_qs)->setValue(99);
+            page->findChild<QLineEdit *>(u"txtThemeName"_qs)->setText(u"Never"_qs);
             dialogButton(dialog, QDialogButtonBox::Cancel)->click();
         },
         &ran);
     action->trigger();
     QVERIFY(ran);
     QCOMPARE(m_chameleon->ColorStepRate(), 10);
-    QCOMPARE(m_chameleon->ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(m_chameleon->ThemeName(), u"DefaultTheme"_qs);
     QCOMPARE(m_window->commandHistory()->count(), 0);
-    QVERIFY(formProperty(m_window->contents(), QStringLiteral("ColorStepRate")).isEmpty());
+    QVERIFY(formProperty(m_window->contents(), u"ColorStepRate"_qs).isEmpty());
 }
 
 void TestChameleonTaskMenu::getThemeIsOneUndoableCommand()
@@ -281,8 +279,8 @@ void TestChameleonTaskMenu::getThemeIsOneUndoableCommand()
     // A theme saved by a chameleon of the same name elsewhere.
     {
         Kelochameleon source;
-        source.setObjectName(QStringLiteral("kelochameleon"));
-        source.setThemeName(QStringLiteral("Teal"));
+        source.setObjectName(u"kelochameleon"_qs);
+        source.setThemeName(u"Teal"_qs);
         source.setBackgroundStyle(keloBackgroundStyle::FixedColor);
         source.setNewBackColor(0x00808000u);
         source.setColorMaximum(150);
@@ -296,57 +294,54 @@ void TestChameleonTaskMenu::getThemeIsOneUndoableCommand()
     whenDialogOpens(
         [&](QDialog *dialog) {
             auto *page = dialog->findChild<ChameleonPropertyPage *>();
-            page->findChild<QLineEdit *>(QStringLiteral("txtThemeName"))->setText(QStringLiteral("Teal"));
+            page->findChild<QLineEdit *>(u"txtThemeName"_qs)->setText(u"Teal"_qs);
             page->Commands(ChameleonPropertyPage::GetThemeCommand)->click();
-            minimumShown = page->findChild<QSlider *>(QStringLiteral("sliColorMinimum"))->value();
+            minimumShown = page->findChild<QSlider *>(u"sliColorMinimum"_qs)->value();
             dialogButton(dialog, QDialogButtonBox::Cancel)->click();
         },
         &ran);
     action->trigger();
     QVERIFY(ran);
     QCOMPARE(minimumShown, 60);
-    QCOMPARE(m_chameleon->ThemeName(), QStringLiteral("Teal"));
+    QCOMPARE(m_chameleon->ThemeName(), u"Teal"_qs);
     QCOMPARE(m_chameleon->BackgroundStyle(), keloBackgroundStyle::FixedColor);
     QCOMPARE(m_chameleon->NewBackColor(), 0x00808000u);
     QCOMPARE(m_chameleon->ColorMinimum(), 60);
     QCOMPARE(m_chameleon->ColorMaximum(), 150);
     const QString form = m_window->contents();
-    QVERIFY2(
-        formProperty(form, QStringLiteral("BackgroundStyle")).contains(QStringLiteral("FixedColor")), qPrintable(form));
-    QCOMPARE(formProperty(form, QStringLiteral("ThemeName")), QStringLiteral("<string>Teal</string>"));
+    QVERIFY2(formProperty(form, u"BackgroundStyle"_qs).contains(u"FixedColor"_qs), qPrintable(form));
+    QCOMPARE(formProperty(form, u"ThemeName"_qs), u"<string>Teal</string>"_qs);
     // Untouched by the theme: not written into the form.
-    QVERIFY(formProperty(form, QStringLiteral("WandStyle")).isEmpty());
+    QVERIFY(formProperty(form, u"WandStyle"_qs).isEmpty());
 
     // The theme as one step, the name as another.
     QUndoStack *history = m_window->commandHistory();
     QCOMPARE(history->count(), 2);
-    QCOMPARE(history->text(1), QStringLiteral("Get Theme"));
+    QCOMPARE(history->text(1), u"Get Theme"_qs);
     history->undo();
     QCOMPARE(m_chameleon->BackgroundStyle(), keloBackgroundStyle::None);
     QCOMPARE(m_chameleon->NewBackColor(), 0u);
     QCOMPARE(m_chameleon->ColorMinimum(), 0);
     QCOMPARE(m_chameleon->ColorMaximum(), 255);
-    QCOMPARE(m_chameleon->ThemeName(), QStringLiteral("Teal"));
+    QCOMPARE(m_chameleon->ThemeName(), u"Teal"_qs);
     history->undo();
-    QCOMPARE(m_chameleon->ThemeName(), QStringLiteral("DefaultTheme"));
+    QCOMPARE(m_chameleon->ThemeName(), u"DefaultTheme"_qs);
 
     // Save theme from the dialog writes the store under the chameleon's name.
     ran = false;
     whenDialogOpens(
         [&](QDialog *dialog) {
             auto *page = dialog->findChild<ChameleonPropertyPage *>();
-            page->findChild<QLineEdit *>(QStringLiteral("txtThemeName"))->setText(QStringLiteral("Saved"));
-            page->findChild<QSlider *>(QStringLiteral("sliColorStepRate"))->setValue(44);
+            page->findChild<QLineEdit *>(u"txtThemeName"_qs)->setText(u"Saved"_qs);
+            page->findChild<QSlider *>(u"sliColorStepRate"_qs)->setValue(44);
             page->Commands(ChameleonPropertyPage::SaveThemeCommand)->click();
             dialogButton(dialog, QDialogButtonBox::Ok)->click();
         },
         &ran);
     action->trigger();
     QVERIFY(ran);
-    QCOMPARE(GetSetting(QStringLiteral("kelochameleon"), QStringLiteral("Saved"), QStringLiteral("ColorStepRate")),
-        QStringLiteral("44"));
-    QCOMPARE(
-        formProperty(m_window->contents(), QStringLiteral("ColorStepRate")), QStringLiteral("<number>44</number>"));
+    QCOMPARE(GetSetting(u"kelochameleon"_qs, u"Saved"_qs, u"ColorStepRate"_qs), u"44"_qs);
+    QCOMPARE(formProperty(m_window->contents(), u"ColorStepRate"_qs), u"<number>44</number>"_qs);
 }
 
 QTEST_MAIN(TestChameleonTaskMenu)

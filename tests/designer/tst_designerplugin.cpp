@@ -3,6 +3,7 @@
 // its form editor, and in run mode otherwise (QUiLoader in a program).
 
 #include "ControlBase.h"
+#include "KeloTestSupport.h"
 #include "KeloscoreCard.h"
 
 #include <QFileInfo>
@@ -59,19 +60,6 @@ DomWidget parseDomXml(const QString &text)
     return result;
 }
 
-bool hasVisiblePixels(const QIcon &icon, int size)
-{
-    const QImage image = icon.pixmap(size, size).toImage();
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(image.pixel(x, y)) > 0) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
 std::unique_ptr<ControlBase> createControl(QDesignerCustomWidgetInterface *widget, QWidget *parent = nullptr)
 {
     return std::unique_ptr<ControlBase>(qobject_cast<ControlBase *>(widget->createWidget(parent)));
@@ -100,8 +88,7 @@ void tst_DesignerPlugin::initTestCase()
     QPluginLoader loader(pluginFile);
     QVERIFY2(loader.load(), qPrintable(loader.errorString()));
     const QJsonObject metaData = loader.metaData();
-    QCOMPARE(metaData.value(QStringLiteral("IID")).toString(),
-        QStringLiteral("org.qt-project.Qt.QDesignerCustomWidgetCollectionInterface"));
+    QCOMPARE(metaData.value(u"IID"_qs).toString(), u"org.qt-project.Qt.QDesignerCustomWidgetCollectionInterface"_qs);
     auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
     QVERIFY(collection);
     m_widgets = collection->customWidgets();
@@ -126,8 +113,8 @@ void tst_DesignerPlugin::describesEveryControl()
         const QString name = w->name();
         QVERIFY2(!names.contains(name), qPrintable(name));
         names.insert(name);
-        QCOMPARE(w->group(), QStringLiteral("Kelocontrols"));
-        QCOMPARE(w->includeFile(), QStringLiteral("Kelocontrols/") + name + QStringLiteral(".h"));
+        QCOMPARE(w->group(), u"Kelocontrols"_qs);
+        QCOMPARE(w->includeFile(), u"Kelocontrols/"_qs + name + u".h"_qs);
         // The header a generated form includes must exist for consumers.
         QVERIFY2(QFileInfo::exists(QStringLiteral(KELO_BINARY_DIR "/src/include/") + w->includeFile()),
             qPrintable(w->includeFile()));
@@ -139,7 +126,7 @@ void tst_DesignerPlugin::describesEveryControl()
         QVERIFY(!icon.isNull());
         QVERIFY(icon.availableSizes().contains(QSize(16, 16)));
         QVERIFY(icon.availableSizes().contains(QSize(32, 32)));
-        QVERIFY(hasVisiblePixels(icon, 16));
+        QVERIFY(KeloTest::hasVisiblePixel(icon.pixmap(16, 16).toImage()));
 
         const DomWidget dom = parseDomXml(w->domXml());
         QVERIFY2(dom.valid, qPrintable(w->domXml()));
@@ -157,11 +144,10 @@ void tst_DesignerPlugin::describesEveryControl()
 
 void tst_DesignerPlugin::describesScoreCard()
 {
-    QDesignerCustomWidgetInterface *card = widget(QStringLiteral("KeloscoreCard"));
+    QDesignerCustomWidgetInterface *card = widget(u"KeloscoreCard"_qs);
     QVERIFY(card);
-    QCOMPARE(card->includeFile(), QStringLiteral("Kelocontrols/KeloscoreCard.h"));
     const DomWidget dom = parseDomXml(card->domXml());
-    QCOMPARE(dom.objectName, QStringLiteral("keloscoreCard"));
+    QCOMPARE(dom.objectName, u"keloscoreCard"_qs);
     // A new score card shows the 16-pixel picture in its border: the
     // default geometry is exactly that, so nothing moves once it is dropped.
     const KeloscoreCard fresh;
@@ -173,7 +159,7 @@ void tst_DesignerPlugin::describesScoreCard()
 // only a non-null form editor turns design mode on, and only for creation.
 void tst_DesignerPlugin::createsDesignModeControlsOnlyForDesigner()
 {
-    QDesignerCustomWidgetInterface *card = widget(QStringLiteral("KeloscoreCard"));
+    QDesignerCustomWidgetInterface *card = widget(u"KeloscoreCard"_qs);
     QVERIFY(card);
     QWidget form;
 

@@ -27,18 +27,9 @@ QString formPath(const char *name)
     return QStringLiteral(KELO_FORMS_DIR "/") + QLatin1String(name);
 }
 
-/// A loader that looks for plugins only in this build tree's plugin folder,
-/// so an installed copy of the plugin can never stand in for the one under test.
-std::unique_ptr<QUiLoader> buildTreeLoader()
-{
-    auto loader = std::make_unique<QUiLoader>();
-    loader->clearPluginPaths();
-    loader->addPluginPath(pluginDir);
-    return loader;
-}
-
-/// A loader that records the PropertyChanged signals of every control it
-/// creates, from the moment of creation on (before the form's properties).
+/// A loader that looks for plugins only in this build tree's plugin folder, so an installed copy of the plugin can
+/// never stand in for the one under test; it records the PropertyChanged signals of every control it creates, from
+/// the moment of creation on (before the form's properties).
 class RecordingLoader : public QUiLoader
 {
 public:
@@ -60,6 +51,11 @@ public:
 
     QHash<QString, QStringList> changes;
 };
+
+std::unique_ptr<QUiLoader> buildTreeLoader()
+{
+    return std::make_unique<RecordingLoader>();
+}
 
 /// A form holding one score card named "card" with the given property elements.
 QByteArray cardForm(const QString &properties)
@@ -92,11 +88,7 @@ std::unique_ptr<QWidget> loadForm(QUiLoader &loader, QByteArray xml)
 
 std::unique_ptr<QWidget> loadFormFile(QUiLoader &loader, const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return nullptr;
-    }
-    return std::unique_ptr<QWidget>(loader.load(&file));
+    return loadForm(loader, FormFile::read(path).toUtf8());
 }
 
 /// The names of the control's own properties (mixed case; QWidget's start
@@ -116,8 +108,8 @@ QStringList controlPropertiesInForm(const QString &path, const QString &widgetNa
 
 QString pictureToolTip(const QWidget *card)
 {
-    const auto *picture = card->findChild<QWidget *>(QStringLiteral("Picture1"));
-    return picture ? picture->toolTip() : QStringLiteral("<no Picture1>");
+    const auto *picture = card->findChild<QWidget *>(u"Picture1"_qs);
+    return picture ? picture->toolTip() : u"<no Picture1>"_qs;
 }
 
 } // namespace
@@ -141,15 +133,15 @@ private Q_SLOTS:
 
 void tst_UiLoader::initTestCase()
 {
-    const QString plugin = pluginDir + QStringLiteral("/libKelocontrolsDesigner.so");
-    QVERIFY2(QFileInfo::exists(plugin), qPrintable(plugin + QStringLiteral(" has not been built")));
+    const QString plugin = pluginDir + u"/libKelocontrolsDesigner.so"_qs;
+    QVERIFY2(QFileInfo::exists(plugin), qPrintable(plugin + u" has not been built"_qs));
 }
 
 // QUiLoader looks for plugins in "<library path>/designer" and takes a path
 // given to addPluginPath() as the plugin folder itself.
 void tst_UiLoader::findsThePluginFolder()
 {
-    const QString className = QStringLiteral("KeloscoreCard");
+    const QString className = u"KeloscoreCard"_qs;
 
     QUiLoader parentFolder;
     parentFolder.clearPluginPaths();
@@ -171,11 +163,11 @@ void tst_UiLoader::createsRunModeControls()
 {
     auto loader = buildTreeLoader();
     QWidget form;
-    QWidget *widget = loader->createWidget(QStringLiteral("KeloscoreCard"), &form, QStringLiteral("scoreCard1"));
+    QWidget *widget = loader->createWidget(u"KeloscoreCard"_qs, &form, u"scoreCard1"_qs);
     auto *card = qobject_cast<KeloscoreCard *>(widget);
     QVERIFY(card);
     QCOMPARE(card->parentWidget(), &form);
-    QCOMPARE(card->objectName(), QStringLiteral("scoreCard1"));
+    QCOMPARE(card->objectName(), u"scoreCard1"_qs);
     QCOMPARE(card->UserMode(), true);
     QCOMPARE(card->property("UserMode"), QVariant(true));
     // Freshly created means InitProperties has run.
@@ -183,7 +175,7 @@ void tst_UiLoader::createsRunModeControls()
     QCOMPARE(card->Style(), keloScoreCardStyle::ScoreCardSmall);
     QCOMPARE(card->BackColor(), 0x8000000Fu);
 
-    QCOMPARE(loader->createWidget(QStringLiteral("KeloNoSuchControl"), &form), nullptr);
+    QCOMPARE(loader->createWidget(u"KeloNoSuchControl"_qs, &form), nullptr);
 }
 
 void tst_UiLoader::loadsDesignerForms_data()
@@ -213,25 +205,25 @@ void tst_UiLoader::loadedCardsShowTheirValues()
     auto loader = buildTreeLoader();
     const auto form = loadFormFile(*loader, formPath("scorecard.ui"));
     QVERIFY2(form, qPrintable(loader->errorString()));
-    QCOMPARE(form->windowTitle(), QStringLiteral("Build scores"));
+    QCOMPARE(form->windowTitle(), u"Build scores"_qs);
 
-    const auto *quality = form->findChild<KeloscoreCard *>(QStringLiteral("qualityGauge"));
+    const auto *quality = form->findChild<KeloscoreCard *>(u"qualityGauge"_qs);
     QVERIFY(quality);
     QCOMPARE(quality->grade(), 4);
-    QCOMPARE(pictureToolTip(quality), QStringLiteral("Quality of the last build"));
+    QCOMPARE(pictureToolTip(quality), u"Quality of the last build"_qs);
     // Designer writes the geometry before the control's own properties; a
     // redraw while Style is still a picture must not shrink the gauge.
     QCOMPARE(quality->size(), QSize(240, 32));
 
-    const auto *smiley = form->findChild<KeloscoreCard *>(QStringLiteral("buildSmiley"));
+    const auto *smiley = form->findChild<KeloscoreCard *>(u"buildSmiley"_qs);
     QVERIFY(smiley);
     QCOMPARE(smiley->isEnabled(), false);
     QCOMPARE(smiley->grade(), 5);
     QCOMPARE(smiley->size(), QSize(36, 36));
     QCOMPARE(smiley->ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
-    QCOMPARE(pictureToolTip(smiley), QStringLiteral(" 95%"));
+    QCOMPARE(pictureToolTip(smiley), u" 95%"_qs);
 
-    const auto *level = form->findChild<KeloscoreCard *>(QStringLiteral("levelGauge"));
+    const auto *level = form->findChild<KeloscoreCard *>(u"levelGauge"_qs);
     QVERIFY(level);
     QCOMPARE(pictureToolTip(level), QString());
     QCOMPARE(level->size(), QSize(30, 160));
@@ -253,10 +245,10 @@ void tst_UiLoader::loadingEmitsEachPropertyOnce()
         QCOMPARE(loader.changes.value(name), expected);
     }
 
-    auto *quality = form->findChild<KeloscoreCard *>(QStringLiteral("qualityGauge"));
+    auto *quality = form->findChild<KeloscoreCard *>(u"qualityGauge"_qs);
     loader.changes.clear();
     quality->setProperty("Value", 0.3);
-    QCOMPARE(loader.changes.value(QStringLiteral("qualityGauge")), QStringList{QStringLiteral("Value")});
+    QCOMPARE(loader.changes.value(u"qualityGauge"_qs), QStringList{u"Value"_qs});
 }
 
 void tst_UiLoader::acceptsEveryEnumSpelling_data()
@@ -278,10 +270,9 @@ void tst_UiLoader::acceptsEveryEnumSpelling()
     QFETCH(int, expected);
 
     auto loader = buildTreeLoader();
-    const auto form
-        = loadForm(*loader, cardForm(QStringLiteral("<property name=\"Style\">%1</property>").arg(element)));
+    const auto form = loadForm(*loader, cardForm(u"<property name=\"Style\">%1</property>"_qs.arg(element)));
     QVERIFY2(form, qPrintable(loader->errorString()));
-    const auto *card = form->findChild<KeloscoreCard *>(QStringLiteral("card"));
+    const auto *card = form->findChild<KeloscoreCard *>(u"card"_qs);
     QVERIFY(card);
     QCOMPARE(int(card->Style()), expected);
     QCOMPARE(card->property("Style").toInt(), expected);
@@ -305,7 +296,7 @@ void tst_UiLoader::survivesBadForms()
                                 "<property name=\"ToolTipStyle\"><number>9</number></property>"
                                 "<property name=\"NoSuchProperty\"><number>1</number></property>")));
     QVERIFY2(form, qPrintable(loader->errorString()));
-    const auto *card = form->findChild<KeloscoreCard *>(QStringLiteral("card"));
+    const auto *card = form->findChild<KeloscoreCard *>(u"card"_qs);
     QVERIFY(card);
     QCOMPARE(card->Value(), 0.5);
     QCOMPARE(card->BackColor(), 0x8000000Fu);

@@ -96,9 +96,8 @@ void tst_InterfaceDescription::describesClass()
     const KeloscoreCard card;
     const QStringList lines = describeInterface(card).split(QLatin1Char('\n'));
     QCOMPARE(lines.mid(0, 5),
-        (QStringList{QStringLiteral("KeloscoreCard"), QStringLiteral("  Interface: _KeloscoreCard"),
-            QStringLiteral("  EventInterface: __KeloscoreCard"), QStringLiteral("  HelpFile: Kelocontrols.hlp"),
-            QString()}));
+        (QStringList{u"KeloscoreCard"_qs, u"  Interface: _KeloscoreCard"_qs, u"  EventInterface: __KeloscoreCard"_qs,
+            u"  HelpFile: Kelocontrols.hlp"_qs, QString()}));
     QVERIFY(!describeInterface(card).contains(QLatin1String("Help:")));
     QVERIFY(describeInterface(card).endsWith(QLatin1Char('\n')));
 }
@@ -107,7 +106,7 @@ void tst_InterfaceDescription::describesClass()
 void tst_InterfaceDescription::listsEverySavedProperty()
 {
     const KeloscoreCard card;
-    const QStringList properties = section(describeInterface(card), QStringLiteral("Properties:"));
+    const QStringList properties = section(describeInterface(card), u"Properties:"_qs);
     const QStringList saved = card.propertyTable().readOrder();
     QCOMPARE(saved.size(), 23);
 
@@ -117,8 +116,7 @@ void tst_InterfaceDescription::listsEverySavedProperty()
         QVERIFY2(!memberLine(properties, name).first.isEmpty(), qPrintable(name));
         QVERIFY2(!memberLine(properties, name).first.contains(QLatin1String("[not saved]")), qPrintable(name));
     }
-    QCOMPARE(
-        memberLine(properties, QStringLiteral("UserMode")).first, QStringLiteral("  bool UserMode = true [not saved]"));
+    QCOMPARE(memberLine(properties, u"UserMode"_qs).first, u"  bool UserMode = true [not saved]"_qs);
     for (const char *qtProperty : {"objectName", "geometry", "enabled", "font", "toolTip", "visible"}) {
         QVERIFY2(memberLine(properties, QLatin1String(qtProperty)).first.isEmpty(), qtProperty);
     }
@@ -130,28 +128,25 @@ void tst_InterfaceDescription::propertyDefaults_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("help");
 
+    // One line of each form (uint with its hex, enumerations with key and number, text quoted) and every help text;
+    // the values themselves are the score card's defaults, checked with the control.
     auto row = [](const char *name, const char *line, const char *help = "") {
         QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(line) << QString::fromLatin1(help);
     };
     row("BackColor", "  uint BackColor = 2147483663 (0x8000000F)",
         "Returns/sets the background color used to display text and graphics in an object.");
-    row("ForeColor", "  uint ForeColor = 2147483666 (0x80000012)");
     row("Enabled", "  bool Enabled = true");
     row("BorderStyle", "  int BorderStyle = 1", "Returns/sets the border style for an object.");
     row("Value", "  double Value = 0.5", "Value for the score");
     row("Style", "  Kelocontrols::keloScoreCardStyle Style = ScoreCardSmall (0)",
         "Style for the control, either an image or a gauge style type.");
     row("ScoreStar", "  double ScoreStar = 0.8", "Score above which the control shows star marks");
-    row("ScoreGood", "  double ScoreGood = 0.6");
-    row("ScoreMaybe", "  double ScoreMaybe = 0.4");
     row("ScoreBad", "  double ScoreBad = 0.2", "Score above which the control shows a bad mark");
     row("ScoreMin", "  double ScoreMin = 0", "Minimum score allowed");
     row("ScoreMax", "  double ScoreMax = 1", "Maximum score allowed");
-    row("ShowLimitLines", "  bool ShowLimitLines = false");
     row("ShowTickLinesEvery", "  double ShowTickLinesEvery = 0",
         "Shows tick lines every interval on the control.  0 means no tick lines.");
     row("TickLineColor", "  uint TickLineColor = 0 (0x00000000)");
-    row("FontColor", "  uint FontColor = 0 (0x00000000)");
     row("ShowValue", "  Kelocontrols::keloShowValue ShowValue = None (0)",
         "Show the value on the control as text (eg 93%).");
     row("ToolTipStyle", "  Kelocontrols::keloToolTipStyle ToolTipStyle = ShowBothAsTip (3)",
@@ -159,8 +154,6 @@ void tst_InterfaceDescription::propertyDefaults_data()
     row("ToolTip", "  QString ToolTip = \"\"",
         "Returns/sets the text displayed when the mouse is paused over the control.  Overwrites ToolTipText, see "
         "ToolTipStyle.");
-    row("ShowMarker", "  Kelocontrols::keloMarkerStyle ShowMarker = None (0)");
-    row("ShowBlocks", "  int ShowBlocks = 0");
     row("GaugeOrientation", "  Kelocontrols::keloGaugeOrientation GaugeOrientation = Horizontal (0)",
         "Changes the gauge orientation from horizontal to vertical.");
 }
@@ -172,8 +165,7 @@ void tst_InterfaceDescription::propertyDefaults()
     QFETCH(QString, help);
 
     const KeloscoreCard card;
-    const auto [declaration, helpLine]
-        = memberLine(section(describeInterface(card), QStringLiteral("Properties:")), name);
+    const auto [declaration, helpLine] = memberLine(section(describeInterface(card), u"Properties:"_qs), name);
     QCOMPARE(declaration, line);
     if (!help.isEmpty()) {
         QCOMPARE(helpLine, help);
@@ -185,7 +177,7 @@ void tst_InterfaceDescription::propertyDefaults()
 void tst_InterfaceDescription::defaultsDoNotFollowCurrentValues()
 {
     QWidget form;
-    QFont formFont(QStringLiteral("Serif"));
+    QFont formFont(u"Serif"_qs);
     formFont.setPointSizeF(13.5);
     form.setFont(formFont);
     KeloscoreCard card(&form);
@@ -194,18 +186,17 @@ void tst_InterfaceDescription::defaultsDoNotFollowCurrentValues()
     card.setValue(0.9);
     card.setStyle(keloScoreCardStyle::GaugeRainbow);
     card.setBackColor(0x00FF00);
-    card.setToolTip(QStringLiteral("changed"));
+    card.setToolTip(u"changed"_qs);
     card.setShowBlocks(12);
     QCOMPARE(describeInterface(card), fresh);
 
-    const QString fontLine = memberLine(section(fresh, QStringLiteral("Properties:")), QStringLiteral("Font")).first;
-    QCOMPARE(fontLine, QStringLiteral("  QFont Font = \"%1\", 13.5 pt").arg(form.font().family()));
+    const QString fontLine = memberLine(section(fresh, u"Properties:"_qs), u"Font"_qs).first;
+    QCOMPARE(fontLine, u"  QFont Font = \"%1\", 13.5 pt"_qs.arg(form.font().family()));
 
     // UserMode is not saved, so it shows what the control holds.
     card.setUserMode(false);
-    QCOMPARE(
-        memberLine(section(describeInterface(card), QStringLiteral("Properties:")), QStringLiteral("UserMode")).first,
-        QStringLiteral("  bool UserMode = false [not saved]"));
+    QCOMPARE(memberLine(section(describeInterface(card), u"Properties:"_qs), u"UserMode"_qs).first,
+        u"  bool UserMode = false [not saved]"_qs);
 }
 
 void tst_InterfaceDescription::listsMethodsAndEvents()
@@ -213,31 +204,28 @@ void tst_InterfaceDescription::listsMethodsAndEvents()
     const KeloscoreCard card;
     const QString description = describeInterface(card);
 
-    const QStringList methods = section(description, QStringLiteral("Methods:"));
+    const QStringList methods = section(description, u"Methods:"_qs);
     QCOMPARE(members(methods),
-        (QStringList{QStringLiteral("  void InitProperties()"),
-            QStringLiteral("  void ReadProperties(Kelocontrols::PropertyBag PropBag)"),
-            QStringLiteral("  void WriteProperties(Kelocontrols::PropertyBag &PropBag)"),
-            QStringLiteral("  void setUserMode(bool userMode)"), QStringLiteral("  void Refresh()")}));
-    QCOMPARE(memberLine(methods, QStringLiteral("Refresh")).second,
-        QStringLiteral("Forces a complete repaint of a object."));
+        (QStringList{u"  void InitProperties()"_qs, u"  void ReadProperties(Kelocontrols::PropertyBag PropBag)"_qs,
+            u"  void WriteProperties(Kelocontrols::PropertyBag &PropBag)"_qs, u"  void setUserMode(bool userMode)"_qs,
+            u"  void Refresh()"_qs}));
+    QCOMPARE(memberLine(methods, u"Refresh"_qs).second, u"Forces a complete repaint of a object."_qs);
 
-    const QStringList events = section(description, QStringLiteral("Events:"));
+    const QStringList events = section(description, u"Events:"_qs);
     QCOMPARE(members(events),
-        (QStringList{QStringLiteral("  void PropertyChanged(QString name)"),
-            QStringLiteral("  void Click() [DispId -600]"), QStringLiteral("  void DblClick() [DispId -601]"),
-            QStringLiteral("  void KeyDown(short &KeyCode, short &Shift) [DispId -602]"),
-            QStringLiteral("  void KeyPress(short &KeyAscii) [DispId -603]"),
-            QStringLiteral("  void KeyUp(short &KeyCode, short &Shift) [DispId -604]"),
-            QStringLiteral("  void MouseDown(short &Button, short &Shift, float &X, float &Y) [DispId -605]"),
-            QStringLiteral("  void MouseMove(short &Button, short &Shift, float &X, float &Y) [DispId -606]"),
-            QStringLiteral("  void MouseUp(short &Button, short &Shift, float &X, float &Y) [DispId -607]")}));
+        (QStringList{u"  void PropertyChanged(QString name)"_qs, u"  void Click() [DispId -600]"_qs,
+            u"  void DblClick() [DispId -601]"_qs, u"  void KeyDown(short &KeyCode, short &Shift) [DispId -602]"_qs,
+            u"  void KeyPress(short &KeyAscii) [DispId -603]"_qs,
+            u"  void KeyUp(short &KeyCode, short &Shift) [DispId -604]"_qs,
+            u"  void MouseDown(short &Button, short &Shift, float &X, float &Y) [DispId -605]"_qs,
+            u"  void MouseMove(short &Button, short &Shift, float &X, float &Y) [DispId -606]"_qs,
+            u"  void MouseUp(short &Button, short &Shift, float &X, float &Y) [DispId -607]"_qs}));
 }
 
 void tst_InterfaceDescription::listsEnumerationsInUse()
 {
     const KeloscoreCard card;
-    const QStringList enums = section(describeInterface(card), QStringLiteral("Enumerations:"));
+    const QStringList enums = section(describeInterface(card), u"Enumerations:"_qs);
     QStringList names;
     for (const QString &line : enums) {
         if (!line.startsWith(QLatin1String("    "))) {
@@ -245,20 +233,17 @@ void tst_InterfaceDescription::listsEnumerationsInUse()
         }
     }
     QCOMPARE(names,
-        (QStringList{QStringLiteral("keloScoreCardStyle"), QStringLiteral("keloShowValue"),
-            QStringLiteral("keloToolTipStyle"), QStringLiteral("keloMarkerStyle"),
-            QStringLiteral("keloGaugeOrientation")}));
+        (QStringList{u"keloScoreCardStyle"_qs, u"keloShowValue"_qs, u"keloToolTipStyle"_qs, u"keloMarkerStyle"_qs,
+            u"keloGaugeOrientation"_qs}));
 
-    const qsizetype style = enums.indexOf(QStringLiteral("  keloScoreCardStyle"));
+    const qsizetype style = enums.indexOf(u"  keloScoreCardStyle"_qs);
     QCOMPARE(enums.mid(style + 1, 10),
-        (QStringList{QStringLiteral("    ScoreCardSmall = 0"), QStringLiteral("    ScoreCardLarge = 1"),
-            QStringLiteral("    SmileySmall = 2"), QStringLiteral("    SmileyLarge = 3"),
-            QStringLiteral("    TrafficLightSmall = 4"), QStringLiteral("    TrafficLightLarge = 5"),
-            QStringLiteral("    FlashCard = 6"), QStringLiteral("    Gauge = 7"),
-            QStringLiteral("    GaugeOverrun = 8"), QStringLiteral("    GaugeRainbow = 9")}));
-    QCOMPARE(enums.at(style + 11), QStringLiteral("  keloShowValue"));
-    const qsizetype tips = enums.indexOf(QStringLiteral("  keloToolTipStyle"));
-    QCOMPARE(enums.at(tips + 4), QStringLiteral("    ShowBothAsTip = 3"));
+        (QStringList{u"    ScoreCardSmall = 0"_qs, u"    ScoreCardLarge = 1"_qs, u"    SmileySmall = 2"_qs,
+            u"    SmileyLarge = 3"_qs, u"    TrafficLightSmall = 4"_qs, u"    TrafficLightLarge = 5"_qs,
+            u"    FlashCard = 6"_qs, u"    Gauge = 7"_qs, u"    GaugeOverrun = 8"_qs, u"    GaugeRainbow = 9"_qs}));
+    QCOMPARE(enums.at(style + 11), u"  keloShowValue"_qs);
+    const qsizetype tips = enums.indexOf(u"  keloToolTipStyle"_qs);
+    QCOMPARE(enums.at(tips + 4), u"    ShowBothAsTip = 3"_qs);
 }
 
 void tst_InterfaceDescription::describesOtherObjects()
@@ -266,23 +251,20 @@ void tst_InterfaceDescription::describesOtherObjects()
     const InterfaceProbe probe;
     const QString description = describeInterface(probe);
     QVERIFY(description.startsWith(QLatin1String("InterfaceProbe\n  Interface: _InterfaceProbe\n\n")));
-    QCOMPARE(section(description, QStringLiteral("Properties:")),
-        QStringList{QStringLiteral("  int Count = 4 [read-only]")});
-    QCOMPARE(section(description, QStringLiteral("Methods:")),
-        (QStringList{QStringLiteral("  int Cast(Kelocontrols::keloWandStyle Style, QString Name) [DispId 7]"),
-            QStringLiteral("      Casts a wand.")}));
-    QCOMPARE(
-        section(description, QStringLiteral("Events:")), QStringList{QStringLiteral("  void Cancelled(int &Cancel)")});
-    const QStringList enums = section(description, QStringLiteral("Enumerations:"));
-    QCOMPARE(enums.value(0), QStringLiteral("  keloWandStyle"));
+    QCOMPARE(section(description, u"Properties:"_qs), QStringList{u"  int Count = 4 [read-only]"_qs});
+    QCOMPARE(section(description, u"Methods:"_qs),
+        (QStringList{
+            u"  int Cast(Kelocontrols::keloWandStyle Style, QString Name) [DispId 7]"_qs, u"      Casts a wand."_qs}));
+    QCOMPARE(section(description, u"Events:"_qs), QStringList{u"  void Cancelled(int &Cancel)"_qs});
+    const QStringList enums = section(description, u"Enumerations:"_qs);
+    QCOMPARE(enums.value(0), u"  keloWandStyle"_qs);
     QCOMPARE(enums.size(), 7);
 
     // A plain Qt object: its own properties, no enumerations of the library.
     const QObject plain;
     const QString qtDescription = describeInterface(plain);
     QVERIFY(qtDescription.startsWith(QLatin1String("QObject\n")));
-    QCOMPARE(section(qtDescription, QStringLiteral("Properties:")),
-        QStringList{QStringLiteral("  QString objectName = \"\"")});
+    QCOMPARE(section(qtDescription, u"Properties:"_qs), QStringList{u"  QString objectName = \"\""_qs});
     QVERIFY(!qtDescription.contains(QLatin1String("Enumerations:")));
 }
 

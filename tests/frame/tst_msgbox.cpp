@@ -6,6 +6,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include "KeloTestSupport.h"
+
 using namespace Kelocontrols;
 
 namespace {
@@ -74,7 +76,6 @@ private Q_SLOTS:
 
     void handlerReceivesArgumentsExactly();
     void handlersChainAndRestore();
-    void defaultHandlerHandedBackIsCallable();
     void standardBoxFollowsStyle_data();
     void standardBoxFollowsStyle();
 };
@@ -95,27 +96,15 @@ void TestMsgBox::cleanup()
 
 void TestMsgBox::handlerReceivesArgumentsExactly()
 {
-    QList<Call> calls;
-    setMsgBoxHandler([&calls](const QString &Prompt, int Buttons, const QString &Title) {
-        calls.append({Prompt, Buttons, Title});
-        return calls.size() == 1 ? MsgBoxResult::Yes : MsgBoxResult::Cancel;
-    });
-
+    KeloTest::MsgBoxRecorder boxes({MsgBoxResult::Yes, MsgBoxResult::Cancel, MsgBoxResult::Cancel});
     const QString prompt = u"Are you sure you want to delete 'a.txt'?\r\n\r\n  Tab:\there \"quoted\""_qs;
     QCOMPARE(MsgBox(prompt, 52, u"Confirm File Delete"_qs), MsgBoxResult::Yes);
     QCOMPARE(MsgBox(u"Only a prompt"_qs), MsgBoxResult::Cancel);
     QCOMPARE(MsgBox(QString(), 51 + MsgBoxStyle::DefaultButton3, u"  padded title "_qs), MsgBoxResult::Cancel);
 
-    QCOMPARE(calls.size(), 3);
-    QCOMPARE(calls.at(0).prompt, prompt);
-    QCOMPARE(calls.at(0).buttons, 52);
-    QCOMPARE(calls.at(0).title, u"Confirm File Delete"_qs);
-    QCOMPARE(calls.at(1).prompt, u"Only a prompt"_qs);
-    QCOMPARE(calls.at(1).buttons, 0);
-    QVERIFY(calls.at(1).title.isEmpty());
-    QVERIFY(calls.at(2).prompt.isEmpty());
-    QCOMPARE(calls.at(2).buttons, 51 + 512);
-    QCOMPARE(calls.at(2).title, u"  padded title "_qs);
+    QCOMPARE(boxes.prompts(), (QStringList{prompt, u"Only a prompt"_qs, QString()}));
+    QCOMPARE(boxes.styles(), (QList<int>{52, 0, 51 + 512}));
+    QCOMPARE(boxes.titles(), (QStringList{u"Confirm File Delete"_qs, QString(), u"  padded title "_qs}));
     QVERIFY(!openMessageBox());
 }
 
@@ -126,7 +115,16 @@ void TestMsgBox::handlersChainAndRestore()
         firstCalls.append({Prompt, Buttons, Title});
         return MsgBoxResult::Yes;
     };
-    setMsgBoxHandler(first);
+    // What comes back for the standard box is that box, callable on its own.
+    const MsgBoxHandler standard = setMsgBoxHandler(first);
+    QVERIFY(standard);
+    ShownBox direct;
+    answerNextBox(&direct, Qt::Key_Escape);
+    QCOMPARE(standard(u"Shown by the standard box"_qs, 1, u"Chained"_qs), MsgBoxResult::Cancel);
+    QVERIFY(direct.seen);
+    QCOMPARE(direct.title, u"Chained"_qs);
+    QCOMPARE(direct.buttons, QMessageBox::Ok | QMessageBox::Cancel);
+    QVERIFY(firstCalls.isEmpty());
 
     // A second handler that asks the one it replaced and turns its answer round.
     MsgBoxHandler previous;
@@ -164,32 +162,15 @@ void TestMsgBox::handlersChainAndRestore()
     QCOMPARE(shown.text, u"The standard box"_qs);
     QCOMPARE(shown.title, u"Standard"_qs);
     QCOMPARE(firstCalls.size(), 4);
-}
 
-void TestMsgBox::defaultHandlerHandedBackIsCallable()
-{
-    int scripted = 0;
-    const MsgBoxHandler standard = setMsgBoxHandler([&scripted](const QString &, int, const QString &) {
-        ++scripted;
-        return MsgBoxResult::Cancel;
-    });
-    QVERIFY(standard);
-
-    ShownBox shown;
-    answerNextBox(&shown, Qt::Key_Escape);
-    QCOMPARE(standard(u"Shown by the standard box"_qs, 1, u"Chained"_qs), MsgBoxResult::Cancel);
-    QVERIFY(shown.seen);
-    QCOMPARE(shown.title, u"Chained"_qs);
-    QCOMPARE(shown.buttons, QMessageBox::Ok | QMessageBox::Cancel);
-    QCOMPARE(scripted, 0);
-
-    // Handing it back in makes it the box in force again.
+    // So does handing the standard box's handler back in.
+    setMsgBoxHandler(first);
     setMsgBoxHandler(standard);
     ShownBox again;
     answerNextBox(&again, Qt::Key_Return);
     QCOMPARE(MsgBox(u"Back to standard"_qs), MsgBoxResult::OK);
     QVERIFY(again.seen);
-    QCOMPARE(scripted, 0);
+    QCOMPARE(firstCalls.size(), 4);
 }
 
 void TestMsgBox::standardBoxFollowsStyle_data()

@@ -33,6 +33,15 @@ QStringList pointsNotOf(const QImage &image, const QRect &area, const QColor &ex
     return wrong;
 }
 
+/// The same for several areas at once, each with its colour.
+QStringList pointsNotOf(const QImage &image, std::initializer_list<std::pair<QRect, QColor>> areas)
+{
+    QStringList wrong;
+    for (const auto &[area, expected] : areas)
+        wrong << pointsNotOf(image, area, expected);
+    return wrong;
+}
+
 QImage grabbed(QWidget &widget)
 {
     return widget.grab().toImage();
@@ -146,8 +155,7 @@ void TestPictureBox::fillBoxPaintsExactPixels()
     }
     box.endPaint();
     image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(32, 22, 6, 6), green), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(4, 5, 4, 5), red), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(32, 22, 6, 6), green}, {QRect(4, 5, 4, 5), red}}), QStringList());
 
     box.cls();
     image = box.rendered();
@@ -190,14 +198,12 @@ void TestPictureBox::resizeKeepsTheDrawingAtTopLeft()
     QCOMPARE(box.scaleHeight(), 56);
     QImage image = box.rendered();
     QCOMPARE(image.size(), QSize(76, 56));
-    QCOMPARE(pointsNotOf(image, QRect(0, 0, 10, 10), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(30, 20, 6, 6), green), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(0, 0, 10, 10), red}, {QRect(30, 20, 6, 6), green}}), QStringList());
     // The new room shows the back colour.
-    QCOMPARE(pointsNotOf(image, QRect(36, 0, 40, 56), buttonFace), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(0, 26, 76, 30), buttonFace), QStringList());
+    QCOMPARE(
+        pointsNotOf(image, {{QRect(36, 0, 40, 56), buttonFace}, {QRect(0, 26, 76, 30), buttonFace}}), QStringList());
     image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(2, 2, 10, 10), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(38, 2, 40, 56), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(2, 2, 10, 10), red}, {QRect(38, 2, 40, 56), buttonFace}}), QStringList());
 
     // Drawing into the new room works.
     box.fillBox(QRectF(70, 50, 6, 6), 0x000000FF);
@@ -209,8 +215,7 @@ void TestPictureBox::resizeKeepsTheDrawingAtTopLeft()
     QCOMPARE(box.scaleWidth(), 16);
     QCOMPARE(box.scaleHeight(), 12);
     image = box.rendered();
-    QCOMPARE(pointsNotOf(image, QRect(0, 0, 10, 10), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(10, 0, 6, 12), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(0, 0, 10, 10), red}, {QRect(10, 0, 6, 12), buttonFace}}), QStringList());
 }
 
 void TestPictureBox::resizeWhileHiddenKeepsTheDrawing()
@@ -228,8 +233,7 @@ void TestPictureBox::resizeWhileHiddenKeepsTheDrawing()
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));
     image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(42, 32, 6, 6), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(2, 2, 38, 28), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(42, 32, 6, 6), red}, {QRect(2, 2, 38, 28), buttonFace}}), QStringList());
 }
 
 void TestPictureBox::borderStyle_data()
@@ -274,17 +278,16 @@ void TestPictureBox::changingTheBorderKeepsTheSurfaceFilled()
     QCOMPARE(box.scaleWidth(), 40);
     QCOMPARE(box.scaleHeight(), 30);
     QImage image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(0, 0, 4, 4), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(4, 0, 36, 30), buttonFace), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(0, 4, 40, 26), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image,
+                 {{QRect(0, 0, 4, 4), red}, {QRect(4, 0, 36, 30), buttonFace}, {QRect(0, 4, 40, 26), buttonFace}}),
+        QStringList());
 
     box.setBorderStyle(1);
     QApplication::processEvents();
     QCOMPARE(box.scaleWidth(), 36);
     QCOMPARE(box.scaleHeight(), 26);
     image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(2, 2, 4, 4), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(6, 2, 32, 26), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(2, 2, 4, 4), red}, {QRect(6, 2, 32, 26), buttonFace}}), QStringList());
 }
 
 void TestPictureBox::pictureLiesBetweenBackColorAndDrawing()
@@ -298,20 +301,18 @@ void TestPictureBox::pictureLiesBetweenBackColorAndDrawing()
     box.setPicture(picture);
     QCOMPARE(box.picture().size(), QSize(8, 6));
     QImage image = box.rendered();
-    QCOMPARE(pointsNotOf(image, QRect(0, 0, 8, 6), green), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(8, 0, 28, 26), buttonFace), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(0, 6, 8, 20), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image,
+                 {{QRect(0, 0, 8, 6), green}, {QRect(8, 0, 28, 26), buttonFace}, {QRect(0, 6, 8, 20), buttonFace}}),
+        QStringList());
 
     box.fillBox(QRectF(4, 3, 10, 10), 0x000000FF);
     image = box.rendered();
-    QCOMPARE(pointsNotOf(image, QRect(4, 3, 10, 10), red), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(0, 0, 4, 6), green), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(4, 3, 10, 10), red}, {QRect(0, 0, 4, 6), green}}), QStringList());
 
     // Cls clears the drawing, not the picture.
     box.cls();
     image = grabbed(box);
-    QCOMPARE(pointsNotOf(image, QRect(2, 2, 8, 6), green), QStringList());
-    QCOMPARE(pointsNotOf(image, QRect(10, 2, 28, 26), buttonFace), QStringList());
+    QCOMPARE(pointsNotOf(image, {{QRect(2, 2, 8, 6), green}, {QRect(10, 2, 28, 26), buttonFace}}), QStringList());
 
     box.setPicture(QPixmap());
     image = box.rendered();

@@ -8,17 +8,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <tuple>
+
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
 using KeloTest::writeFile;
+const auto readText = KeloTest::readTextFile;
 
 namespace {
-
-QString readText(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
 
 struct Access
 {
@@ -191,13 +188,11 @@ void TestSettingsStore::namesIgnoreCase()
 
 void TestSettingsStore::emptyNamesAreRefused()
 {
-    const QString x = u"x"_qs;
-    QCOMPARE(errorNumberOf([&] { SaveSetting(QString(), x, x, x); }), ErrorNumber::InvalidProcedureCall);
-    QCOMPARE(errorNumberOf([&] { SaveSetting(x, QString(), x, x); }), ErrorNumber::InvalidProcedureCall);
-    QCOMPARE(errorNumberOf([&] { SaveSetting(x, x, QString(), x); }), ErrorNumber::InvalidProcedureCall);
-    QCOMPARE(errorNumberOf([&] { GetSetting(QString(), x, x); }), ErrorNumber::InvalidProcedureCall);
-    QCOMPARE(errorNumberOf([&] { GetSetting(x, QString(), x); }), ErrorNumber::InvalidProcedureCall);
-    QCOMPARE(errorNumberOf([&] { GetSetting(x, x, QString()); }), ErrorNumber::InvalidProcedureCall);
+    const QString x = u"x"_qs, none;
+    for (const auto &[app, section, key] : {std::tuple{none, x, x}, std::tuple{x, none, x}, std::tuple{x, x, none}}) {
+        QCOMPARE(errorNumberOf([&] { SaveSetting(app, section, key, x); }), ErrorNumber::InvalidProcedureCall);
+        QCOMPARE(errorNumberOf([&] { GetSetting(app, section, key); }), ErrorNumber::InvalidProcedureCall);
+    }
     QCOMPARE(errorNumberOf([&] { settingsFilePath(QString()); }), ErrorNumber::InvalidProcedureCall);
     QVERIFY(!QDir(m_config->path() + u"/Kelocontrols"_qs).exists());
 }

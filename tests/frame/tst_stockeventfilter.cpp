@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <tuple>
 
 using namespace Kelocontrols;
 
@@ -102,12 +103,9 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void clickOrder();
-    void doubleClickOrder();
+    void mouseSequences_data();
+    void mouseSequences();
     void doubleClickThroughTheWindowSystem();
-    void otherButtonsDoNotDoubleClick();
-    void releaseOutsideIsNoClick();
-    void buttonCodes_data();
     void buttonCodes();
     void shiftStates_data();
     void shiftStates();
@@ -143,29 +141,51 @@ void TestStockEventFilter::cleanup()
     m_filter = nullptr;
 }
 
-void TestStockEventFilter::clickOrder()
+void TestStockEventFilter::mouseSequences_data()
 {
-    QTest::mouseClick(m_widget, Qt::LeftButton, Qt::NoModifier, QPoint(10, 7));
-    QCOMPARE(m_log->lines, (QStringList{u"MouseDown 1 0 10 7"_qs, u"MouseUp 1 0 10 7"_qs, u"Click"_qs}));
-
-    // The next click is a click of its own.
-    m_log->lines.clear();
-    QTest::mouseClick(m_widget, Qt::LeftButton, Qt::NoModifier, QPoint(11, 8));
-    QCOMPARE(m_log->lines, (QStringList{u"MouseDown 1 0 11 8"_qs, u"MouseUp 1 0 11 8"_qs, u"Click"_qs}));
+    QTest::addColumn<QString>("script"); // "<press|release|dclick|click> <L|R|M> x,y" steps, separated by "; "
+    QTest::addColumn<QStringList>("events");
+    const QStringList click = {"MouseDown 1 0 10 7", "MouseUp 1 0 10 7", "Click"};
+    QTest::newRow("click") << "click L 10,7" << click;
+    QTest::newRow("the next click is a click of its own") << "click L 10,7; click L 10,7" << click + click;
+    // A widget sees a double click as press, release, double click, release.
+    QTest::newRow("double click") << "press L 20,30; release L 20,30; dclick L 20,30; release L 20,30"
+                                  << QStringList{"MouseDown 1 0 20 30", "MouseUp 1 0 20 30", "Click", "DblClick",
+                                         "MouseUp 1 0 20 30"};
+    // Only the left button clicks and double-clicks; for the others the second press is a press like the first.
+    for (const auto &[name, button, code] : {std::tuple{"right", "R", 2}, std::tuple{"middle", "M", 4}}) {
+        const QString down = QStringLiteral("MouseDown %1 0 15 25").arg(code);
+        const QString up = QStringLiteral("MouseUp %1 0 15 25").arg(code);
+        QTest::addRow("%s double click", name)
+            << QStringLiteral("press %1 15,25; release %1 15,25; dclick %1 15,25; release %1 15,25").arg(button)
+            << QStringList{down, up, down, up};
+    }
+    QTest::newRow("release outside is no click")
+        << "press L 10,10; release L 150,10" << QStringList{"MouseDown 1 0 10 10", "MouseUp 1 0 150 10"};
+    QTest::newRow("release without a press is no click") << "release L 10,10" << QStringList{"MouseUp 1 0 10 10"};
 }
 
-void TestStockEventFilter::doubleClickOrder()
+void TestStockEventFilter::mouseSequences()
 {
-    // A widget sees a double click as press, release, double click, release.
-    const QPoint pos(20, 30);
-    QTest::mousePress(m_widget, Qt::LeftButton, Qt::NoModifier, pos);
-    QTest::mouseRelease(m_widget, Qt::LeftButton, Qt::NoModifier, pos);
-    QTest::mouseDClick(m_widget, Qt::LeftButton, Qt::NoModifier, pos);
-    QTest::mouseRelease(m_widget, Qt::LeftButton, Qt::NoModifier, pos);
-
-    QCOMPARE(m_log->lines,
-        (QStringList{
-            u"MouseDown 1 0 20 30"_qs, u"MouseUp 1 0 20 30"_qs, u"Click"_qs, u"DblClick"_qs, u"MouseUp 1 0 20 30"_qs}));
+    QFETCH(QString, script);
+    QFETCH(QStringList, events);
+    const QHash<QString, Qt::MouseButton> buttons{
+        {"L", Qt::LeftButton}, {"R", Qt::RightButton}, {"M", Qt::MiddleButton}};
+    for (const QString &step : script.split("; ")) {
+        const QStringList parts = step.split(' ');
+        const QStringList xy = parts.at(2).split(',');
+        const QPoint pos(xy.at(0).toInt(), xy.at(1).toInt());
+        const Qt::MouseButton button = buttons.value(parts.at(1));
+        if (parts.at(0) == "press")
+            QTest::mousePress(m_widget, button, Qt::NoModifier, pos);
+        else if (parts.at(0) == "release")
+            QTest::mouseRelease(m_widget, button, Qt::NoModifier, pos);
+        else if (parts.at(0) == "dclick")
+            QTest::mouseDClick(m_widget, button, Qt::NoModifier, pos);
+        else
+            QTest::mouseClick(m_widget, button, Qt::NoModifier, pos);
+    }
+    QCOMPARE(m_log->lines, events);
 }
 
 void TestStockEventFilter::doubleClickThroughTheWindowSystem()
@@ -185,58 +205,11 @@ void TestStockEventFilter::doubleClickThroughTheWindowSystem()
             u"MouseDown 1 0 40 25"_qs, u"MouseUp 1 0 40 25"_qs, u"Click"_qs, u"DblClick"_qs, u"MouseUp 1 0 40 25"_qs}));
 }
 
-void TestStockEventFilter::otherButtonsDoNotDoubleClick()
-{
-    // Only the left button double-clicks; for the others the second press is
-    // a press like the first, so every MouseUp has its MouseDown.
-    const QPoint pos(15, 25);
-    for (Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
-        m_log->lines.clear();
-        const int code = StockEventFilter::buttonCode(button);
-        QTest::mousePress(m_widget, button, Qt::NoModifier, pos);
-        QTest::mouseRelease(m_widget, button, Qt::NoModifier, pos);
-        QTest::mouseDClick(m_widget, button, Qt::NoModifier, pos);
-        QTest::mouseRelease(m_widget, button, Qt::NoModifier, pos);
-        const QStringList lines = m_log->lines.filter(QRegularExpression(u"^Mouse|DblClick"_qs));
-        QCOMPARE(lines,
-            (QStringList{u"MouseDown %1 0 15 25"_qs.arg(code), u"MouseUp %1 0 15 25"_qs.arg(code),
-                u"MouseDown %1 0 15 25"_qs.arg(code), u"MouseUp %1 0 15 25"_qs.arg(code)}));
-    }
-}
-
-void TestStockEventFilter::releaseOutsideIsNoClick()
-{
-    QTest::mousePress(m_widget, Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
-    QTest::mouseRelease(m_widget, Qt::LeftButton, Qt::NoModifier, QPoint(150, 10));
-    QCOMPARE(m_log->withoutMoves(), (QStringList{u"MouseDown 1 0 10 10"_qs, u"MouseUp 1 0 150 10"_qs}));
-
-    // A release without a press before it is no click either.
-    m_log->lines.clear();
-    QTest::mouseRelease(m_widget, Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
-    QCOMPARE(m_log->lines, QStringList{u"MouseUp 1 0 10 10"_qs});
-}
-
-void TestStockEventFilter::buttonCodes_data()
-{
-    QTest::addColumn<Qt::MouseButton>("button");
-    QTest::addColumn<int>("code");
-
-    QTest::newRow("left") << Qt::LeftButton << 1;
-    QTest::newRow("right") << Qt::RightButton << 2;
-    QTest::newRow("middle") << Qt::MiddleButton << 4;
-}
-
 void TestStockEventFilter::buttonCodes()
 {
-    QFETCH(Qt::MouseButton, button);
-    QFETCH(int, code);
-
-    QTest::mouseClick(m_widget, button, Qt::NoModifier, QPoint(5, 6));
-    QVERIFY(m_log->lines.size() >= 2);
-    QCOMPARE(m_log->lines.at(0), u"MouseDown %1 0 5 6"_qs.arg(code));
-    QCOMPARE(m_log->lines.at(1), u"MouseUp %1 0 5 6"_qs.arg(code));
-
-    QCOMPARE(int(StockEventFilter::buttonCode(button)), code);
+    QCOMPARE(int(StockEventFilter::buttonCode(Qt::LeftButton)), 1);
+    QCOMPARE(int(StockEventFilter::buttonCode(Qt::RightButton)), 2);
+    QCOMPARE(int(StockEventFilter::buttonCode(Qt::MiddleButton)), 4);
     QCOMPARE(int(StockEventFilter::buttonCode(Qt::LeftButton | Qt::RightButton | Qt::MiddleButton)), 7);
     QCOMPARE(int(StockEventFilter::buttonCode(Qt::NoButton)), 0);
 }

@@ -52,7 +52,7 @@ void TestFileIconProvider::everyKindAtBothSizesPlainAndGhosted_data()
 {
     QTest::addColumn<Picture>("picture");
     QTest::newRow("file by name, nothing on disk")
-        << Picture([](int size, bool g) { return FileIconProvider::file(QStringLiteral("nowhere/x.txt"), size, g); });
+        << Picture([](int size, bool g) { return FileIconProvider::file(u"nowhere/x.txt"_qs, size, g); });
     QTest::newRow("folder") << Picture([](int size, bool g) { return FileIconProvider::folder(size, false, g); });
     QTest::newRow("open folder") << Picture([](int size, bool g) { return FileIconProvider::folder(size, true, g); });
     QTest::newRow("removable drive") << Picture(
@@ -78,16 +78,16 @@ void TestFileIconProvider::everyKindAtBothSizesPlainAndGhosted()
 void TestFileIconProvider::pathsAndTheirKeys()
 {
     QTemporaryDir dir;
-    QDir(dir.path()).mkpath(QStringLiteral("sub"));
-    QVERIFY(KeloTest::writeFile(dir.filePath(QStringLiteral("a.txt")), 1));
+    QDir(dir.path()).mkpath(u"sub"_qs);
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"a.txt"_qs), 1));
     QString key;
-    QPixmap file = FileIconProvider::forPath(dir.filePath(QStringLiteral("a.txt")), 32, false, false, &key);
-    QCOMPARE(key, QStringLiteral("txt"));
-    QCOMPARE(file.toImage(), FileIconProvider::file(QStringLiteral("b.txt"), 32).toImage()); // a type, one picture
-    const QPixmap folder = FileIconProvider::forPath(dir.filePath(QStringLiteral("sub")), 16, true, false, &key);
+    QPixmap file = FileIconProvider::forPath(dir.filePath(u"a.txt"_qs), 32, false, false, &key);
+    QCOMPARE(key, u"txt"_qs);
+    QCOMPARE(file.toImage(), FileIconProvider::file(u"b.txt"_qs, 32).toImage()); // a type, one picture
+    const QPixmap folder = FileIconProvider::forPath(dir.filePath(u"sub"_qs), 16, true, false, &key);
     QCOMPARE(key, FileTypes::instance().folderTypeText());
     QCOMPARE(folder.toImage(), FileIconProvider::folder(16, true).toImage());
-    QVERIFY(FileIconProvider::forPath(dir.filePath(QStringLiteral("missing")), 16, false, false, &key).isNull());
+    QVERIFY(FileIconProvider::forPath(dir.filePath(u"missing"_qs), 16, false, false, &key).isNull());
     QCOMPARE(key, QString());
     QVERIFY(FileIconProvider::forPath(QString(), 16).isNull());
 }
@@ -117,19 +117,19 @@ void TestFileIconProvider::fixedKeys()
             QCOMPARE(picture.size(), QSize(size, size));
         }
     }
-    QVERIFY(FileIconProvider::fixedPicture(QStringLiteral("SortDown"), 16).toImage()
-        != FileIconProvider::fixedPicture(QStringLiteral("SortUp"), 16).toImage());
+    QVERIFY(FileIconProvider::fixedPicture(u"SortDown"_qs, 16).toImage()
+        != FileIconProvider::fixedPicture(u"SortUp"_qs, 16).toImage());
 }
 
 void TestFileIconProvider::fileIconPixmapIsTheProvidersPicture()
 {
     // DrawFileIcon draws the provider's picture into the box it is given.
     QTemporaryDir dir;
-    QVERIFY(KeloTest::writeFile(dir.filePath(QStringLiteral("n.txt")), 1));
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"n.txt"_qs), 1));
     QString key;
-    QCOMPARE(fileIconPixmap(dir.filePath(QStringLiteral("n.txt")), 16, false, &key).toImage(),
-        FileIconProvider::file(QStringLiteral("n.txt"), 16).toImage());
-    QCOMPARE(key, QStringLiteral("txt"));
+    QCOMPARE(fileIconPixmap(dir.filePath(u"n.txt"_qs), 16, false, &key).toImage(),
+        FileIconProvider::file(u"n.txt"_qs, 16).toImage());
+    QCOMPARE(key, u"txt"_qs);
 }
 
 QTEST_MAIN(TestFileIconProvider)

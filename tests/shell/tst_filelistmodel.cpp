@@ -31,11 +31,6 @@ FileEntry fileEntry(const QString &name, qint64 size, qint64 modified, qint64 cr
     return e;
 }
 
-void touch(const QString &path)
-{
-    QVERIFY(KeloTest::writeFile(path, 0));
-}
-
 } // namespace
 
 class TestFileListModel : public QObject
@@ -62,17 +57,15 @@ void TestFileListModel::sizeTexts_data()
     QTest::addColumn<qint64>("bytes");
     QTest::addColumn<QString>("size");
     QTest::addColumn<QString>("sorted");
-    QTest::newRow("empty") << qint64(0) << "0KB"
-                           << "000000000000";
-    QTest::newRow("one byte") << qint64(1) << "1KB"
-                              << "000000000001";
-    QTest::newRow("1024") << qint64(1024) << "1KB"
-                          << "000000001024";
-    QTest::newRow("1025") << qint64(1025) << "2KB"
-                          << "000000001025";
+    const auto row = [](const char *name, qint64 bytes, const char *size, const char *sorted) {
+        QTest::newRow(name) << bytes << QString(size) << QString(sorted);
+    };
+    row("empty", 0, "0KB", "000000000000");
+    row("one byte", 1, "1KB", "000000000001");
+    row("1024", 1024, "1KB", "000000001024");
+    row("1025", 1025, "2KB", "000000001025");
     // Beyond the 32-bit kilobyte count: the true figure, all digits shown.
-    QTest::newRow("5 TB") << qint64(5) * 1024 * 1024 * 1024 * 1024 << "5368709120KB"
-                          << "5497558138880";
+    row("5 TB", qint64(5) * 1024 * 1024 * 1024 * 1024, "5368709120KB", "5497558138880");
 }
 
 void TestFileListModel::sizeTexts()
@@ -80,7 +73,7 @@ void TestFileListModel::sizeTexts()
     QFETCH(qint64, bytes);
     QFETCH(QString, size);
     QFETCH(QString, sorted);
-    const FileListRow row = FileListRow::file(fileEntry(QStringLiteral("a.bin"), bytes, 0, 0), QStringLiteral("/d"));
+    const FileListRow row = FileListRow::file(fileEntry(u"a.bin"_qs, bytes, 0, 0), u"/d"_qs);
     QCOMPARE(row.columnText(Column::Size), size);
     QCOMPARE(row.columnText(Column::SortedSize), sorted);
     QCOMPARE(row.rawValue(Column::Size).toLongLong(), bytes);
@@ -95,18 +88,18 @@ void TestFileListModel::textsAndRawValuesOfEachKind()
     const qint64 created = QDateTime(QDate(2023, 5, 6), QTime(7, 8, 9)).toMSecsSinceEpoch();
     const qint64 modified = created + 61 * 1000;
     FileListModel model;
-    model.append(FileListRow::file(fileEntry(QStringLiteral("Notes.TXT"), 5, modified, created), QStringLiteral("/d")));
-    FileEntry folder = fileEntry(QStringLiteral("Sub"), 0, modified, modified);
+    model.append(FileListRow::file(fileEntry(u"Notes.TXT"_qs, 5, modified, created), u"/d"_qs));
+    FileEntry folder = fileEntry(u"Sub"_qs, 0, modified, modified);
     folder.attributes = FileAttribute::Directory;
-    model.append(FileListRow::folderOf(folder, QStringLiteral("/missing-parent"), false));
+    model.append(FileListRow::folderOf(folder, u"/missing-parent"_qs, false));
     DriveInfo drive;
-    drive.rootPath = QStringLiteral("/media/stick");
+    drive.rootPath = u"/media/stick"_qs;
     drive.driveType = DriveType::Removable;
     drive.isReady = true;
     model.append(FileListRow::drive(drive));
-    model.append(FileListRow::unavailable(QStringLiteral("/gone")));
+    model.append(FileListRow::unavailable(u"/gone"_qs));
 
-    const QStringList file = {"Notes.TXT", "1KB", FileTypes::instance().fileTypeText(QStringLiteral("Notes.TXT")),
+    const QStringList file = {"Notes.TXT", "1KB", FileTypes::instance().fileTypeText(u"Notes.TXT"_qs),
         formatGeneralDate(QDateTime::fromMSecsSinceEpoch(modified)),
         formatGeneralDate(QDateTime::fromMSecsSinceEpoch(created)), "Yes", "/d", "000000000005", "2023-05-06 07:09:10",
         "2023-05-06 07:08:09", "Notes.TXT", "", "Notes.TXT"};
@@ -128,32 +121,32 @@ void TestFileListModel::textsAndRawValuesOfEachKind()
         QDateTime::fromMSecsSinceEpoch(modified));
     QCOMPARE(model.data(model.index(0, Column::Changed), FileListModel::RawValueRole).toBool(), true);
     QCOMPARE(model.data(model.index(1, Column::Size), FileListModel::RawValueRole).toLongLong(), 0);
-    QCOMPARE(model.data(model.index(0, 0), FileListModel::PathRole).toString(), QStringLiteral("/d/Notes.TXT"));
+    QCOMPARE(model.data(model.index(0, 0), FileListModel::PathRole).toString(), u"/d/Notes.TXT"_qs);
     QCOMPARE(model.data(model.index(3, 0), FileListModel::KindRole).toInt(), int(FileListKind::Unavailable));
-    QCOMPARE(model.row(0).baseImageKey(), QStringLiteral("TXT"));
+    QCOMPARE(model.row(0).baseImageKey(), u"TXT"_qs);
 
     // With details a folder shows its count and dates; the refresh mark shows while a pass runs.
     model.markAllUnmet();
-    QCOMPARE(model.text(0, Column::Refresh), QStringLiteral("RemoveThis"));
-    model.setText(0, QStringLiteral("Shown"));
-    model.setRealName(0, QStringLiteral("real"));
-    QCOMPARE(model.text(0, Column::Name), QStringLiteral("Shown"));
-    QCOMPARE(model.text(0, Column::RealName), QStringLiteral("real"));
-    QCOMPARE(model.text(0, Column::SortName), QStringLiteral("Notes.TXT")); // from the name on disk
+    QCOMPARE(model.text(0, Column::Refresh), u"RemoveThis"_qs);
+    model.setText(0, u"Shown"_qs);
+    model.setRealName(0, u"real"_qs);
+    QCOMPARE(model.text(0, Column::Name), u"Shown"_qs);
+    QCOMPARE(model.text(0, Column::RealName), u"real"_qs);
+    QCOMPARE(model.text(0, Column::SortName), u"Notes.TXT"_qs); // from the name on disk
 }
 
 void TestFileListModel::batchPublishesOnceAndKeepsRowsReadable()
 {
     FileListModel model;
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    model.append(FileListRow::unavailable(QStringLiteral("/first")));
+    model.append(FileListRow::unavailable(u"/first"_qs));
     QCOMPARE(inserted.count(), 1);
     {
         FileListModel::Batch batch(&model);
-        model.append(FileListRow::unavailable(QStringLiteral("/a")));
-        model.append(FileListRow::unavailable(QStringLiteral("/b")));
+        model.append(FileListRow::unavailable(u"/a"_qs));
+        model.append(FileListRow::unavailable(u"/b"_qs));
         QCOMPARE(model.count(), 3); // stored and readable
-        QCOMPARE(model.row(2).entry.name, QStringLiteral("/b"));
+        QCOMPARE(model.row(2).entry.name, u"/b"_qs);
         QCOMPARE(model.rowCount(), 1); // not yet announced
         QVERIFY(!model.data(model.index(2, 0)).isValid());
         model.remove(2); // an unannounced row goes quietly
@@ -177,12 +170,12 @@ void TestFileListModel::layoutGenerationMovesOnRemovalAndRename()
 {
     FileListModel model;
     const quint64 start = model.layoutGeneration();
-    model.append(FileListRow::unavailable(QStringLiteral("/a")));
-    model.append(FileListRow::unavailable(QStringLiteral("/b")));
+    model.append(FileListRow::unavailable(u"/a"_qs));
+    model.append(FileListRow::unavailable(u"/b"_qs));
     QCOMPARE(model.layoutGeneration(), start); // appending keeps every row number valid
-    model.setText(0, QStringLiteral("x"));
+    model.setText(0, u"x"_qs);
     QCOMPARE(model.layoutGeneration(), start);
-    model.setRealName(0, QStringLiteral("x"));
+    model.setRealName(0, u"x"_qs);
     const quint64 renamed = model.layoutGeneration();
     QVERIFY(renamed != start);
     model.remove(1);
@@ -215,23 +208,20 @@ void TestFileListModel::takeFactsComparesAsTheTextsDo()
     QFETCH(QString, shownName);
     const qint64 base = QDateTime(QDate(2022, 1, 1), QTime(10, 0, 0, 100)).toMSecsSinceEpoch();
     FileListModel model;
-    model.append(FileListRow::file(fileEntry(QStringLiteral("a.txt"), 10, base, base), QStringLiteral("/d")));
+    model.append(FileListRow::file(fileEntry(u"a.txt"_qs, 10, base, base), u"/d"_qs));
     QSignalSpy dataChanged(&model, &QAbstractItemModel::dataChanged);
-    QCOMPARE(model.updateFacts(
-                 0, FileListRow::file(fileEntry(freshName, size, base + modifiedDelta, base), QStringLiteral("/D"))),
+    QCOMPARE(model.updateFacts(0, FileListRow::file(fileEntry(freshName, size, base + modifiedDelta, base), u"/D"_qs)),
         changed);
     QCOMPARE(dataChanged.count(), changed ? 1 : 0);
     QCOMPARE(model.text(0, Column::Name), shownName);
-    QCOMPARE(model.text(0, Column::Folder), QStringLiteral("/d")); // differs in case only: kept
+    QCOMPARE(model.text(0, Column::Folder), u"/d"_qs); // differs in case only: kept
     QCOMPARE(model.row(0).entry.size, size); // the raw facts are taken either way
 }
 
 void TestFileListModel::folderCountIsAFactOfItsStamp()
 {
     QTemporaryDir dir;
-    QDir(dir.path()).mkpath(QStringLiteral("sub"));
-    touch(dir.filePath(QStringLiteral("sub/one")));
-    touch(dir.filePath(QStringLiteral("sub/two")));
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"sub/one"_qs)) && KeloTest::writeFile(dir.filePath(u"sub/two"_qs)));
     const FolderContents contents = FileSystem::instance().listFolder(dir.path());
     QCOMPARE(contents.folders.size(), 1);
     FileEntry sub = contents.folders.first();
@@ -241,8 +231,8 @@ void TestFileListModel::folderCountIsAFactOfItsStamp()
     sub.statusChanged -= 60 * 1000;
     const FileListRow first = FileListRow::folderOf(sub, contents.path, true);
     QCOMPARE(first.fileCount, 2);
-    QCOMPARE(first.columnText(Column::Size), QStringLiteral("2"));
-    touch(dir.filePath(QStringLiteral("sub/three")));
+    QCOMPARE(first.columnText(Column::Size), u"2"_qs);
+    QVERIFY(KeloTest::writeFile(dir.filePath(u"sub/three"_qs)));
     QVERIFY(first.holdsFacts(sub, contents.path, FileListKind::Folder, true));
     QCOMPARE(FileListRow::folderOf(sub, contents.path, true, &first).fileCount, 2); // not read again
 
@@ -269,16 +259,14 @@ void TestFileListModel::filterRules_data()
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("matches");
-    QTest::newRow("empty lets all through") << ""
-                                            << "x.bin" << true;
-    QTest::newRow("star, any case") << "*.txt"
-                                    << "B.TXT" << true;
-    QTest::newRow("star, other ext") << "*.txt"
-                                     << "b.csv" << false;
-    QTest::newRow("list") << "[ab].*"
-                          << "a.log" << true;
-    QTest::newRow("digit") << "#.txt"
-                           << "x.txt" << false;
+    const auto row = [](const char *name, const char *pattern, const char *file, bool matches) {
+        QTest::newRow(name) << QString(pattern) << QString(file) << matches;
+    };
+    row("empty lets all through", "", "x.bin", true);
+    row("star, any case", "*.txt", "B.TXT", true);
+    row("star, other ext", "*.txt", "b.csv", false);
+    row("list", "[ab].*", "a.log", true);
+    row("digit", "#.txt", "x.txt", false);
 }
 
 void TestFileListModel::filterRules()
@@ -297,9 +285,9 @@ void TestFileListModel::filterRules()
     QVERIFY(!rules.passesAttributes(hidden) && !rules.passesAttributes(system));
     rules.allowHidden = rules.allowSystem = true;
     QVERIFY(rules.passesAttributes(hidden) && rules.passesAttributes(system));
-    QVERIFY(FileListFilter::isMyComputer(QStringLiteral("mY cOMPUTER")));
-    QVERIFY(FileListFilter::isMyFolders(QStringLiteral("MY FOLDERS")));
-    QVERIFY(!FileListFilter::isMyFolders(QStringLiteral("My Folders/x")));
+    QVERIFY(FileListFilter::isMyComputer(u"mY cOMPUTER"_qs));
+    QVERIFY(FileListFilter::isMyFolders(u"MY FOLDERS"_qs));
+    QVERIFY(!FileListFilter::isMyFolders(u"My Folders/x"_qs));
 }
 
 void TestFileListModel::sortGivesTheOrderOfTheTexts_data()
@@ -323,24 +311,22 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
     QFETCH(int, order);
     QRandomGenerator random(column * 2 + order + 1);
     const qint64 base = QDateTime(QDate(2021, 3, 1), QTime(12, 0)).toMSecsSinceEpoch();
-    const QStringList names{QStringLiteral("b"), QStringLiteral("B"), QStringLiteral("a.TXT"), QStringLiteral("a.txt"),
-        QStringLiteral("Zed.doc"), QStringLiteral("_x"), QStringLiteral("\x01ctl"), QStringLiteral("\u00e9t\u00e9")};
+    const QStringList names{
+        u"b"_qs, u"B"_qs, u"a.TXT"_qs, u"a.txt"_qs, u"Zed.doc"_qs, u"_x"_qs, u"\x01ctl"_qs, u"\u00e9t\u00e9"_qs};
     auto makeRow = [&](int i) {
         const QString name = names[random.bounded(int(names.size()))];
         const qint64 modified = base + random.bounded(4) * 700 - 1500; // some in the same second
         const qint64 created = base + random.bounded(3) * 1000;
         switch (i % 4) {
         case 0: {
-            FileListRow row
-                = FileListRow::folderOf(fileEntry(name, 0, modified, created), QStringLiteral("/missing"), i % 8 == 0);
+            FileListRow row = FileListRow::folderOf(fileEntry(name, 0, modified, created), u"/missing"_qs, i % 8 == 0);
             row.fileCount = random.bounded(3);
             return row;
         }
         case 1:
-            return FileListRow::unavailable(QStringLiteral("/gone/") + name);
+            return FileListRow::unavailable(u"/gone/"_qs + name);
         default:
-            return FileListRow::file(
-                fileEntry(name, random.bounded(3) * 1000, modified, created), QStringLiteral("/d"));
+            return FileListRow::file(fileEntry(name, random.bounded(3) * 1000, modified, created), u"/d"_qs);
         }
     };
     FileListModel model;
@@ -361,7 +347,7 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
     auto expectTextOrder = [&] {
         for (int r = 1; r < model.count(); ++r) {
             const int c = QString::compare(model.text(r - 1, column), model.text(r, column), Qt::CaseInsensitive);
-            QVERIFY2(order == 0 ? c <= 0 : c >= 0, qPrintable(QStringLiteral("row %1").arg(r)));
+            QVERIFY2(order == 0 ? c <= 0 : c >= 0, qPrintable(u"row %1"_qs.arg(r)));
         }
     };
     expectTextOrder();

@@ -60,28 +60,36 @@ void enterPrivateMountNamespace()
     }
 }
 
+QString big(int kilobytes, char fill)
+{
+    return QString(kilobytes * 1024, QLatin1Char(fill));
+}
+
+bool runOperation(const QString &op, const QString &source, const QString &target, bool flag, TransferMonitor *monitor)
+{
+    if (op == "copyFile")
+        return FileOperations::copyFile(source, target, flag, monitor);
+    if (op == "copyFolder")
+        return FileOperations::copyFolder(source, target, flag, monitor);
+    if (op == "moveFile")
+        return FileOperations::moveFile(source, target, flag, monitor);
+    if (op == "moveFolder")
+        return FileOperations::moveFolder(source, target, monitor);
+    if (op == "deleteFolder")
+        return FileOperations::deleteFolder(source);
+    if (op == "deleteFile")
+        return FileOperations::deleteFile(source, flag);
+    qFatal("unknown operation %s", qPrintable(op));
+}
+
 /// In a child process: one operation on the arguments, "1" or "0" on standard output.
 int runChild(int argc, char **argv)
 {
     if (argc < 4)
         return 2;
-    const QByteArray op = argv[2];
-    const QString a = FileNameCodec::decode(QByteArray(argv[3]));
     const QString b = argc > 4 ? FileNameCodec::decode(QByteArray(argv[4])) : QString();
-    const bool flag = argc > 5 && argv[5][0] == '1';
-    bool ok = false;
-    if (op == "copyFile")
-        ok = FileOperations::copyFile(a, b, flag);
-    else if (op == "copyFolder")
-        ok = FileOperations::copyFolder(a, b, flag);
-    else if (op == "moveFile")
-        ok = FileOperations::moveFile(a, b, flag);
-    else if (op == "moveFolder")
-        ok = FileOperations::moveFolder(a, b);
-    else if (op == "deleteFolder")
-        ok = FileOperations::deleteFolder(a);
-    else
-        return 2;
+    const bool ok = runOperation(QString::fromLatin1(argv[2]), FileNameCodec::decode(QByteArray(argv[3])), b,
+        argc > 5 && argv[5][0] == '1', nullptr);
     ::write(1, ok ? "1" : "0", 1);
     return 0;
 }
@@ -109,35 +117,15 @@ public:
     bool isCancelled() override { return cancelled; }
 };
 
-QString big(int kilobytes, char fill)
+/// One row of the operation tables: `what` is "<operation> <source> -> <target>" (the target left out for a
+/// delete), relative to the test folder; "@" at the start of a target is the other file system.
+QTestData &opRow(
+    const char *name, const QStringList &tree, const QString &what, bool flag, bool ok, const QStringList &after)
 {
-    return QString(kilobytes * 1024, QLatin1Char(fill));
-}
-
-struct Case
-{
-    QStringList tree;
-    QString op;
-    QString source;
-    QString target;
-    bool flag = false;
-};
-
-bool runOperation(const QString &op, const QString &source, const QString &target, bool flag, TransferMonitor *monitor)
-{
-    if (op == "copyFile")
-        return FileOperations::copyFile(source, target, flag, monitor);
-    if (op == "copyFolder")
-        return FileOperations::copyFolder(source, target, flag, monitor);
-    if (op == "moveFile")
-        return FileOperations::moveFile(source, target, flag, monitor);
-    if (op == "moveFolder")
-        return FileOperations::moveFolder(source, target, monitor);
-    if (op == "deleteFolder")
-        return FileOperations::deleteFolder(source);
-    if (op == "deleteFile")
-        return FileOperations::deleteFile(source, flag);
-    qFatal("unknown operation %s", qPrintable(op));
+    const qsizetype blank = what.indexOf(' '), arrow = what.indexOf(" -> ");
+    const QString source = arrow < 0 ? what.mid(blank + 1) : what.mid(blank + 1, arrow - blank - 1);
+    return QTest::newRow(name) << tree << what.left(blank) << source << (arrow < 0 ? QString() : what.mid(arrow + 4))
+                               << flag << ok << after;
 }
 
 } // namespace
@@ -283,27 +271,15 @@ void TestFileOperations::crossFileSystem_data()
     columns();
     QTest::addColumn<QStringList>("there");
     const QStringList tree = {"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/g=2", "a/d/ln->s", "a/x=3"};
+    const QStringList folder = {"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/g=2", "a/d/ln->s"};
     const QStringList there = {"keep/", "keep/k=0", "old=old"};
-    QTest::newRow("move file") << tree << "moveFile"
-                               << "a/x"
-                               << "x" << false << true
-                               << QStringList{"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/g=2", "a/d/ln->s"}
-                               << there + QStringList{"x=3"};
-    QTest::newRow("move folder") << tree << "moveFolder"
-                                 << "a/d"
-                                 << "d" << false << true << QStringList{"a/", "a/x=3"}
-                                 << there + QStringList{"d/", "d/f=1", "d/s/", "d/s/g=2", "d/ln->s"};
-    QTest::newRow("move file onto a file, replacing")
-        << tree << "moveFile"
-        << "a/x"
-        << "old" << true << true << QStringList{"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/g=2", "a/d/ln->s"}
+    opRow("move file", tree, "moveFile a/x -> x", false, true, folder) << there + QStringList{"x=3"};
+    opRow("move folder", tree, "moveFolder a/d -> d", false, true, {"a/", "a/x=3"})
+        << there + QStringList{"d/", "d/f=1", "d/s/", "d/s/g=2", "d/ln->s"};
+    opRow("move file onto a file, replacing", tree, "moveFile a/x -> old", true, true, folder)
         << QStringList{"keep/", "keep/k=0", "old=3"};
-    QTest::newRow("move file onto a file, not replacing") << tree << "moveFile"
-                                                          << "a/x"
-                                                          << "old" << false << false << tree << there;
-    QTest::newRow("move folder onto a folder") << tree << "moveFolder"
-                                               << "a/d"
-                                               << "keep" << false << false << tree << there;
+    opRow("move file onto a file, not replacing", tree, "moveFile a/x -> old", false, false, tree) << there;
+    opRow("move folder onto a folder", tree, "moveFolder a/d -> keep", false, false, tree) << there;
 }
 
 void TestFileOperations::crossFileSystem()
@@ -332,25 +308,12 @@ void TestFileOperations::fullDisk_data()
     const QStringList tree = {"a/", "a/big=" + big(2048, 'b'), "a/d/", "a/d/p=" + big(400, 'p'),
         "a/d/q=" + big(400, 'q'), "a/d/r=" + big(400, 'r'), "a/small=tiny"};
     const QStringList kept = {"small/", "small/keep=0123456789"};
-    QTest::newRow("copy a file") << tree << "copyFile"
-                                 << "a/big"
-                                 << "small/big" << false << false << kept;
-    QTest::newRow("copy over an existing file") << tree << "copyFile"
-                                                << "a/big"
-                                                << "small/keep" << true << false << kept;
-    QTest::newRow("copy a folder") << tree << "copyFolder"
-                                   << "a/d"
-                                   << "small/d" << false << false << kept;
-    QTest::newRow("move a folder across") << tree << "moveFolder"
-                                          << "a/d"
-                                          << "small/d" << false << false << kept;
-    QTest::newRow("move a file across") << tree << "moveFile"
-                                        << "a/big"
-                                        << "small/big" << false << false << kept;
-    QTest::newRow("what fits is copied") << tree << "copyFile"
-                                         << "a/small"
-                                         << "small/s" << false << true
-                                         << QStringList{"small/", "small/keep=0123456789", "small/s=tiny"};
+    opRow("copy a file", tree, "copyFile a/big -> small/big", false, false, kept);
+    opRow("copy over an existing file", tree, "copyFile a/big -> small/keep", true, false, kept);
+    opRow("copy a folder", tree, "copyFolder a/d -> small/d", false, false, kept);
+    opRow("move a folder across", tree, "moveFolder a/d -> small/d", false, false, kept);
+    opRow("move a file across", tree, "moveFile a/big -> small/big", false, false, kept);
+    opRow("what fits is copied", tree, "copyFile a/small -> small/s", false, true, kept + QStringList{"small/s=tiny"});
 }
 
 void TestFileOperations::fullDisk()
@@ -374,22 +337,12 @@ void TestFileOperations::permissionDenied_data()
     columns();
     const QStringList tree = {"a/", "a/secret=s", "a/open=o", "a/d/", "a/d/secret=s", "a/d/open=o", "w/", "shut/"};
     // "secret" files are root's, mode 0600; "w" is writable by all; "shut" (0755) and "a" are root's.
-    QTest::newRow("unreadable source file") << tree << "copyFile"
-                                            << "a/secret"
-                                            << "w/secret" << false << false << tree;
-    QTest::newRow("target folder not writable") << tree << "copyFile"
-                                                << "a/open"
-                                                << "shut/open" << false << false << tree;
-    QTest::newRow("source folder not writable, move") << tree << "moveFile"
-                                                      << "a/open"
-                                                      << "w/open" << false << false << tree;
-    QTest::newRow("folder with an unreadable file")
-        << tree << "copyFolder"
-        << "a/d"
-        << "w/d" << false << false << tree + QStringList{"w/d/", "w/d/open=o"};
-    QTest::newRow("folder into a folder not writable") << tree << "copyFolder"
-                                                       << "a/d"
-                                                       << "shut/d" << false << false << tree;
+    opRow("unreadable source file", tree, "copyFile a/secret -> w/secret", false, false, tree);
+    opRow("target folder not writable", tree, "copyFile a/open -> shut/open", false, false, tree);
+    opRow("source folder not writable, move", tree, "moveFile a/open -> w/open", false, false, tree);
+    opRow("folder with an unreadable file", tree, "copyFolder a/d -> w/d", false, false,
+        tree + QStringList{"w/d/", "w/d/open=o"});
+    opRow("folder into a folder not writable", tree, "copyFolder a/d -> shut/d", false, false, tree);
 }
 
 void TestFileOperations::permissionDenied()
@@ -420,23 +373,13 @@ void TestFileOperations::readOnlyMount_data()
 {
     columns();
     const QStringList tree = {"a/", "a/x=1", "ro/", "ro/in=2", "ro/d/", "ro/d/f=3"};
-    QTest::newRow("copy into it") << tree << "copyFile"
-                                  << "a/x"
-                                  << "ro/x" << false << false << tree;
-    QTest::newRow("copy a folder into it") << tree << "copyFolder"
-                                           << "ro/d"
-                                           << "ro/e" << false << false << tree;
-    QTest::newRow("move a file out of it: copied, the source stays")
-        << tree << "moveFile"
-        << "ro/in"
-        << "a/in" << false << false << tree + QStringList{"a/in=2"};
-    QTest::newRow("move a folder out of it: copied, the source stays")
-        << tree << "moveFolder"
-        << "ro/d"
-        << "a/d" << false << false << tree + QStringList{"a/d/", "a/d/f=3"};
-    QTest::newRow("delete in it") << tree << "deleteFolder"
-                                  << "ro/d"
-                                  << "" << false << false << tree;
+    opRow("copy into it", tree, "copyFile a/x -> ro/x", false, false, tree);
+    opRow("copy a folder into it", tree, "copyFolder ro/d -> ro/e", false, false, tree);
+    opRow("move a file out of it: copied, the source stays", tree, "moveFile ro/in -> a/in", false, false,
+        tree + QStringList{"a/in=2"});
+    opRow("move a folder out of it: copied, the source stays", tree, "moveFolder ro/d -> a/d", false, false,
+        tree + QStringList{"a/d/", "a/d/f=3"});
+    opRow("delete in it", tree, "deleteFolder ro/d", false, false, tree);
 }
 
 void TestFileOperations::readOnlyMount()
@@ -457,25 +400,18 @@ void TestFileOperations::vanishingSource_data()
 {
     columns();
     const QStringList tree = {"a/", "a/d/", "a/d/1=one", "a/d/2=two", "a/d/3=three"};
-    QTest::newRow("copy a folder: the rest is copied")
-        << tree << "copyFolder"
-        << "a/d"
-        << "b" << false << false << QStringList{"a/", "a/d/", "a/d/1=one", "a/d/3=three", "b/", "b/1=one", "b/3=three"};
-    QTest::newRow("move a folder across: nothing moves")
-        << tree << "moveFolder"
-        << "a/d"
-        << "@/d" << false << false << QStringList{"a/", "a/d/", "a/d/1=one", "a/d/3=three"};
+    const QStringList left = {"a/", "a/d/", "a/d/1=one", "a/d/3=three"};
+    opRow("copy a folder: the rest is copied", tree, "copyFolder a/d -> b", false, false,
+        left + QStringList{"b/", "b/1=one", "b/3=three"});
+    opRow("move a folder across: nothing moves", tree, "moveFolder a/d -> @/d", false, false, left);
 }
 
 void TestFileOperations::vanishingSource()
 {
     const auto [tree, op, source, target, flag, ok, after] = currentCase();
-    QString targetPath = at(target);
-    if (target.startsWith('@')) {
-        if (!m_other || !m_other->isValid())
-            QSKIP("/dev/shm is not available for a second file system");
-        targetPath = m_other->path() + target.mid(1);
-    }
+    if (target.startsWith('@') && (!m_other || !m_other->isValid()))
+        QSKIP("/dev/shm is not available for a second file system");
+    const QString targetPath = target.startsWith('@') ? m_other->path() + target.mid(1) : at(target);
     QVERIFY(makeTree(root(), tree));
     ScriptedMonitor monitor;
     const QString doomed = at("a/d/2");
@@ -493,32 +429,19 @@ void TestFileOperations::cancel_data()
     const QString bigFile = big(32 * 1024, 'z');
     const QStringList tree
         = {"a/", "a/big=" + bigFile, "a/d/", "a/d/0=small", "a/d/big=" + bigFile, "a/d/z=last", "b/", "b/big=old"};
-    QTest::newRow("copy a file") << tree << "copyFile"
-                                 << "a/big"
-                                 << "b/new" << false << false << tree;
-    QTest::newRow("copy over a file") << tree << "copyFile"
-                                      << "a/big"
-                                      << "b/big" << true << false << tree;
-    QTest::newRow("copy a folder") << tree << "copyFolder"
-                                   << "a/d"
-                                   << "b/d" << false << false << tree;
-    QTest::newRow("move a file across") << tree << "moveFile"
-                                        << "a/big"
-                                        << "@/big" << false << false << tree;
-    QTest::newRow("move a folder across") << tree << "moveFolder"
-                                          << "a/d"
-                                          << "@/d" << false << false << tree;
+    opRow("copy a file", tree, "copyFile a/big -> b/new", false, false, tree);
+    opRow("copy over a file", tree, "copyFile a/big -> b/big", true, false, tree);
+    opRow("copy a folder", tree, "copyFolder a/d -> b/d", false, false, tree);
+    opRow("move a file across", tree, "moveFile a/big -> @/big", false, false, tree);
+    opRow("move a folder across", tree, "moveFolder a/d -> @/d", false, false, tree);
 }
 
 void TestFileOperations::cancel()
 {
     const auto [tree, op, source, target, flag, ok, after] = currentCase();
-    QString targetPath = at(target);
-    if (target.startsWith('@')) {
-        if (!m_other || !m_other->isValid())
-            QSKIP("/dev/shm is not available for a second file system");
-        targetPath = m_other->path() + target.mid(1);
-    }
+    if (target.startsWith('@') && (!m_other || !m_other->isValid()))
+        QSKIP("/dev/shm is not available for a second file system");
+    const QString targetPath = target.startsWith('@') ? m_other->path() + target.mid(1) : at(target);
     QVERIFY(makeTree(root(), tree));
     ScriptedMonitor monitor;
     monitor.cancelAfterBytes = [](qint64 bytes) { return bytes > 1024 * 1024; };
@@ -550,41 +473,20 @@ void TestFileOperations::namesThatAreNotUtf8()
 void TestFileOperations::deleting_data()
 {
     columns();
-    const QStringList tree = {"a/", "a/d/", "a/d/f=1", "a/d/ro/", "a/d/ro/g=2", "a/d/out->../../keep",
-        "a/d/lnd->../../keep", "a/ln->../keep", "a/x=3", "keep/", "keep/k=4"};
-    const QStringList untouched = {"keep/", "keep/k=4"};
-    QTest::newRow("folder with links and a read-only sub-folder")
-        << tree << "deleteFolder"
-        << "a/d"
-        << "" << false << true << untouched + QStringList{"a/", "a/ln->../keep", "a/x=3"};
-    QTest::newRow("link to a folder: only the link") << tree << "deleteFolder"
-                                                     << "a/ln"
-                                                     << "" << false << true
-                                                     << untouched
-            + QStringList{"a/", "a/d/", "a/d/f=1", "a/d/ro/", "a/d/ro/g=2", "a/d/out->../../keep",
-                "a/d/lnd->../../keep", "a/x=3"};
-    QTest::newRow("read-only file, not forced") << tree << "deleteFile"
-                                                << "a/x"
-                                                << "" << false << false << tree;
-    QTest::newRow("read-only file, forced") << tree << "deleteFile"
-                                            << "a/x"
-                                            << "" << true << true
-                                            << untouched
-            + QStringList{"a/", "a/d/", "a/d/f=1", "a/d/ro/", "a/d/ro/g=2", "a/d/out->../../keep",
-                "a/d/lnd->../../keep", "a/ln->../keep"};
-    QTest::newRow("a folder is not a file") << tree << "deleteFile"
-                                            << "a/d"
-                                            << "" << true << false << tree;
+    const QStringList rest = {"a/", "a/d/", "a/d/f=1", "a/d/ro/", "a/d/ro/g=2", "a/d/out->../../keep",
+        "a/d/lnd->../../keep", "keep/", "keep/k=4"};
+    const QStringList tree = rest + QStringList{"a/ln->../keep", "a/x=3"};
+    opRow("folder with links and a read-only sub-folder", tree, "deleteFolder a/d", false, true,
+        {"keep/", "keep/k=4", "a/", "a/ln->../keep", "a/x=3"});
+    opRow("link to a folder: only the link", tree, "deleteFolder a/ln", false, true, rest + QStringList{"a/x=3"});
+    opRow("read-only file, not forced", tree, "deleteFile a/x", false, false, tree);
+    opRow("read-only file, forced", tree, "deleteFile a/x", true, true, rest + QStringList{"a/ln->../keep"});
+    opRow("a folder is not a file", tree, "deleteFile a/d", true, false, tree);
 }
 
 void TestFileOperations::deleting()
 {
-    QFETCH(QStringList, tree);
-    QFETCH(QString, op);
-    QFETCH(QString, source);
-    QFETCH(bool, flag);
-    QFETCH(bool, ok);
-    QFETCH(QStringList, after);
+    const auto [tree, op, source, target, flag, ok, after] = currentCase();
     QVERIFY(makeTree(root(), tree));
     QVERIFY(::chmod(diskPath(at("a/x")).constData(), 0444) == 0);
     QVERIFY(::chmod(diskPath(at("a/d/ro")).constData(), 0555) == 0);

@@ -3,6 +3,7 @@
 // the boxes shown, the answer and exactly what is on disk afterwards.
 
 #include "FileTreeFixture.h"
+#include "KeloTestSupport.h"
 
 #include <Kelocontrols/ClipboardFiles.h>
 #include <Kelocontrols/Conversions.h>
@@ -27,46 +28,21 @@ using KeloTest::sorted;
 
 namespace {
 
-struct Box
-{
-    QString prompt;
-    int style;
-    QString title;
-};
-
-/// Scripts MsgBox for one test: records every box and answers from a queue (OK when it runs dry).
-class ScriptedBoxes
-{
-public:
-    explicit ScriptedBoxes(QList<int> answers = {})
-        : m_answers(std::move(answers))
-    {
-        m_previous = setMsgBoxHandler([this](const QString &prompt, int style, const QString &title) {
-            boxes.append({prompt, style, title});
-            return m_answers.isEmpty() ? MsgBoxResult::OK : m_answers.takeFirst();
-        });
-    }
-    ~ScriptedBoxes() { setMsgBoxHandler(m_previous); }
-
-    QStringList titles() const
-    {
-        QStringList result;
-        for (const Box &box : boxes)
-            result.append(box.title);
-        return result;
-    }
-
-    QList<Box> boxes;
-
-private:
-    QList<int> m_answers;
-    MsgBoxHandler m_previous;
-};
-
+using Boxes = KeloTest::MsgBoxRecorder;
 constexpr int Yes = MsgBoxResult::Yes;
 constexpr int No = MsgBoxResult::No;
 constexpr int Cancel = MsgBoxResult::Cancel;
 const QString CrLf = QStringLiteral("\r\n");
+
+/// One row of the transfers table. `what` is "<item|file|folder> <copy|move> <source> -> <destination>", relative to
+/// the test folder; `result` the path answered ("" for none); `titles` those of the boxes shown, in order.
+void transferRow(const char *name, const QStringList &tree, const QString &what, const QList<int> &answers,
+    const QString &result, const QStringList &titles, const QStringList &after)
+{
+    const qsizetype call = what.indexOf(' '), mode = what.indexOf(' ', call + 1), arrow = what.indexOf(" -> ");
+    QTest::newRow(name) << tree << what.left(call) << what.mid(mode + 1, arrow - mode - 1) << what.mid(arrow + 4)
+                        << (what.mid(call + 1, mode - call - 1) == "copy") << answers << result << titles << after;
+}
 
 } // namespace
 
@@ -88,7 +64,6 @@ private Q_SLOTS:
     void transfers_data();
     void transfers();
     void replaceBoxShowsBothFiles();
-    void boxTexts_data();
     void boxTexts();
     void uniqueNames();
     void pasteFiles();
@@ -107,186 +82,101 @@ void TestFileTransfer::transfers_data()
     QTest::addColumn<QStringList>("after");
 
     const QStringList none;
-    const QString fileBox = "Confirm File Replace";
-    const QString folderBox = "Confirm Folder Replace";
+    const QStringList fileBox = {"Confirm File Replace"};
+    const QStringList folderBox = {"Confirm Folder Replace"};
+    const QStringList sameFolder = {"Error copying file or folder"};
+    const QStringList one = {"a/", "a/x.txt=1", "b/"};
     const QStringList two = {"a/", "a/x.txt=new", "b/", "b/x.txt=old"};
     const QStringList folders = {"a/", "a/d/", "a/d/f=new", "a/d/g=only in source", "a/d/s/", "a/d/s/t=deep", "b/",
         "b/d/", "b/d/f=old", "b/d/h=only in target"};
+    const QStringList merged = {"a/", "a/d/", "a/d/f=new", "a/d/g=only in source", "a/d/s/", "a/d/s/t=deep", "b/",
+        "b/d/", "b/d/g=only in source", "b/d/h=only in target", "b/d/s/", "b/d/s/t=deep"};
+    const QStringList tree = {"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/t=2", "b/"};
+    const QStringList inParent = {"a/", "a/d/", "a/d/f=1"};
+    const QStringList link = {"a/", "a/real/", "a/real/f=1", "a/ln->real", "b/"};
+    const QString odd = "we ird \"q\" 'n\nl'";
 
     // Files to another folder, and onto an existing file.
-    QTest::newRow("file copy") << QStringList{"a/", "a/x.txt=1", "b/"} << "item"
-                               << "a/x.txt"
-                               << "b" << true << QList<int>() << "b/x.txt" << none
-                               << QStringList{"a/", "a/x.txt=1", "b/", "b/x.txt=1"};
-    QTest::newRow("file move") << QStringList{"a/", "a/x.txt=1", "b/"} << "item"
-                               << "a/x.txt"
-                               << "b" << false << QList<int>() << "b/x.txt" << none
-                               << QStringList{"a/", "b/", "b/x.txt=1"};
-    QTest::newRow("file copy, replace Yes") << two << "item"
-                                            << "a/x.txt"
-                                            << "b" << true << QList<int>{Yes} << "b/x.txt" << QStringList{fileBox}
-                                            << QStringList{"a/", "a/x.txt=new", "b/", "b/x.txt=new"};
-    QTest::newRow("file copy, replace No") << two << "item"
-                                           << "a/x.txt"
-                                           << "b" << true << QList<int>{No} << "" << QStringList{fileBox} << two;
-    QTest::newRow("file move, replace Yes") << two << "item"
-                                            << "a/x.txt"
-                                            << "b" << false << QList<int>{Yes} << "b/x.txt" << QStringList{fileBox}
-                                            << QStringList{"a/", "b/", "b/x.txt=new"};
-    QTest::newRow("file move, replace No") << two << "item"
-                                           << "a/x.txt"
-                                           << "b" << false << QList<int>{No} << "" << QStringList{fileBox} << two;
-    QTest::newRow("file copy over a read-only file")
-        << QStringList{"a/", "a/x.txt=new", "b/", "b/x.txt=old"} << "file"
-        << "a/x.txt"
-        << "b" << true << QList<int>{Yes} << "b/x.txt" << QStringList{fileBox}
-        << QStringList{"a/", "a/x.txt=new", "b/", "b/x.txt=new"};
-    QTest::newRow("file move over a broken link, Yes")
-        << QStringList{"a/", "a/x.txt=1", "b/", "b/x.txt->gone"} << "item"
-        << "a/x.txt"
-        << "b" << false << QList<int>{Yes} << "b/x.txt" << QStringList{fileBox} << QStringList{"a/", "b/", "b/x.txt=1"};
-    QTest::newRow("file onto a folder of its name")
-        << QStringList{"a/", "a/x=1", "b/", "b/x/", "b/x/in=2"} << "item"
-        << "a/x"
-        << "b" << true << QList<int>() << "b/x" << none << QStringList{"a/", "a/x=1", "b/", "b/x/", "b/x/in=2"};
+    transferRow("file copy", one, "item copy a/x.txt -> b", {}, "b/x.txt", none, one + QStringList{"b/x.txt=1"});
+    transferRow("file move", one, "item move a/x.txt -> b", {}, "b/x.txt", none, {"a/", "b/", "b/x.txt=1"});
+    transferRow("file copy, replace Yes", two, "item copy a/x.txt -> b", {Yes}, "b/x.txt", fileBox,
+        {"a/", "a/x.txt=new", "b/", "b/x.txt=new"});
+    transferRow("file copy, replace No", two, "item copy a/x.txt -> b", {No}, "", fileBox, two);
+    transferRow("file move, replace Yes", two, "item move a/x.txt -> b", {Yes}, "b/x.txt", fileBox,
+        {"a/", "b/", "b/x.txt=new"});
+    transferRow("file move, replace No", two, "item move a/x.txt -> b", {No}, "", fileBox, two);
+    transferRow("file copy over a read-only file", two, "file copy a/x.txt -> b", {Yes}, "b/x.txt", fileBox,
+        {"a/", "a/x.txt=new", "b/", "b/x.txt=new"});
+    transferRow("file move over a broken link, Yes", {"a/", "a/x.txt=1", "b/", "b/x.txt->gone"},
+        "item move a/x.txt -> b", {Yes}, "b/x.txt", fileBox, {"a/", "b/", "b/x.txt=1"});
+    transferRow("file onto a folder of its name", {"a/", "a/x=1", "b/", "b/x/", "b/x/in=2"}, "item copy a/x -> b", {},
+        "b/x", none, {"a/", "a/x=1", "b/", "b/x/", "b/x/in=2"});
 
     // A file into its own folder: numbered copies without a question, even for a move.
-    QTest::newRow("file copy into its folder") << QStringList{"a/", "a/x.txt=1"} << "item"
-                                               << "a/x.txt"
-                                               << "a" << true << QList<int>() << "a/Copy (2) of x.txt" << none
-                                               << QStringList{"a/", "a/Copy (2) of x.txt=1", "a/x.txt=1"};
-    QTest::newRow("file copy into its folder, third")
-        << QStringList{"a/", "a/x.txt=1", "a/Copy (2) of x.txt=2"} << "file"
-        << "a/x.txt"
-        << "a" << true << QList<int>() << "a/Copy (3) of x.txt" << none
-        << QStringList{"a/", "a/Copy (2) of x.txt=2", "a/Copy (3) of x.txt=1", "a/x.txt=1"};
-    QTest::newRow("file copy into its folder, gap filled")
-        << QStringList{"a/", "a/x.txt=1", "a/Copy (3) of x.txt=3"} << "file"
-        << "a/x.txt"
-        << "a" << true << QList<int>() << "a/Copy (2) of x.txt" << none
-        << QStringList{"a/", "a/Copy (2) of x.txt=1", "a/Copy (3) of x.txt=3", "a/x.txt=1"};
-    QTest::newRow("file move into its folder")
-        << QStringList{"a/", "a/x.txt=1"} << "item"
-        << "a/x.txt"
-        << "a" << false << QList<int>() << "a/Copy (2) of x.txt" << none << QStringList{"a/", "a/Copy (2) of x.txt=1"};
+    transferRow("file copy into its folder", {"a/", "a/x.txt=1"}, "item copy a/x.txt -> a", {}, "a/Copy (2) of x.txt",
+        none, {"a/", "a/Copy (2) of x.txt=1", "a/x.txt=1"});
+    transferRow("file copy into its folder, third", {"a/", "a/x.txt=1", "a/Copy (2) of x.txt=2"},
+        "file copy a/x.txt -> a", {}, "a/Copy (3) of x.txt", none,
+        {"a/", "a/Copy (2) of x.txt=2", "a/Copy (3) of x.txt=1", "a/x.txt=1"});
+    transferRow("file copy into its folder, gap filled", {"a/", "a/x.txt=1", "a/Copy (3) of x.txt=3"},
+        "file copy a/x.txt -> a", {}, "a/Copy (2) of x.txt", none,
+        {"a/", "a/Copy (2) of x.txt=1", "a/Copy (3) of x.txt=3", "a/x.txt=1"});
+    transferRow("file move into its folder", {"a/", "a/x.txt=1"}, "item move a/x.txt -> a", {}, "a/Copy (2) of x.txt",
+        none, {"a/", "a/Copy (2) of x.txt=1"});
 
     // Folders to another folder, and onto an existing folder.
-    QTest::newRow("folder copy") << QStringList{"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/t=2", "b/"} << "item"
-                                 << "a/d"
-                                 << "b" << true << QList<int>() << "b/d" << none
-                                 << QStringList{"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/t=2", "b/", "b/d/", "b/d/f=1",
-                                        "b/d/s/", "b/d/s/t=2"};
-    QTest::newRow("folder move") << QStringList{"a/", "a/d/", "a/d/f=1", "a/d/s/", "a/d/s/t=2", "b/"} << "item"
-                                 << "a/d"
-                                 << "b" << false << QList<int>() << "b/d" << none
-                                 << QStringList{"a/", "b/", "b/d/", "b/d/f=1", "b/d/s/", "b/d/s/t=2"};
-    QTest::newRow("folder copy, replace Yes")
-        << folders << "item"
-        << "a/d"
-        << "b" << true << QList<int>{Yes} << "b/d" << QStringList{folderBox}
-        << QStringList{"a/", "a/d/", "a/d/f=new", "a/d/g=only in source", "a/d/s/", "a/d/s/t=deep", "b/", "b/d/",
-               "b/d/f=new", "b/d/g=only in source", "b/d/h=only in target", "b/d/s/", "b/d/s/t=deep"};
-    QTest::newRow("folder copy, replace No")
-        << folders << "item"
-        << "a/d"
-        << "b" << true << QList<int>{No} << "b/d" << QStringList{folderBox}
-        << QStringList{"a/", "a/d/", "a/d/f=new", "a/d/g=only in source", "a/d/s/", "a/d/s/t=deep", "b/", "b/d/",
-               "b/d/f=old", "b/d/g=only in source", "b/d/h=only in target", "b/d/s/", "b/d/s/t=deep"};
-    QTest::newRow("folder copy, replace Cancel")
-        << folders << "item"
-        << "a/d"
-        << "b" << true << QList<int>{Cancel} << "" << QStringList{folderBox} << folders;
-    QTest::newRow("folder move, replace Yes moves nothing")
-        << folders << "item"
-        << "a/d"
-        << "b" << false << QList<int>{Yes} << "b/d" << QStringList{folderBox} << folders;
-    QTest::newRow("folder move, replace No moves nothing")
-        << folders << "item"
-        << "a/d"
-        << "b" << false << QList<int>{No} << "b/d" << QStringList{folderBox} << folders;
-    QTest::newRow("folder move, replace Cancel")
-        << folders << "item"
-        << "a/d"
-        << "b" << false << QList<int>{Cancel} << "" << QStringList{folderBox} << folders;
-    QTest::newRow("folder copy, a file where the source has a folder")
-        << QStringList{"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file"} << "folder"
-        << "a/d"
-        << "b" << true << QList<int>{Yes} << "b/d" << QStringList{folderBox}
-        << QStringList{"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file", "b/d/u=2"};
-    QTest::newRow("folder onto a file of its name")
-        << QStringList{"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"} << "item"
-        << "a/d"
-        << "b" << true << QList<int>() << "b/d" << none << QStringList{"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"};
+    transferRow("folder copy", tree, "item copy a/d -> b", {}, "b/d", none,
+        tree + QStringList{"b/d/", "b/d/f=1", "b/d/s/", "b/d/s/t=2"});
+    transferRow("folder move", tree, "item move a/d -> b", {}, "b/d", none,
+        {"a/", "b/", "b/d/", "b/d/f=1", "b/d/s/", "b/d/s/t=2"});
+    transferRow("folder copy, replace Yes", folders, "item copy a/d -> b", {Yes}, "b/d", folderBox,
+        merged + QStringList{"b/d/f=new"});
+    transferRow("folder copy, replace No", folders, "item copy a/d -> b", {No}, "b/d", folderBox,
+        merged + QStringList{"b/d/f=old"});
+    transferRow("folder copy, replace Cancel", folders, "item copy a/d -> b", {Cancel}, "", folderBox, folders);
+    transferRow(
+        "folder move, replace Yes moves nothing", folders, "item move a/d -> b", {Yes}, "b/d", folderBox, folders);
+    transferRow(
+        "folder move, replace No moves nothing", folders, "item move a/d -> b", {No}, "b/d", folderBox, folders);
+    transferRow("folder move, replace Cancel", folders, "item move a/d -> b", {Cancel}, "", folderBox, folders);
+    transferRow("folder copy, a file where the source has a folder",
+        {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file"}, "folder copy a/d -> b", {Yes},
+        "b/d", folderBox, {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file", "b/d/u=2"});
+    transferRow("folder onto a file of its name", {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"}, "item copy a/d -> b", {},
+        "b/d", none, {"a/", "a/d/", "a/d/f=1", "b/", "b/d=file"});
 
     // A folder into its own parent, onto itself, into its own sub-folder.
-    QTest::newRow("folder copy into its parent")
-        << QStringList{"a/", "a/d/", "a/d/f=1"} << "item"
-        << "a/d"
-        << "a" << true << QList<int>() << "a/Copy (2) of d" << none
-        << QStringList{"a/", "a/Copy (2) of d/", "a/Copy (2) of d/f=1", "a/d/", "a/d/f=1"};
-    QTest::newRow("folder move into its parent") << QStringList{"a/", "a/d/", "a/d/f=1"} << "item"
-                                                 << "a/d"
-                                                 << "a" << false << QList<int>() << "a/Copy (2) of d" << none
-                                                 << QStringList{"a/", "a/Copy (2) of d/", "a/Copy (2) of d/f=1"};
-    QTest::newRow("folder onto itself") << QStringList{"a/", "a/d/", "a/d/f=1"} << "item"
-                                        << "a/d"
-                                        << "a/d" << true << QList<int>() << ""
-                                        << QStringList{"Error copying file or folder"}
-                                        << QStringList{"a/", "a/d/", "a/d/f=1"};
-    QTest::newRow("folder moved onto itself")
-        << QStringList{"a/", "a/f=1"} << "folder"
-        << "a"
-        << "a" << false << QList<int>() << "" << QStringList{"Error copying file or folder"}
-        << QStringList{"a/", "a/f=1"};
-    QTest::newRow("folder copy into its own sub-folder")
-        << QStringList{"a/", "a/f=1", "a/s/", "a/s/g=2"} << "item"
-        << "a"
-        << "a/s" << true << QList<int>() << "a/s/a" << none
-        << QStringList{"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/s/", "a/s/a/s/g=2", "a/s/g=2"};
-    QTest::newRow("folder copy into its own sub-folder, again")
-        << QStringList{"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/old=0"} << "item"
-        << "a"
-        << "a/s" << true << QList<int>{Yes} << "a/s/a" << QStringList{folderBox}
-        << QStringList{"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/old=0", "a/s/a/s/"};
-    QTest::newRow("folder move into its own sub-folder")
-        << QStringList{"a/", "a/f=1", "a/s/"} << "item"
-        << "a"
-        << "a/s" << false << QList<int>() << "a/s/a" << none << QStringList{"a/", "a/f=1", "a/s/"};
+    transferRow("folder copy into its parent", inParent, "item copy a/d -> a", {}, "a/Copy (2) of d", none,
+        inParent + QStringList{"a/Copy (2) of d/", "a/Copy (2) of d/f=1"});
+    transferRow("folder move into its parent", inParent, "item move a/d -> a", {}, "a/Copy (2) of d", none,
+        {"a/", "a/Copy (2) of d/", "a/Copy (2) of d/f=1"});
+    transferRow("folder onto itself", inParent, "item copy a/d -> a/d", {}, "", sameFolder, inParent);
+    transferRow("folder moved onto itself", {"a/", "a/f=1"}, "folder move a -> a", {}, "", sameFolder, {"a/", "a/f=1"});
+    transferRow("folder copy into its own sub-folder", {"a/", "a/f=1", "a/s/", "a/s/g=2"}, "item copy a -> a/s", {},
+        "a/s/a", none, {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/s/", "a/s/a/s/g=2", "a/s/g=2"});
+    transferRow("folder copy into its own sub-folder, again", {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/old=0"},
+        "item copy a -> a/s", {Yes}, "a/s/a", folderBox,
+        {"a/", "a/f=1", "a/s/", "a/s/a/", "a/s/a/f=1", "a/s/a/old=0", "a/s/a/s/"});
+    transferRow("folder move into its own sub-folder", {"a/", "a/f=1", "a/s/"}, "item move a -> a/s", {}, "a/s/a", none,
+        {"a/", "a/f=1", "a/s/"});
 
     // Links are copied and moved as links.
-    QTest::newRow("broken link copy") << QStringList{"a/", "a/dead->nowhere", "b/"} << "item"
-                                      << "a/dead"
-                                      << "b" << true << QList<int>() << "b/dead" << none
-                                      << QStringList{"a/", "a/dead->nowhere", "b/", "b/dead->nowhere"};
-    QTest::newRow("broken link move") << QStringList{"a/", "a/dead->nowhere", "b/"} << "item"
-                                      << "a/dead"
-                                      << "b" << false << QList<int>() << "b/dead" << none
-                                      << QStringList{"a/", "b/", "b/dead->nowhere"};
-    QTest::newRow("link to a folder copy")
-        << QStringList{"a/", "a/real/", "a/real/f=1", "a/ln->real", "b/"} << "item"
-        << "a/ln"
-        << "b" << true << QList<int>() << "b/ln" << none
-        << QStringList{"a/", "a/ln->real", "a/real/", "a/real/f=1", "b/", "b/ln->real"};
-    QTest::newRow("link to a folder move") << QStringList{"a/", "a/real/", "a/real/f=1", "a/ln->real", "b/"} << "item"
-                                           << "a/ln"
-                                           << "b" << false << QList<int>() << "b/ln" << none
-                                           << QStringList{"a/", "a/real/", "a/real/f=1", "b/", "b/ln->real"};
-    QTest::newRow("folder with links inside")
-        << QStringList{"a/", "a/d/", "a/d/in->../outside", "a/outside/", "a/outside/f=1", "b/"} << "item"
-        << "a/d"
-        << "b" << true << QList<int>() << "b/d" << none
-        << QStringList{
-               "a/", "a/d/", "a/d/in->../outside", "a/outside/", "a/outside/f=1", "b/", "b/d/", "b/d/in->../outside"};
+    transferRow("broken link copy", {"a/", "a/dead->nowhere", "b/"}, "item copy a/dead -> b", {}, "b/dead", none,
+        {"a/", "a/dead->nowhere", "b/", "b/dead->nowhere"});
+    transferRow("broken link move", {"a/", "a/dead->nowhere", "b/"}, "item move a/dead -> b", {}, "b/dead", none,
+        {"a/", "b/", "b/dead->nowhere"});
+    transferRow(
+        "link to a folder copy", link, "item copy a/ln -> b", {}, "b/ln", none, link + QStringList{"b/ln->real"});
+    transferRow("link to a folder move", link, "item move a/ln -> b", {}, "b/ln", none,
+        {"a/", "a/real/", "a/real/f=1", "b/", "b/ln->real"});
+    transferRow("folder with links inside", {"a/", "a/d/", "a/d/in->../outside", "a/outside/", "a/outside/f=1", "b/"},
+        "item copy a/d -> b", {}, "b/d", none,
+        {"a/", "a/d/", "a/d/in->../outside", "a/outside/", "a/outside/f=1", "b/", "b/d/", "b/d/in->../outside"});
 
     // Odd names and missing sources.
-    QTest::newRow("names with blanks, quotes and newlines")
-        << QStringList{"a/", "a/we ird \"q\" 'n\nl'/", "a/we ird \"q\" 'n\nl'/x y\nz=1", "b/"} << "item"
-        << "a/we ird \"q\" 'n\nl'"
-        << "b" << false << QList<int>() << "b/we ird \"q\" 'n\nl'" << none
-        << QStringList{"a/", "b/", "b/we ird \"q\" 'n\nl'/", "b/we ird \"q\" 'n\nl'/x y\nz=1"};
-    QTest::newRow("missing source") << QStringList{"a/", "b/"} << "item"
-                                    << "a/none"
-                                    << "b" << true << QList<int>() << "" << none << QStringList{"a/", "b/"};
+    transferRow("names with blanks, quotes and newlines", {"a/", "a/" + odd + "/", "a/" + odd + "/x y\nz=1", "b/"},
+        "item move a/" + odd + " -> b", {}, "b/" + odd, none, {"a/", "b/", "b/" + odd + "/", "b/" + odd + "/x y\nz=1"});
+    transferRow("missing source", {"a/", "b/"}, "item copy a/none -> b", {}, "", none, {"a/", "b/"});
 }
 
 void TestFileTransfer::transfers()
@@ -304,7 +194,7 @@ void TestFileTransfer::transfers()
     QVERIFY(makeTree(root(), tree));
     if (QTest::currentDataTag() == QByteArray("file copy over a read-only file"))
         QVERIFY(::chmod(KeloTest::diskPath(at("b/x.txt")).constData(), 0444) == 0);
-    ScriptedBoxes boxes(answers);
+    Boxes boxes(answers);
     QString answer;
     if (call == "item")
         answer = TransferItem(at(source), at(destination), copy);
@@ -327,7 +217,7 @@ void TestFileTransfer::replaceBoxShowsBothFiles()
     QCOMPARE(::utime(KeloTest::diskPath(at("b/x.txt")).constData(), &oldTimes), 0);
     QCOMPARE(::utime(KeloTest::diskPath(at("a/x.txt")).constData(), &newTimes), 0);
 
-    ScriptedBoxes boxes({No});
+    Boxes boxes({No});
     QCOMPARE(TransferFile(at("a/x.txt"), at("b"), true), QString());
     QCOMPARE(boxes.boxes.size(), 1);
     const QString expected = "This folder already contains a file named 'x.txt'" + CrLf + CrLf
@@ -338,55 +228,32 @@ void TestFileTransfer::replaceBoxShowsBothFiles()
     QCOMPARE(boxes.boxes[0].title, QString("Confirm File Replace"));
 }
 
-void TestFileTransfer::boxTexts_data()
-{
-    QTest::addColumn<int>("which");
-    QTest::addColumn<QString>("prompt");
-    QTest::addColumn<int>("style");
-    QTest::addColumn<QString>("title");
-
-    QTest::newRow("ConfirmFolderReplace") << 0
-                                          << "This folder already contains a folder named 'Docs'" + CrLf + CrLf
-            + "If the files in the existing folder have the same name as files in the" + CrLf
-            + "folder you are moving or copying, they will be replaced. Do you still" + CrLf
-            + "want to move or copy the folder?" + CrLf
-                                          << 51 << "Confirm Folder Replace";
-    QTest::newRow("ConfirmFolderDelete") << 1
-                                         << "Are you sure you want to remove the folder 'Docs' and" + CrLf
-            + "move all its contents to the Recycle Bin?"
-                                         << 52 << "Confirm Folder Delete";
-    QTest::newRow("ConfirmReadOnlyFolderDelete") << 2
-                                                 << "The folder 'Docs' is a read-only folder.  Are you sure you" + CrLf
-            + "want to remove it and move all its contents to the Recycle Bin?"
-                                                 << 52 << "Confirm Folder Delete";
-    QTest::newRow("ShowFolderNotAccessible")
-        << 3 << "Docs is not accessible." + CrLf + CrLf + "This folder was moved or removed." << 16
-        << "Folder Not Accessible";
-    QTest::newRow("ShowInvalidNameChars")
-        << 4 << "A file cannot contain any of the following characters:" + CrLf + "              \\ / : * ? \" < > |"
-        << 16 << "Rename";
-    QTest::newRow("ShowCopySameFolderError")
-        << 5 << "Cannot copy Docs:  The destination folder is the same as the source folder." + CrLf << 16
-        << "Error copying file or folder";
-}
-
 void TestFileTransfer::boxTexts()
 {
-    QFETCH(int, which);
-    QFETCH(QString, prompt);
-    QFETCH(int, style);
-    QFETCH(QString, title);
-
-    ScriptedBoxes boxes({MsgBoxResult::No});
+    Boxes boxes({No});
     const QString name = "Docs";
-    const int answers[] = {ConfirmFolderReplace(name), ConfirmFolderDelete(name), ConfirmReadOnlyFolderDelete(name),
-        ShowFolderNotAccessible(name), ShowInvalidNameChars(), ShowCopySameFolderError(name)};
-    QCOMPARE(answers[0], MsgBoxResult::No); // the button pressed comes back
-    QCOMPARE(boxes.boxes.size(), 6);
-    QCOMPARE(boxes.boxes[which].prompt, prompt);
-    QCOMPARE(boxes.boxes[which].style, style);
-    QCOMPARE(boxes.boxes[which].title, title);
-    QCOMPARE(prompt.count(QString(14, ' ') + "\\"), which == 4 ? 1 : 0);
+    QCOMPARE(ConfirmFolderReplace(name), No); // the button pressed comes back
+    ConfirmFolderDelete(name);
+    ConfirmReadOnlyFolderDelete(name);
+    ShowFolderNotAccessible(name);
+    ShowInvalidNameChars();
+    ShowCopySameFolderError(name);
+    QCOMPARE(boxes.titles(),
+        QStringList({"Confirm Folder Replace", "Confirm Folder Delete", "Confirm Folder Delete",
+            "Folder Not Accessible", "Rename", "Error copying file or folder"}));
+    QCOMPARE(boxes.styles(), QList<int>({51, 52, 52, 16, 16, 16}));
+    QCOMPARE(boxes.prompts(),
+        QStringList({"This folder already contains a folder named 'Docs'" + CrLf + CrLf
+                + "If the files in the existing folder have the same name as files in the" + CrLf
+                + "folder you are moving or copying, they will be replaced. Do you still" + CrLf
+                + "want to move or copy the folder?" + CrLf,
+            "Are you sure you want to remove the folder 'Docs' and" + CrLf
+                + "move all its contents to the Recycle Bin?",
+            "The folder 'Docs' is a read-only folder.  Are you sure you" + CrLf
+                + "want to remove it and move all its contents to the Recycle Bin?",
+            "Docs is not accessible." + CrLf + CrLf + "This folder was moved or removed.",
+            "A file cannot contain any of the following characters:" + CrLf + "              \\ / : * ? \" < > |",
+            "Cannot copy Docs:  The destination folder is the same as the source folder." + CrLf}));
 }
 
 void TestFileTransfer::uniqueNames()
@@ -418,7 +285,7 @@ void TestFileTransfer::uniqueNames()
 void TestFileTransfer::pasteFiles()
 {
     QVERIFY(makeTree(root(), {"a/", "a/x=1", "a/d/", "a/d/f=2", "b/"}));
-    ScriptedBoxes boxes;
+    Boxes boxes;
     // Nothing without a destination, nothing without a list.
     QVERIFY(ClipboardPutFiles({at("a/x")}));
     PasteFiles(QString(), true);

@@ -32,26 +32,23 @@ void tst_FileTypes::fileTypeText_data()
     QTest::addColumn<QString>("mimeType");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("txt") << QString("notes.txt") << QString("text/plain") << QString("plain text document");
-    QTest::newRow("upper-case extension")
-        << QString("NOTES.TXT") << QString("text/plain") << QString("plain text document");
-    QTest::newRow("png") << QString("photo.png") << QString("image/png") << QString("PNG image");
-    QTest::newRow("pdf") << QString("/home/user/report.pdf") << QString("application/pdf") << QString("PDF document");
-    QTest::newRow("c source") << QString("main.c") << QString("text/x-csrc") << QString("C source code");
-    QTest::newRow("c++ source") << QString("main.cpp") << QString("text/x-c++src") << QString("C++ source code");
-    QTest::newRow("shell script") << QString("run.sh") << QString("application/x-shellscript")
-                                  << QString("shell script");
-    QTest::newRow("program") << QString("setup.exe") << QString("application/x-ms-dos-executable")
-                             << QString("DOS/Windows executable");
-    QTest::newRow("backup") << QString("notes.txt~") << QString("application/x-trash") << QString("backup file");
+    const auto row = [](const char *name, const char *fileName, const char *mimeType, const char *text) {
+        QTest::newRow(name) << QString(fileName) << QString(mimeType) << QString(text);
+    };
+    row("txt", "notes.txt", "text/plain", "plain text document");
+    row("upper-case extension", "NOTES.TXT", "text/plain", "plain text document");
+    row("png", "photo.png", "image/png", "PNG image");
+    row("pdf", "/home/user/report.pdf", "application/pdf", "PDF document");
+    row("c source", "main.c", "text/x-csrc", "C source code");
+    row("c++ source", "main.cpp", "text/x-c++src", "C++ source code");
+    row("shell script", "run.sh", "application/x-shellscript", "shell script");
+    row("program", "setup.exe", "application/x-ms-dos-executable", "DOS/Windows executable");
+    row("backup", "notes.txt~", "application/x-trash", "backup file");
     // Only the last extension counts, the way Windows names types.
-    QTest::newRow("last extension only") << QString("archive.tar.gz") << QString("application/gzip")
-                                         << QString("Gzip archive");
-    QTest::newRow("whole name, Makefile")
-        << QString("Makefile") << QString("text/x-makefile") << QString("Makefile build file");
-    QTest::newRow("whole name, README") << QString("README") << QString("text/x-readme") << QString("README document");
-    QTest::newRow("whole name in a folder with a dot")
-        << QString("/src/project.d/Makefile") << QString("text/x-makefile") << QString("Makefile build file");
+    row("last extension only", "archive.tar.gz", "application/gzip", "Gzip archive");
+    row("whole name, Makefile", "Makefile", "text/x-makefile", "Makefile build file");
+    row("whole name, README", "README", "text/x-readme", "README document");
+    row("whole name in a folder with a dot", "/src/project.d/Makefile", "text/x-makefile", "Makefile build file");
 }
 
 void tst_FileTypes::fileTypeText()

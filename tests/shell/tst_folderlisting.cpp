@@ -18,27 +18,19 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "FileTreeFixture.h"
 #include "KeloTestSupport.h"
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
+using KeloTest::makeTree;
 using KeloTest::writeFile;
 
 namespace {
 
 QByteArray raw(const QString &path)
 {
-    return FileNameCodec::encode(path);
-}
-
-bool makeFolder(const QString &path)
-{
-    return ::mkdir(raw(path).constData(), 0755) == 0;
-}
-
-bool makeLink(const QString &target, const QString &linkPath)
-{
-    return ::symlink(raw(target).constData(), raw(linkPath).constData()) == 0;
+    return KeloTest::diskPath(path);
 }
 
 QStringList namesOf(const QList<FileEntry> &entries)
@@ -54,6 +46,24 @@ const FileEntry *findEntry(const QList<FileEntry> &entries, const QString &name)
     const auto found
         = std::find_if(entries.cbegin(), entries.cend(), [&](const FileEntry &e) { return e.name == name; });
     return found == entries.cend() ? nullptr : &*found;
+}
+
+/// The entries as "name: Attribute|..." texts, folders first, each in listing order.
+QStringList described(const FolderContents &contents)
+{
+    using namespace FileAttribute;
+    const std::pair<int, const char *> bits[] = {{ReadOnly, "ReadOnly"}, {Hidden, "Hidden"}, {System, "System"},
+        {Directory, "Directory"}, {Archive, "Archive"}, {Alias, "Alias"}};
+    QStringList texts;
+    for (const FileEntry &entry : contents.folders + contents.files) {
+        QStringList names;
+        for (const auto &[bit, name] : bits) {
+            if (entry.attributes & bit)
+                names << name;
+        }
+        texts << entry.name + ": " + names.join('|');
+    }
+    return texts;
 }
 
 /// The order the listing promises, computed the slow, obvious way.
@@ -117,12 +127,8 @@ private Q_SLOTS:
     void invalidUtf8Names();
     void entryAndExistence();
     void fileCount();
-    void extensionName_data();
-    void extensionName();
-    void parentFolderName_data();
-    void parentFolderName();
-    void buildPath_data();
-    void buildPath();
+    void pathTexts_data();
+    void pathTexts();
 };
 
 void tst_FolderListing::orderWithoutCase()
@@ -133,8 +139,7 @@ void tst_FolderListing::orderWithoutCase()
         "document_long_name_2", "Document_Long_Name_10", "document_long_name_1", "file9", "file10", "a_b", "a.b"};
     for (const QString &name : files)
         QVERIFY(writeFile(dir.filePath(name), QByteArray()));
-    for (const char *name : {"zeta", "Alpha", "beta", "BETA2"})
-        QVERIFY(makeFolder(dir.filePath(name)));
+    QVERIFY(makeTree(dir.path(), {"zeta/", "Alpha/", "beta/", "BETA2/"}));
 
     const FolderContents contents = FileSystem::instance().listFolder(dir.path());
     QCOMPARE(contents.path, dir.path());
@@ -176,11 +181,7 @@ void tst_FolderListing::sizesAndDates()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeFile(dir.filePath("empty"), QByteArray()));
-    QVERIFY(writeFile(dir.filePath("one"), QByteArray("x")));
-    QVERIFY(writeFile(dir.filePath("kilo"), QByteArray(1025, 'k')));
-    QVERIFY(makeFolder(dir.filePath("sub")));
-    QVERIFY(writeFile(dir.filePath("sub/inside"), QByteArray(5000, 'i')));
+    QVERIFY(makeTree(dir.path(), {"empty=", "one=x", "kilo=" + QString(1025, 'k'), "sub/", "sub/inside=inside"}));
     const qint64 before = QDateTime::currentMSecsSinceEpoch();
     QVERIFY(setTimes(dir.filePath("one"), accessedMs, modifiedMs));
     QVERIFY(setTimes(dir.filePath("sub"), accessedMs, modifiedMs));
@@ -233,45 +234,20 @@ void tst_FolderListing::attributes()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeFile(dir.filePath("plain.txt"), "plain"));
-    QVERIFY(writeFile(dir.filePath(".dotfile"), "dot"));
-    QVERIFY(writeFile(dir.filePath("locked.txt"), "locked"));
-    QVERIFY(writeFile(dir.filePath("unlocked.txt"), "unlocked"));
+    QVERIFY(makeTree(dir.path(),
+        {"plain.txt=plain", ".dotfile=dot", "locked.txt=locked", "unlocked.txt=unlocked", "folder/", ".dotfolder/",
+            "link to folder->folder", "link to file->plain.txt", "broken link->gone", "loop->loop"}));
     QVERIFY(::chmod(raw(dir.filePath("locked.txt")).constData(), 0444) == 0);
     QVERIFY(::chmod(raw(dir.filePath("unlocked.txt")).constData(), 0444) == 0);
     QVERIFY(::chmod(raw(dir.filePath("unlocked.txt")).constData(), 0644) == 0);
     QVERIFY(::mkfifo(raw(dir.filePath("pipe")).constData(), 0644) == 0);
-    QVERIFY(makeFolder(dir.filePath("folder")));
-    QVERIFY(makeFolder(dir.filePath(".dotfolder")));
-    QVERIFY(makeLink(dir.filePath("folder"), dir.filePath("link to folder")));
-    QVERIFY(makeLink("plain.txt", dir.filePath("link to file")));
-    QVERIFY(makeLink(dir.filePath("gone"), dir.filePath("broken link")));
-    QVERIFY(makeLink("loop", dir.filePath("loop")));
 
     const FolderContents contents = FileSystem::instance().listFolder(dir.path());
-    QCOMPARE(namesOf(contents.folders), QStringList({".dotfolder", "folder", "link to folder"}));
-    QCOMPARE(namesOf(contents.files),
-        QStringList(
-            {".dotfile", "broken link", "link to file", "locked.txt", "loop", "pipe", "plain.txt", "unlocked.txt"}));
-
-    using namespace FileAttribute;
-    const auto attributesOf = [&](const QString &name) {
-        const FileEntry *entry = findEntry(contents.files, name);
-        if (!entry)
-            entry = findEntry(contents.folders, name);
-        return entry ? entry->attributes : -1;
-    };
-    QCOMPARE(attributesOf("plain.txt"), Archive);
-    QCOMPARE(attributesOf(".dotfile"), Archive | Hidden);
-    QCOMPARE(attributesOf("locked.txt"), Archive | ReadOnly);
-    QCOMPARE(attributesOf("unlocked.txt"), Archive);
-    QCOMPARE(attributesOf("pipe"), System);
-    QCOMPARE(attributesOf("folder"), Directory);
-    QCOMPARE(attributesOf(".dotfolder"), Directory | Hidden);
-    QCOMPARE(attributesOf("link to folder"), Directory | Alias);
-    QCOMPARE(attributesOf("link to file"), Archive | Alias);
-    QCOMPARE(attributesOf("broken link"), System | Alias);
-    QCOMPARE(attributesOf("loop"), System | Alias);
+    QCOMPARE(described(contents),
+        QStringList({".dotfolder: Hidden|Directory", "folder: Directory", "link to folder: Directory|Alias",
+            ".dotfile: Hidden|Archive", "broken link: System|Alias", "link to file: Archive|Alias",
+            "locked.txt: ReadOnly|Archive", "loop: System|Alias", "pipe: System", "plain.txt: Archive",
+            "unlocked.txt: Archive"}));
     // A link is described by its target.
     QCOMPARE(findEntry(contents.files, "link to file")->size, 5);
     QCOMPARE(findEntry(contents.folders, "link to folder")->size, 0);
@@ -281,34 +257,24 @@ void tst_FolderListing::attributes()
     // Devices are system files too.
     const std::optional<FileEntry> null = FileSystem::instance().entry("/dev/null");
     QVERIFY(null);
-    QCOMPARE(null->attributes & (System | Directory | Archive), System);
+    QCOMPARE(null->attributes & (FileAttribute::System | FileAttribute::Directory | FileAttribute::Archive),
+        FileAttribute::System);
 }
 
 void tst_FolderListing::hiddenListFile()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    for (const char *name : {"listed.txt", "blanks.txt", "tab.txt", "listed", "other.txt", "crlf.txt"})
-        QVERIFY(writeFile(dir.filePath(name), "x"));
-    QVERIFY(makeFolder(dir.filePath("listed folder")));
+    QVERIFY(makeTree(dir.path(),
+        {"listed.txt=x", "blanks.txt=x", "tab.txt=x", "listed=x", "other.txt=x", "crlf.txt=x", "listed folder/"}));
     QVERIFY(writeFile(dir.filePath(".hidden"),
         "listed.txt\nblanks.txt   \ntab.txt\t\n\n\r\nlisted folder\r\ncrlf.txt\r\nnot there\nlisted.txt"));
 
-    const FolderContents contents = FileSystem::instance().listFolder(dir.path());
-    const auto isHidden = [&](const QString &name) {
-        const FileEntry *entry = findEntry(contents.files, name);
-        if (!entry)
-            entry = findEntry(contents.folders, name);
-        return entry && (entry->attributes & FileAttribute::Hidden);
-    };
-    QVERIFY(isHidden("listed.txt"));
-    QVERIFY(isHidden("blanks.txt"));
-    QVERIFY(isHidden("tab.txt"));
-    QVERIFY(isHidden("crlf.txt"));
-    QVERIFY(isHidden("listed folder"));
-    QVERIFY(isHidden(".hidden"));
-    QVERIFY(!isHidden("listed")); // a prefix of a listed name is not listed
-    QVERIFY(!isHidden("other.txt"));
+    // Listed names are hidden, whatever blanks, tabs or CR follow them; a prefix of a listed name is not listed.
+    QCOMPARE(described(FileSystem::instance().listFolder(dir.path())),
+        QStringList({"listed folder: Hidden|Directory", ".hidden: Hidden|Archive", "blanks.txt: Hidden|Archive",
+            "crlf.txt: Hidden|Archive", "listed: Archive", "listed.txt: Hidden|Archive", "other.txt: Archive",
+            "tab.txt: Hidden|Archive"}));
 
     // entry() consults the same list in the entry's folder.
     QVERIFY(FileSystem::instance().entry(dir.filePath("crlf.txt"))->attributes & FileAttribute::Hidden);
@@ -337,7 +303,7 @@ void tst_FolderListing::pseudoFileSystemMountsAreSystem()
     // A link to a pseudo mount leads to it.
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(makeLink("/proc", dir.filePath("to proc")));
+    QVERIFY(makeTree(dir.path(), {"to proc->/proc"}));
     const FolderContents withLink = FileSystem::instance().listFolder(dir.path());
     const FileEntry *link = findEntry(withLink.folders, "to proc");
     QVERIFY(link);
@@ -357,7 +323,7 @@ void tst_FolderListing::errors()
     QCOMPARE(errorNumberOf([&] { fileSystem.listFolder(QString()); }), ErrorNumber::PathNotFound);
     QCOMPARE(errorNumberOf([&] { fileSystem.listFolder(dir.path()); }), 0);
 
-    QVERIFY(makeFolder(dir.filePath("empty")));
+    QVERIFY(makeTree(dir.path(), {"empty/"}));
     const FolderContents empty = fileSystem.listFolder(dir.filePath("empty"));
     QVERIFY(empty.folders.isEmpty() && empty.files.isEmpty());
 }
@@ -367,12 +333,9 @@ void tst_FolderListing::unreadableFolder()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     QVERIFY(::chmod(raw(dir.path()).constData(), 0755) == 0);
-    QVERIFY(makeFolder(dir.filePath("closed")));
-    QVERIFY(writeFile(dir.filePath("closed/secret"), "s"));
+    QVERIFY(makeTree(dir.path(), {"closed/", "closed/secret=s", "names only/", "names only/secret=s"}));
     QVERIFY(::chmod(raw(dir.filePath("closed")).constData(), 0000) == 0);
     // Names can be read, but not looked up.
-    QVERIFY(makeFolder(dir.filePath("names only")));
-    QVERIFY(writeFile(dir.filePath("names only/secret"), "s"));
     QVERIFY(::chmod(raw(dir.filePath("names only")).constData(), 0444) == 0);
 
     const FileSystem &fileSystem = FileSystem::instance();
@@ -460,11 +423,8 @@ void tst_FolderListing::entryAndExistence()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(writeFile(dir.filePath("file.txt"), "12345"));
-    QVERIFY(makeFolder(dir.filePath("folder")));
-    QVERIFY(makeLink(dir.filePath("folder"), dir.filePath("folder link")));
-    QVERIFY(makeLink(dir.filePath("file.txt"), dir.filePath("file link")));
-    QVERIFY(makeLink(dir.filePath("nowhere"), dir.filePath("broken")));
+    QVERIFY(makeTree(
+        dir.path(), {"file.txt=12345", "folder/", "folder link->folder", "file link->file.txt", "broken->nowhere"}));
     const FileSystem &fileSystem = FileSystem::instance();
 
     const std::optional<FileEntry> file = fileSystem.entry(dir.filePath("file.txt"));
@@ -501,34 +461,27 @@ void tst_FolderListing::entryAndExistence()
     QVERIFY(relative && relative->size == 5);
     QVERIFY(relativeExists);
 
-    QVERIFY(fileSystem.fileExists(dir.filePath("file.txt")));
-    QVERIFY(fileSystem.fileExists(dir.filePath("file link")));
-    QVERIFY(fileSystem.fileExists(dir.filePath("broken")));
-    QVERIFY(!fileSystem.fileExists(dir.filePath("folder")));
-    QVERIFY(!fileSystem.fileExists(dir.filePath("folder link")));
-    QVERIFY(!fileSystem.fileExists(dir.filePath("missing")));
-    QVERIFY(!fileSystem.fileExists(QString()));
-    QVERIFY(fileSystem.folderExists(dir.filePath("folder")));
-    QVERIFY(fileSystem.folderExists(dir.filePath("folder link")));
+    // Which names are files (links by what they lead to, a broken link a file) and which are folders.
+    QStringList files, folders;
+    for (const QString &name : {"file.txt", "file link", "broken", "folder", "folder link", "missing", ""}) {
+        const QString path = name.isEmpty() ? QString() : dir.filePath(name);
+        if (fileSystem.fileExists(path))
+            files << name;
+        if (fileSystem.folderExists(path))
+            folders << name;
+    }
+    QCOMPARE(files, QStringList({"file.txt", "file link", "broken"}));
+    QCOMPARE(folders, QStringList({"folder", "folder link"}));
     QVERIFY(fileSystem.folderExists("/"));
-    QVERIFY(!fileSystem.folderExists(dir.filePath("file.txt")));
-    QVERIFY(!fileSystem.folderExists(dir.filePath("broken")));
-    QVERIFY(!fileSystem.folderExists(dir.filePath("missing")));
-    QVERIFY(!fileSystem.folderExists(QString()));
 }
 
 void tst_FolderListing::fileCount()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    for (const char *name : {"a", "b", ".c"})
-        QVERIFY(writeFile(dir.filePath(name), "x"));
-    QVERIFY(makeFolder(dir.filePath("sub1")));
-    QVERIFY(makeFolder(dir.filePath("sub2")));
-    QVERIFY(writeFile(dir.filePath("sub1/deeper"), "not counted"));
-    QVERIFY(makeLink(dir.filePath("sub1"), dir.filePath("folder link")));
-    QVERIFY(makeLink(dir.filePath("a"), dir.filePath("file link")));
-    QVERIFY(makeLink(dir.filePath("gone"), dir.filePath("broken")));
+    QVERIFY(makeTree(dir.path(),
+        {"a=x", "b=x", ".c=x", "sub1/", "sub2/", "sub1/deeper=not counted", "folder link->sub1", "file link->a",
+            "broken->gone"}));
     QVERIFY(::mkfifo(raw(dir.filePath("pipe")).constData(), 0644) == 0);
 
     const FileSystem &fileSystem = FileSystem::instance();
@@ -542,70 +495,56 @@ void tst_FolderListing::fileCount()
     QCOMPARE(fileSystem.fileCount(QString()), 0);
 }
 
-void tst_FolderListing::extensionName_data()
+void tst_FolderListing::pathTexts_data()
 {
+    QTest::addColumn<QString>("function");
     QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("name"); // buildPath only
     QTest::addColumn<QString>("expected");
-    QTest::newRow("two dots") << QString("a.tar.gz") << QString("gz");
-    QTest::newRow("none") << QString("README") << QString("");
-    QTest::newRow("dot file") << QString(".bashrc") << QString("bashrc");
-    QTest::newRow("trailing dot") << QString("x.") << QString("");
-    QTest::newRow("full path") << QString("/home/user/Report.PDF") << QString("PDF");
-    QTest::newRow("dot only in a folder") << QString("/home/user.d/Makefile") << QString("");
-    QTest::newRow("trailing slash") << QString("/srv/site.old/") << QString("old");
-    QTest::newRow("dot dot") << QString("..") << QString("");
-    QTest::newRow("empty") << QString("") << QString("");
-    QTest::newRow("blank extension") << QString("notes. txt") << QString(" txt");
+    const auto row
+        = [](const char *function, const char *tag, const char *path, const char *name, const char *expected) {
+              QTest::addRow("%s: %s", function, tag)
+                  << QString(function) << QString(path) << QString(name) << QString(expected);
+          };
+    row("extensionName", "two dots", "a.tar.gz", "", "gz");
+    row("extensionName", "none", "README", "", "");
+    row("extensionName", "dot file", ".bashrc", "", "bashrc");
+    row("extensionName", "trailing dot", "x.", "", "");
+    row("extensionName", "full path", "/home/user/Report.PDF", "", "PDF");
+    row("extensionName", "dot only in a folder", "/home/user.d/Makefile", "", "");
+    row("extensionName", "trailing slash", "/srv/site.old/", "", "old");
+    row("extensionName", "dot dot", "..", "", "");
+    row("extensionName", "empty", "", "", "");
+    row("extensionName", "blank extension", "notes. txt", "", " txt");
+    row("parentFolderName", "file", "/home/user/a.txt", "", "/home/user");
+    row("parentFolderName", "trailing slash", "/home/user/", "", "/home");
+    row("parentFolderName", "top level", "/home", "", "/");
+    row("parentFolderName", "root", "/", "", "");
+    row("parentFolderName", "empty", "", "", "");
+    row("parentFolderName", "doubled slashes", "/home//user///a.txt", "", "/home/user");
+    row("parentFolderName", "dot dot", "/home/user/../other/x", "", "/home/other");
+    row("parentFolderName", "relative", "docs/a.txt", "", "docs");
+    row("parentFolderName", "bare name", "a.txt", "", "");
+    row("buildPath", "plain", "/home/user", "a.txt", "/home/user/a.txt");
+    row("buildPath", "folder with slash", "/home/user/", "a.txt", "/home/user/a.txt");
+    row("buildPath", "name with slash", "/home/user", "/a.txt", "/home/user/a.txt");
+    row("buildPath", "both", "/home/user//", "//a.txt", "/home/user/a.txt");
+    row("buildPath", "root", "/", "etc", "/etc");
+    row("buildPath", "empty folder", "", "a.txt", "a.txt");
+    row("buildPath", "empty name", "/home", "", "/home");
+    row("buildPath", "nested name", "/home", "user/a.txt", "/home/user/a.txt");
+    row("buildPath", "relative", "docs", "a.txt", "docs/a.txt");
 }
 
-void tst_FolderListing::extensionName()
+void tst_FolderListing::pathTexts()
 {
+    QFETCH(QString, function);
     QFETCH(QString, path);
-    QTEST(FileSystem::extensionName(path), "expected");
-}
-
-void tst_FolderListing::parentFolderName_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("file") << QString("/home/user/a.txt") << QString("/home/user");
-    QTest::newRow("trailing slash") << QString("/home/user/") << QString("/home");
-    QTest::newRow("top level") << QString("/home") << QString("/");
-    QTest::newRow("root") << QString("/") << QString("");
-    QTest::newRow("empty") << QString("") << QString("");
-    QTest::newRow("doubled slashes") << QString("/home//user///a.txt") << QString("/home/user");
-    QTest::newRow("dot dot") << QString("/home/user/../other/x") << QString("/home/other");
-    QTest::newRow("relative") << QString("docs/a.txt") << QString("docs");
-    QTest::newRow("bare name") << QString("a.txt") << QString("");
-}
-
-void tst_FolderListing::parentFolderName()
-{
-    QFETCH(QString, path);
-    QTEST(FileSystem::parentFolderName(path), "expected");
-}
-
-void tst_FolderListing::buildPath_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("plain") << QString("/home/user") << QString("a.txt") << QString("/home/user/a.txt");
-    QTest::newRow("folder with slash") << QString("/home/user/") << QString("a.txt") << QString("/home/user/a.txt");
-    QTest::newRow("name with slash") << QString("/home/user") << QString("/a.txt") << QString("/home/user/a.txt");
-    QTest::newRow("both") << QString("/home/user//") << QString("//a.txt") << QString("/home/user/a.txt");
-    QTest::newRow("root") << QString("/") << QString("etc") << QString("/etc");
-    QTest::newRow("empty folder") << QString("") << QString("a.txt") << QString("a.txt");
-    QTest::newRow("empty name") << QString("/home") << QString("") << QString("/home");
-    QTest::newRow("nested name") << QString("/home") << QString("user/a.txt") << QString("/home/user/a.txt");
-    QTest::newRow("relative") << QString("docs") << QString("a.txt") << QString("docs/a.txt");
-}
-
-void tst_FolderListing::buildPath()
-{
-    QFETCH(QString, folder);
     QFETCH(QString, name);
-    QTEST(FileSystem::buildPath(folder, name), "expected");
+    const QString actual = function == "extensionName" ? FileSystem::extensionName(path)
+        : function == "parentFolderName"               ? FileSystem::parentFolderName(path)
+                                                       : FileSystem::buildPath(path, name);
+    QTEST(actual, "expected");
 }
 
 QTEST_GUILESS_MAIN(tst_FolderListing)
