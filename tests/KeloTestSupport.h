@@ -207,6 +207,13 @@ public:
         return result;
     }
 
+    /// Each box as "<style>|<prompt>|<title>", in the order shown.
+    QStringList calls() const
+    {
+        return collect(
+            [](const Box &box) { return QString::number(box.style) + u'|' + box.prompt + u'|' + box.title; });
+    }
+
     QList<Box> boxes;
 
 private:

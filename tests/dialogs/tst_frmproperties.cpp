@@ -8,7 +8,6 @@
 #include "frmProperties.h"
 
 #include "KeloTestSupport.h"
-#include "controls/ControlTestSupport.h"
 #include "shell/FileTreeFixture.h"
 
 #include <QApplication>
@@ -399,7 +398,7 @@ void tst_frmProperties::apply()
     showAndPlay(item, {readOnly, hidden, presses});
     QTEST(int(modeOf(item)), "expectedMode");
     QTEST(readFile(list), "expectedList");
-    QCOMPARE(boxes.calls, QStringList());
+    QCOMPARE(boxes.calls(), QStringList());
     QCOMPARE(readFile(item), QByteArray(3, '\0'));
     if (readFile(list) == hiddenList && hiddenList != "<none>") {
         QCOMPARE(QFileInfo(list).lastModified().toMSecsSinceEpoch(), listModified);
@@ -420,14 +419,14 @@ void tst_frmProperties::missingPath()
     const QString missing = path(QStringLiteral("gone/nowhere.txt"));
     const Shown shown = showAndPlay(dialog, missing);
     QVERIFY(!shown.opened);
-    QCOMPARE(boxes.calls, QStringList{QStringLiteral("64|Can not find '") + missing + QStringLiteral("'|")});
+    QCOMPARE(boxes.calls(), QStringList{QStringLiteral("64|Can not find '") + missing + QStringLiteral("'|")});
     // Cleared before the existence test.
     QCOMPARE(valuesOf(dialog), QStringList(7, QString()));
     QVERIFY(!box(dialog, 0)->isChecked() && !box(dialog, 1)->isChecked());
 
-    boxes.calls.clear();
+    boxes.boxes.clear();
     ShowFileProperties(QString());
-    QCOMPARE(boxes.calls, QStringList{QStringLiteral("64|Can not find ''|")});
+    QCOMPARE(boxes.calls(), QStringList{QStringLiteral("64|Can not find ''|")});
 }
 
 void tst_frmProperties::oddNames_data()
@@ -461,7 +460,7 @@ void tst_frmProperties::oddNames()
     QCOMPARE(shown.values.at(3), QStringLiteral("1KB (2 bytes)"));
     // Read-only is written first, so it holds even when the name cannot be hidden.
     QCOMPARE(int(modeOf(item)), 0444);
-    QCOMPARE(boxes.calls, box.isEmpty() ? QStringList() : QStringList{box});
+    QCOMPARE(boxes.calls(), box.isEmpty() ? QStringList() : QStringList{box});
     QTEST(readFile(path(QStringLiteral(".hidden"))), "expectedList");
 }
 

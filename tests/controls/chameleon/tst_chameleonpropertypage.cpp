@@ -5,7 +5,6 @@
 #include "SettingsStore.h"
 
 #include "KeloTestSupport.h"
-#include "controls/ControlTestSupport.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
@@ -392,7 +391,7 @@ void TestChameleonPropertyPage::getThemeReloadsOrReports()
 
     name->setText(QStringLiteral("Dusk"));
     getTheme->click();
-    QVERIFY(boxes.calls.isEmpty());
+    QVERIFY(boxes.calls().isEmpty());
     QCOMPARE(chameleon.ThemeName(), QStringLiteral("Dusk"));
     QCOMPARE(chameleon.Interval(), 2000);
     QVERIFY(shown(page).startsWith(QStringLiteral("90|180|10|2000|Dusk|")));
@@ -401,7 +400,7 @@ void TestChameleonPropertyPage::getThemeReloadsOrReports()
     // An empty name looks for the default theme, and the page shows that name.
     name->clear();
     getTheme->click();
-    QVERIFY(boxes.calls.isEmpty());
+    QVERIFY(boxes.calls().isEmpty());
     QCOMPARE(name->text(), QStringLiteral("DefaultTheme"));
     QCOMPARE(slider(page, "Interval")->value(), 700);
 
@@ -411,7 +410,7 @@ void TestChameleonPropertyPage::getThemeReloadsOrReports()
     QSignalSpy missing(&chameleon, &Kelochameleon::ThemeMissing);
     getTheme->click();
     QCOMPARE(missing.count(), 1);
-    QCOMPARE(boxes.calls, QStringList{"0|Error - Theme 'Nowhere' does not exist.|"});
+    QCOMPARE(boxes.calls(), QStringList{"0|Error - Theme 'Nowhere' does not exist.|"});
     QVERIFY(shown(page).startsWith(QStringLiteral("90|180|33|700|Nowhere|")));
     QVERIFY(page.changed());
 
@@ -421,7 +420,7 @@ void TestChameleonPropertyPage::getThemeReloadsOrReports()
     page.setSelectedControls({&other});
     name->clear();
     getTheme->click();
-    QCOMPARE(boxes.calls.value(1), QStringLiteral("0|Error - Theme 'DefaultTheme' does not exist.|"));
+    QCOMPARE(boxes.calls().value(1), QStringLiteral("0|Error - Theme 'DefaultTheme' does not exist.|"));
     QCOMPARE(name->text(), QString());
 
     // On a recorder: the name is written, then GetTheme is called.
@@ -431,7 +430,7 @@ void TestChameleonPropertyPage::getThemeReloadsOrReports()
     name->setText(QStringLiteral("Rec"));
     page.Commands_Click(ChameleonPropertyPage::GetThemeCommand);
     QCOMPARE(control.log, (QStringList{"ThemeName=Rec", "GetTheme()"}));
-    QCOMPARE(boxes.calls.value(2), QStringLiteral("0|Error - Theme 'Rec' does not exist.|"));
+    QCOMPARE(boxes.calls().value(2), QStringLiteral("0|Error - Theme 'Rec' does not exist.|"));
 }
 
 void TestChameleonPropertyPage::saveThemeAppliesThenSaves()
@@ -566,7 +565,7 @@ void TestChameleonPropertyPage::missingMembersAndErrors()
     page.setSelectedControls({&control});
     QCOMPARE(click(ChameleonPropertyPage::GetThemeCommand), 13);
     page.Commands(ChameleonPropertyPage::GetThemeCommand)->click();
-    QCOMPARE(boxes.calls, QStringList{"16|Run-time error '13':\r\n\r\nType mismatch|"});
+    QCOMPARE(boxes.calls(), QStringList{"16|Run-time error '13':\r\n\r\nType mismatch|"});
 
     // Dynamic properties serve as well; missing methods are reported.
     QObject dynamic;
@@ -586,7 +585,7 @@ void TestChameleonPropertyPage::missingMembersAndErrors()
     page.setSelectedControls({});
     page.Commands(0)->click();
     page.Commands(1)->click();
-    QCOMPARE(boxes.calls.size(), 1);
+    QCOMPARE(boxes.calls().size(), 1);
 }
 
 void TestChameleonPropertyPage::rendersCleanly()

@@ -1,5 +1,4 @@
 #include "KeloTestSupport.h"
-#include "controls/ControlTestSupport.h"
 #include "shell/XdgTestSandbox.h"
 
 #include <Kelocontrols/CommonFile.h>
@@ -577,7 +576,7 @@ void TestKelofileView::undecodableNamesStayReachable()
 
     KeloTest::MsgBoxRecorder boxes;
     OpenWithAssociatedApp(listedPath, &view, false);
-    QCOMPARE(boxes.calls, QStringList());
+    QCOMPARE(boxes.calls(), QStringList());
     QCOMPARE(sandbox.waitForArguments(QStringLiteral("kelo-viewer")), QList<QByteArray>{raw});
 }
 
