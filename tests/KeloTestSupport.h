@@ -210,8 +210,9 @@ public:
     /// Each box as "<style>|<prompt>|<title>", in the order shown.
     QStringList calls() const
     {
-        return collect(
-            [](const Box &box) { return QString::number(box.style) + u'|' + box.prompt + u'|' + box.title; });
+        return collect([](const Box &box) -> QString {
+            return QString::number(box.style) + u'|' + box.prompt + u'|' + box.title;
+        });
     }
 
     QList<Box> boxes;
