@@ -31,6 +31,9 @@
  * moc sees through these macros: it preprocesses the header with the
  * target's include path, so the expanded Q_PROPERTY, Q_CLASSINFO and signal
  * declarations reach the meta-object exactly as if they were written out.
+ * The control's header must include this one itself. (moc does not go as
+ * far as finding a Q_OBJECT or Q_GADGET class that a macro declares, which
+ * is why KeloEnums.h writes its classes out.)
  *
  * \code
  * class KeloExample : public Kelocontrols::ControlBase
