@@ -1,9 +1,19 @@
 #include "InterfaceDescription.h"
 #include "KeloEnums.h"
+#include "Kelochameleon.h"
+#include "KelofileView.h"
+#include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QMap>
+#include <QMetaProperty>
+#include <QPixmap>
+#include <QRegularExpression>
 #include <QTest>
+
+#include <memory>
 
 using namespace Kelocontrols;
 
@@ -53,6 +63,59 @@ QPair<QString, QString> memberLine(const QStringList &lines, const QString &name
     return {};
 }
 
+/// The "Default:" text of each property documented in a public header: the
+/// `///` comment right above its Q_PROPERTY (or KELO_CLASSIC_PROPERTY) line,
+/// from "Default: " to the end of that line, without a closing "." or a
+/// remark in brackets ("Default: 0x8000000F (button face)." gives "0x8000000F").
+QMap<QString, QString> documentedDefaults(const QString &headerPath)
+{
+    QFile file(headerPath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        return {};
+    }
+    static const QRegularExpression documented(
+        QStringLiteral(
+            R"(((?:^[ \t]*///[^\n]*\n)+)[ \t]*(?:Q_PROPERTY\(\s*[\w:]+\s+(\w+)\s+READ|KELO_CLASSIC_PROPERTY\((\w+)\)))"),
+        QRegularExpression::MultilineOption);
+    static const QRegularExpression defaultText(
+        QStringLiteral(R"(Default: (.*?)(?: \([^()]*\))?\.?$)"), QRegularExpression::MultilineOption);
+    const QString text = QString::fromUtf8(file.readAll());
+    QMap<QString, QString> defaults;
+    for (auto it = documented.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        const QString name = match.captured(2).isEmpty() ? match.captured(3) : match.captured(2);
+        const QRegularExpressionMatch value = defaultText.match(match.captured(1));
+        if (value.hasMatch()) {
+            defaults.insert(name, value.captured(1));
+        }
+    }
+    return defaults;
+}
+
+/// A default as its documentation writes it: colours in hex, enumerations by
+/// member name, texts quoted, numbers in their shortest form, the ambient
+/// font and an empty picture in words.
+QString documentedForm(const QVariant &value, const QMetaProperty &property)
+{
+    if (property.isEnumType()) {
+        return QString::fromLatin1(property.enumerator().valueToKey(value.toInt()));
+    }
+    switch (property.metaType().id()) {
+    case QMetaType::UInt:
+        return QStringLiteral("0x") + QString::number(value.toUInt(), 16).toUpper().rightJustified(8, QLatin1Char('0'));
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    case QMetaType::QString:
+        return QLatin1Char('"') + value.toString() + QLatin1Char('"');
+    case QMetaType::QFont:
+        return QStringLiteral("the container's font");
+    case QMetaType::QPixmap:
+        return value.value<QPixmap>().isNull() ? QStringLiteral("none") : QStringLiteral("a picture");
+    default:
+        return QString::number(value.toDouble());
+    }
+}
+
 } // namespace
 
 /// A class outside the controls: no property table, a method taking one of
@@ -89,6 +152,8 @@ private Q_SLOTS:
     void listsMethodsAndEvents();
     void listsEnumerationsInUse();
     void describesOtherObjects();
+    void headersDocumentDefaults_data();
+    void headersDocumentDefaults();
 };
 
 void tst_InterfaceDescription::describesClass()
@@ -266,6 +331,45 @@ void tst_InterfaceDescription::describesOtherObjects()
     QVERIFY(qtDescription.startsWith(QLatin1String("QObject\n")));
     QCOMPARE(section(qtDescription, u"Properties:"_qs), QStringList{u"  QString objectName = \"\""_qs});
     QVERIFY(!qtDescription.contains(QLatin1String("Enumerations:")));
+}
+
+void tst_InterfaceDescription::headersDocumentDefaults_data()
+{
+    QTest::addColumn<QString>("header");
+    QTest::newRow("KeloscoreCard") << QStringLiteral("controls/scorecard/KeloscoreCard.h");
+    QTest::newRow("KelolistBox") << QStringLiteral("controls/listbox/KelolistBox.h");
+    QTest::newRow("KelofileView") << QStringLiteral("controls/fileview/KelofileView.h");
+    QTest::newRow("Kelochameleon") << QStringLiteral("controls/chameleon/Kelochameleon.h");
+}
+
+// The property table holds each default; the public header tells it to the
+// reader. Every saved property is documented there with the table's value.
+void tst_InterfaceDescription::headersDocumentDefaults()
+{
+    QFETCH(QString, header);
+    const QByteArray className = QTest::currentDataTag();
+    std::unique_ptr<Kelocontrols::ControlBase> control;
+    if (className == "KeloscoreCard") {
+        control = std::make_unique<KeloscoreCard>();
+    } else if (className == "KelolistBox") {
+        control = std::make_unique<KelolistBox>();
+    } else if (className == "KelofileView") {
+        control = std::make_unique<KelofileView>();
+    } else {
+        control = std::make_unique<Kelochameleon>();
+    }
+    const QMap<QString, QString> documented = documentedDefaults(QStringLiteral(KELO_SOURCE_DIR "/src/") + header);
+    QVERIFY2(!documented.isEmpty(), qPrintable(header));
+
+    const Kelocontrols::PropertyTableBase &table = control->propertyTable();
+    const QMetaObject *meta = control->metaObject();
+    for (const QString &name : table.writeOrder()) {
+        const QMetaProperty property = meta->property(meta->indexOfProperty(name.toLatin1().constData()));
+        QVERIFY2(property.isValid(), qPrintable(name));
+        QVERIFY2(documented.contains(name), qPrintable(name + QStringLiteral(" has no \"Default:\" in ") + header));
+        QCOMPARE(documented.value(name) + QStringLiteral("  <- ") + name,
+            documentedForm(table.defaultValue(*control, name), property) + QStringLiteral("  <- ") + name);
+    }
 }
 
 QTEST_MAIN(tst_InterfaceDescription)

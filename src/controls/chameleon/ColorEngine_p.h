@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 #include <QtGlobal>
@@ -30,7 +32,7 @@ struct ColorRange
  * The engine also counts the time between two colour steps: tick() adds one
  * timer period and says when the interval has run out.
  */
-class ColorEngine
+class KELOCONTROLS_TESTS_EXPORT ColorEngine
 {
 public:
     /// One channel: its exact value and its signed step.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 #include <QFont>
@@ -80,31 +82,31 @@ constexpr OleColor ButtonFace = 0x8000000Fu;
 inline constexpr char InternalMarker[] = "_kelo_internal";
 
 /// The controls of `form`, nested ones included, depth first in creation order (see above); empty for no form.
-QList<QObject *> parentControls(const QWidget *form);
+KELOCONTROLS_TESTS_EXPORT QList<QObject *> parentControls(const QWidget *form);
 
 /// Keeps `object` out of its parent's controls.
-void markInternal(QObject *object);
+KELOCONTROLS_TESTS_EXPORT void markInternal(QObject *object);
 
 /// Whether `object` is one of the helpers that parentControls() leaves out.
-bool isInternal(const QObject *object);
+KELOCONTROLS_TESTS_EXPORT bool isInternal(const QObject *object);
 
 /// The name of a control: its objectName.
-QString nameOf(const QObject *control);
+KELOCONTROLS_TESTS_EXPORT QString nameOf(const QObject *control);
 
 /// The control's BackColor as an OLE colour. @throws RuntimeError 438 when it has none, 91 for no object.
-OleColor backColor(const QObject *control);
+KELOCONTROLS_TESTS_EXPORT OleColor backColor(const QObject *control);
 
 /// Sets the control's BackColor. @throws RuntimeError 438 when it has none, 91 for no object.
-void setBackColor(QObject *control, OleColor color);
+KELOCONTROLS_TESTS_EXPORT void setBackColor(QObject *control, OleColor color);
 
 /// The control's Font. @throws RuntimeError 438 when it has none, 91 for no object.
-QFont font(const QObject *control);
+KELOCONTROLS_TESTS_EXPORT QFont font(const QObject *control);
 
 /// Sets the control's Font. @throws RuntimeError 438 when it has none, 91 for no object.
-void setFont(QObject *control, const QFont &font);
+KELOCONTROLS_TESTS_EXPORT void setFont(QObject *control, const QFont &font);
 
 /// Whether `object` has a property `name`, declared or dynamic.
-bool hasProperty(const QObject *object, const char *name);
+KELOCONTROLS_TESTS_EXPORT bool hasProperty(const QObject *object, const char *name);
 
 /**
  * hasProperty() for the member names asked of every control again and again
@@ -113,7 +115,7 @@ bool hasProperty(const QObject *object, const char *name);
  * that lives as long as the process (a literal), since it is remembered by
  * address.
  */
-bool hasMember(const QObject *object, const char *name);
+KELOCONTROLS_TESTS_EXPORT bool hasMember(const QObject *object, const char *name);
 
 } // namespace ControlAccess
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QList>
 #include <QObject>
 #include <QPixmap>
@@ -26,7 +28,7 @@ namespace Kelocontrols {
  * QDialog, QFrame, QGroupBox); a form class that fills its whole background
  * in paintEvent() hides it.
  */
-class FormPictureLayer : public QObject
+class KELOCONTROLS_TESTS_EXPORT FormPictureLayer : public QObject
 {
     Q_OBJECT
 public:

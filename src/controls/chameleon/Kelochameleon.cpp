@@ -1,5 +1,6 @@
 #include "Kelochameleon.h"
 
+#include "ClassicFace_p.h"
 #include "ColorEngine_p.h"
 #include "ControlAccess_p.h"
 #include "Conversions.h"
@@ -123,6 +124,7 @@ public:
     PictureBox *const picBackground;
     QTimer *const timer1;
     FormPictureLayer *const pictureLayer;
+    ClassicFace face; ///< Enabled
     // The form whose mouse the wand follows, while WandFollowsMouse is set.
     QPointer<QWidget> watchedForm;
     // Whether following the mouse turned the form's mouse tracking on.
@@ -164,7 +166,7 @@ const PropertyTable<Kelochameleon> &Kelochameleon::Private::table()
                 [](C &c, const QVariant &v) { c.d->range.stepRate = CInt(v); })
             .add(
                 "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-                [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); })
+                [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
             .add(
                 "BackgroundStyle", QVariant(0), [](const C &c) { return QVariant(c.d->backgroundStyle); },
                 [](C &c, const QVariant &v) { c.d->backgroundStyle = CLng(v); })
@@ -213,7 +215,10 @@ Kelochameleon::Private::Private(Kelochameleon *owner)
     , picBackground(new PictureBox(owner))
     , timer1(new QTimer(owner))
     , pictureLayer(new FormPictureLayer(owner))
+    , face(*owner)
 {
+    // In a designer the face shows whether the chameleon is enabled.
+    face.setChangedStep([owner](ClassicFace::Member) { owner->update(); });
     picBackground->setObjectName(QStringLiteral("picBackground"));
     picBackground->setBorderStyle(0);
     picBackground->hide();
@@ -349,17 +354,7 @@ void Kelochameleon::setColorStepRate(int value)
     propertyChanged("ColorStepRate");
 }
 
-bool Kelochameleon::Enabled() const
-{
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void Kelochameleon::setEnabled(bool enabled)
-{
-    QWidget::setEnabled(enabled);
-    propertyChanged("Enabled");
-    update();
-}
+KELO_CLASSIC_FORWARD(Kelochameleon, Enabled, d->face)
 
 void Kelochameleon::setBackgroundStyle(keloBackgroundStyle style)
 {
@@ -578,7 +573,7 @@ bool Kelochameleon::GetTheme()
     d->backgroundStyle = CLng(read("BackgroundStyle", QStringLiteral("0")));
     d->wandStyle = CLng(read("WandStyle", QStringLiteral("0")));
     d->newBackColor = colorFromVariant(read("NewBackColor", QStringLiteral("0")));
-    QWidget::setEnabled(CBool(read("Enabled", booleanText(true))));
+    d->face.storeEnabled(CBool(read("Enabled", booleanText(true))));
     // The maximum is read on both sides of the minimum; both reads give the same text.
     d->range.maximum = CInt(read("ColorMaximum", QStringLiteral("255")));
     d->range.minimum = CInt(read("ColorMinimum", QStringLiteral("0")));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace.h"
 #include "ControlBase.h"
 #include "KeloEnums.h"
 #include "OleColor.h"
@@ -90,8 +91,6 @@ class KELOCONTROLS_EXPORT Kelochameleon : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:ColorMinimum", "The mimumum RGB value for the color settings")
     Q_CLASSINFO("Help:ColorMaximum", "The maximum value for the RGB color setting")
     Q_CLASSINFO("Help:ColorStepRate", "The maximum rate at which the color changes for each step")
-    Q_CLASSINFO(
-        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
     Q_CLASSINFO("Help:BackgroundStyle", "Style to be set for the background of the form and controls")
     Q_CLASSINFO("Help:WandStyle", "Style to be used for the wand")
     Q_CLASSINFO("Help:NewBackColor", "Background colour to be set for all controls")
@@ -113,22 +112,54 @@ class KELOCONTROLS_EXPORT Kelochameleon : public Kelocontrols::ControlBase
         "found.")
     Q_CLASSINFO("DispId:ThemeMissing", "1")
 
+    /// The lowest value of each colour channel that VariedColor drifts to.
+    /// Default: 0.
     Q_PROPERTY(int ColorMinimum READ ColorMinimum WRITE setColorMinimum)
+    /// The highest value of each colour channel that VariedColor drifts to.
+    /// Default: 255.
     Q_PROPERTY(int ColorMaximum READ ColorMaximum WRITE setColorMaximum)
+    /// The largest change of a colour channel in one VariedColor step.
+    /// Default: 10.
     Q_PROPERTY(int ColorStepRate READ ColorStepRate WRITE setColorStepRate)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    /// Turns the styling on or off; in a designer the face is crossed out while disabled.
+    /// Default: true.
+    KELO_CLASSIC_PROPERTY(Enabled)
+    /// What the form and its controls get as background.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloBackgroundStyle::Value BackgroundStyle READ BackgroundStyle WRITE setBackgroundStyle)
+    /// The animation that follows the mouse.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloWandStyle::Value WandStyle READ WandStyle WRITE setWandStyle)
+    /// The colour of the FixedColor background, an OLE colour (system colours allowed).
+    /// Default: 0x00000000 (black).
     Q_PROPERTY(uint NewBackColor READ NewBackColor WRITE setNewBackColor)
+    /// Milliseconds between two VariedColor steps, rounded up to the 100 ms timer.
+    /// Default: 1000.
     Q_PROPERTY(int Interval READ Interval WRITE setInterval)
+    /// Whether the form and its controls get NewFont.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloFontStyle::Value FontStyle READ FontStyle WRITE setFontStyle)
+    /// The font that ChangeFont gives the form and its controls.
+    /// Default: the container's font.
     Q_PROPERTY(QFont NewFont READ NewFont WRITE setNewFont)
+    /// The path of the picture file of the Picture background.
+    /// Default: "".
     Q_PROPERTY(QString BackgroundPicture READ BackgroundPicture WRITE setBackgroundPicture)
+    /// Where the Picture background is placed on the form, or tiled.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloPictureStyle::Value BackgroundPictureStyle READ BackgroundPictureStyle WRITE
             setBackgroundPictureStyle)
+    /// The name under which SaveTheme() and GetTheme() keep the look.
+    /// Default: "DefaultTheme".
     Q_PROPERTY(QString ThemeName READ ThemeName WRITE setThemeName)
+    /// Reads the theme ThemeName each time the chameleon is shown at run time.
+    /// Default: false.
     Q_PROPERTY(bool ThemeIsUsed READ ThemeIsUsed WRITE setThemeIsUsed)
+    /// The control's own mouse cursor; a null picture restores the default one.
+    /// Default: none.
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+    /// Whether the wand follows the mouse over the form by itself (see setWandFollowsMouse()).
+    /// Default: false.
     Q_PROPERTY(bool WandFollowsMouse READ WandFollowsMouse WRITE setWandFollowsMouse)
 
 public:
@@ -150,9 +181,7 @@ public:
     int ColorStepRate() const;
     void setColorStepRate(int value);
 
-    bool Enabled() const;
-    /// Turns the styling on or off; in a designer the face is crossed out while disabled.
-    void setEnabled(bool enabled);
+    KELO_CLASSIC_ACCESSORS(Enabled)
 
     Kelocontrols::keloBackgroundStyle BackgroundStyle() const;
     void setBackgroundStyle(Kelocontrols::keloBackgroundStyle style);
@@ -181,7 +210,6 @@ public:
     /// Sets the control's own mouse cursor (a null picture restores the default one).
     void setMouseIcon(const QPixmap &icon);
 
-    /// Whether the wand follows the mouse over the form by itself (default false).
     bool WandFollowsMouse() const;
     /**
      * A convenience for hosts that want the wand over the whole form: while

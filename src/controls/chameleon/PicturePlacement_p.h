@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "KeloEnums.h"
 
 #include <QList>
@@ -37,7 +39,8 @@ constexpr int TwipsPerPixel = 15;
  * The top-left corners of the copies to paint, in painting order.
  * A tiled picture with no width or height places nothing.
  */
-QList<QPointF> positions(int style, float formWidth, float formHeight, float pictureWidth, float pictureHeight);
+KELOCONTROLS_TESTS_EXPORT QList<QPointF> positions(
+    int style, float formWidth, float formHeight, float pictureWidth, float pictureHeight);
 
 } // namespace PicturePlacement
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 namespace Kelocontrols {
@@ -24,7 +26,7 @@ struct Channels
 };
 
 /// A system colour translated through the application palette; any other colour as it is.
-OleColor toRgb(OleColor colour);
+KELOCONTROLS_TESTS_EXPORT OleColor toRgb(OleColor colour);
 
 /**
  * The channels of a plain colour c: red = c And 255, green = (c / 256) And
@@ -32,19 +34,19 @@ OleColor toRgb(OleColor colour);
  * first rounds them half to even. A green or blue byte thus takes a carry
  * from a red or green byte of 128 and more: the green of 0x0000FF80 is 0.
  */
-Channels channels(OleColor colour);
+KELOCONTROLS_TESTS_EXPORT Channels channels(OleColor colour);
 
 /// (red + green + blue) / 3 rounded half to even.
-int brightness(OleColor colour);
+KELOCONTROLS_TESTS_EXPORT int brightness(OleColor colour);
 
 /**
  * The colour a fraction @p t of the way from @p from to @p to: t is clamped
  * to 0..1 and each channel is round((to − from) × t + from), half to even.
  */
-OleColor blend(OleColor from, OleColor to, double t);
+KELOCONTROLS_TESTS_EXPORT OleColor blend(OleColor from, OleColor to, double t);
 
 /// Light grey on a background brighter than 192, grey on any other.
-OleColor greyByContrast(OleColor backColor);
+KELOCONTROLS_TESTS_EXPORT OleColor greyByContrast(OleColor backColor);
 
 } // namespace WandColors
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 class QObject;
 
 namespace Kelocontrols {
@@ -14,7 +16,7 @@ class WandFrame;
  * replaces what element @p element showed on @p surface, an erasing frame
  * (WandFrame::erasing) takes it away.
  */
-class WandDisplay
+class KELOCONTROLS_TESTS_EXPORT WandDisplay
 {
 public:
     virtual ~WandDisplay() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 #include <QList>
@@ -14,7 +16,7 @@ namespace Kelocontrols {
  * The geometry of the animation talks only to this interface, so it can be
  * drawn on a screen or recorded and checked without one.
  */
-class WandDrawSink
+class KELOCONTROLS_TESTS_EXPORT WandDrawSink
 {
 public:
     virtual ~WandDrawSink() = default;
@@ -58,7 +60,7 @@ struct WandStroke
  *
  * WandFrame is itself a sink, so a frame is recorded by drawing into it.
  */
-class WandFrame : public WandDrawSink
+class KELOCONTROLS_TESTS_EXPORT WandFrame : public WandDrawSink
 {
 public:
     WandFrame() = default;

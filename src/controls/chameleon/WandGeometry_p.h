@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "OleColor.h"
 
 #include <QPointF>
@@ -52,7 +54,8 @@ constexpr int ElectronTicksPerOrbit = 10;
 constexpr int BoltDepthLimit = 5;
 
 /// Draws one frame of @p element into @p sink.
-void drawFrame(const WandElement &element, bool erasing, const WandDrawContext &context, WandDrawSink &sink);
+KELOCONTROLS_TESTS_EXPORT void drawFrame(
+    const WandElement &element, bool erasing, const WandDrawContext &context, WandDrawSink &sink);
 
 /**
  * A bolt of lightning: unless @p depth has reached BoltDepthLimit, one
@@ -62,10 +65,11 @@ void drawFrame(const WandElement &element, bool erasing, const WandDrawContext &
  * length × cos)), each followed by a bolt one level deeper from its end.
  * From depth 1 a bolt has 1 + 2 + 6 + 24 = 33 segments.
  */
-void drawBolt(const QPointF &start, double angle, int depth, OleColor colour, WandDrawSink &sink);
+KELOCONTROLS_TESTS_EXPORT void drawBolt(
+    const QPointF &start, double angle, int depth, OleColor colour, WandDrawSink &sink);
 
 /// Where an atom's electron is after @p ticks ticks of its life.
-QPointF electronPosition(const WandElement &element, int ticks);
+KELOCONTROLS_TESTS_EXPORT QPointF electronPosition(const WandElement &element, int ticks);
 
 } // namespace WandGeometry
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "WandDisplay_p.h"
 
 #include <QHash>
@@ -16,7 +18,7 @@ class WandLayer;
  * its own, made when the first frame is drawn on it. Surfaces that are not
  * widgets cannot be drawn on (RuntimeError 438).
  */
-class WandLayerDisplay : public WandDisplay
+class KELOCONTROLS_TESTS_EXPORT WandLayerDisplay : public WandDisplay
 {
 public:
     /// The display of the process's shared wand.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "WandFrame_p.h"
 
 #include <QWidget>
@@ -29,7 +31,7 @@ namespace Kelocontrols {
  * ControlAccess::parentControls()) and goes back to the bottom when a
  * widget has been lowered beneath it.
  */
-class WandLayer : public QWidget
+class KELOCONTROLS_TESTS_EXPORT WandLayer : public QWidget
 {
     Q_OBJECT
 public:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "KeloEnums.h"
 #include "WandElement_p.h"
 
@@ -41,7 +43,7 @@ class WandDisplay;
  * they happen in during advance() and reset(); movement() lets them reach
  * the caller.
  */
-class WandPool
+class KELOCONTROLS_TESTS_EXPORT WandPool
 {
 public:
     static constexpr int Size = 21;

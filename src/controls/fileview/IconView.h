@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "ListBackground.h"
 
 #include <QListView>
@@ -10,7 +12,7 @@ namespace Kelocontrols {
  * The icon, small-icon and list views of a ListView: a QListView that the
  * ListView sets up for each mode, with a background picture.
  */
-class IconView : public QListView
+class KELOCONTROLS_EXPORT IconView : public QListView
 {
     Q_OBJECT
 public:

@@ -4,7 +4,6 @@
 #include "FileIconProvider.h"
 #include "FileListModel.h"
 #include "FileSystem.h"
-#include "FileViewPropertyTable_p.h"
 #include "ImageList.h"
 #include "ListView.h"
 #include "RuntimeError.h"
@@ -27,7 +26,17 @@ KelofileView::Private::Private(KelofileView &view)
     , filler(view)
     , refresher(view)
     , searcher(view)
+    , face(view)
 {
+    face.keepColorsOn(list);
+    face.keepEnabledOn(list);
+    face.keepFontOn(list);
+    face.keepMousePointerOn(list);
+    face.setAppliedStep([this](ClassicFace::Member member) {
+        if (member == ClassicFace::Member::Font) {
+            message.place();
+        }
+    });
 }
 
 FileListModel *KelofileView::Private::model() const
@@ -79,7 +88,7 @@ KelofileView::~KelofileView() = default;
 
 const PropertyTableBase &KelofileView::propertyTable() const
 {
-    return FileViewPropertyTable::instance();
+    return table();
 }
 
 QSize KelofileView::sizeHint() const
@@ -106,16 +115,8 @@ ImageList *KelofileView::image16() const
 void KelofileView::forwardStockEvents()
 {
     for (QAbstractItemView *view : d->list->views()) {
-        auto *keys = new StockEventFilter(view);
-        connect(keys, &StockEventFilter::KeyDown, this, &KelofileView::KeyDown);
-        connect(keys, &StockEventFilter::KeyPress, this, &KelofileView::KeyPress);
-        connect(keys, &StockEventFilter::KeyUp, this, &KelofileView::KeyUp);
-        auto *mouse = new StockEventFilter(view->viewport());
-        connect(mouse, &StockEventFilter::Click, this, &KelofileView::Click);
-        connect(mouse, &StockEventFilter::DblClick, this, &KelofileView::DblClick);
-        connect(mouse, &StockEventFilter::MouseDown, this, &KelofileView::MouseDown);
-        connect(mouse, &StockEventFilter::MouseMove, this, &KelofileView::MouseMove);
-        connect(mouse, &StockEventFilter::MouseUp, this, &KelofileView::MouseUp);
+        forwardKeyEvents(new StockEventFilter(view), this);
+        forwardMouseEvents(new StockEventFilter(view->viewport()), this);
     }
 }
 
@@ -275,50 +276,11 @@ void KelofileView::changeEvent(QEvent *event)
 // ---------------------------------------------------------------------------
 // Properties passed to ListFiles
 
-OleColor KelofileView::BackColor() const
-{
-    return d->list->backColor();
-}
-
-void KelofileView::setBackColor(OleColor color)
-{
-    d->list->setBackColor(color);
-    propertyChanged("BackColor");
-}
-
-OleColor KelofileView::ForeColor() const
-{
-    return d->list->foreColor();
-}
-
-void KelofileView::setForeColor(OleColor color)
-{
-    d->list->setForeColor(color);
-    propertyChanged("ForeColor");
-}
-
-bool KelofileView::Enabled() const
-{
-    return d->list->isEnabled();
-}
-
-void KelofileView::setEnabled(bool enabled)
-{
-    d->list->setEnabled(enabled);
-    propertyChanged("Enabled");
-}
-
-QFont KelofileView::Font() const
-{
-    return d->list->font();
-}
-
-void KelofileView::setFont(const QFont &font)
-{
-    d->list->setFont(font);
-    d->message.place();
-    propertyChanged("Font");
-}
+KELO_CLASSIC_FORWARD(KelofileView, BackColor, d->face)
+KELO_CLASSIC_FORWARD(KelofileView, ForeColor, d->face)
+KELO_CLASSIC_FORWARD(KelofileView, Enabled, d->face)
+KELO_CLASSIC_FORWARD(KelofileView, Font, d->face)
+KELO_CLASSIC_FORWARD(KelofileView, MousePointer, d->face)
 
 #define KELO_LIST_PROPERTY(Type, Name, getter, setter)                                                                 \
     Type KelofileView::Name() const                                                                                    \
@@ -332,7 +294,6 @@ void KelofileView::setFont(const QFont &font)
     }
 
 KELO_LIST_PROPERTY(int, BorderStyle, borderStyle, setBorderStyle)
-KELO_LIST_PROPERTY(int, MousePointer, mousePointer, setMousePointer)
 KELO_LIST_PROPERTY(int, PictureAlignment, pictureAlignment, setPictureAlignment)
 KELO_LIST_PROPERTY(int, Arrange, arrange, setArrange)
 KELO_LIST_PROPERTY(int, Appearance, appearance, setAppearance)

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "ClassicFace.h"
 #include "ControlBase.h"
 #include "FileListFilter.h"
 #include "OleColor.h"
+#include "PropertyTable.h"
 
 #include <kelocontrols_export.h>
 
@@ -91,17 +93,11 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     Q_CLASSINFO("Interface", "_KelofileView")
     Q_CLASSINFO("EventInterface", "__KelofileView")
     Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
-    Q_CLASSINFO("Help:BackColor", "Returns/sets the background color used to display text and graphics in an object.")
-    Q_CLASSINFO("Help:ForeColor", "Returns/sets the foreground color used to display text and graphics in an object.")
-    Q_CLASSINFO(
-        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
-    Q_CLASSINFO("Help:Font", "Returns a Font object.")
     Q_CLASSINFO("Help:BorderStyle", "Returns/sets the border style for an object.")
     Q_CLASSINFO("Help:Path", "The folder shown, or \"My Computer\" or \"My Folders\".")
     Q_CLASSINFO("Help:PathRoot", "The root folder of the view: setting it shows that folder.")
     Q_CLASSINFO("Help:LimitToRoot", "Keeps navigation inside PathRoot.")
     Q_CLASSINFO("Help:ShowFolders", "Lists sub-folders as well as files.")
-    Q_CLASSINFO("Help:MousePointer", "Returns/sets the type of mouse pointer displayed when over part of an object.")
     Q_CLASSINFO("Help:MouseIcon", "Sets a custom mouse icon.")
     Q_CLASSINFO("Help:Picture", "Returns/sets the background picture of the list.")
     Q_CLASSINFO("Help:PictureAlignment", "Returns/sets the position of the background picture.")
@@ -171,54 +167,152 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     Q_CLASSINFO("DispId:MouseMove", "23")
     Q_CLASSINFO("DispId:MouseUp", "24")
 
-    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    /// The list's background colour, an OLE colour (system colours follow the palette).
+    /// Default: 0x80000005 (window background).
+    KELO_CLASSIC_PROPERTY(BackColor)
+    /// The colour of the list's texts, an OLE colour.
+    /// Default: 0x80000008 (window text).
+    KELO_CLASSIC_PROPERTY(ForeColor)
+    /// Whether ListFiles responds to the user: its effective state, so a disabled form reads as disabled.
+    /// Default: true.
+    KELO_CLASSIC_PROPERTY(Enabled)
+    /// The font of the list.
+    /// Default: the container's font.
+    KELO_CLASSIC_PROPERTY(Font)
+    /// 0 none, 1 fixed single.
+    /// Default: 1.
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
+    /// The folder shown, or "My Computer" or "My Folders"; setting it lists nothing until the next fill.
+    /// Default: "".
     Q_PROPERTY(QString Path READ Path WRITE setPath)
+    /// The root of the view; setting it makes it the Path and lists it.
+    /// Default: "".
     Q_PROPERTY(QString PathRoot READ PathRoot WRITE setPathRoot)
+    /// Keeps GoUp() inside PathRoot.
+    /// Default: true.
     Q_PROPERTY(bool LimitToRoot READ LimitToRoot WRITE setLimitToRoot)
+    /// Lists sub-folders as well as files; setting it lists the folder again.
+    /// Default: true.
     Q_PROPERTY(bool ShowFolders READ ShowFolders WRITE setShowFolders)
-    Q_PROPERTY(int MousePointer READ MousePointer WRITE setMousePointer)
+    /// The mouse pointer over the list, one of the Kelocontrols::MousePointer codes.
+    /// Default: 0.
+    KELO_CLASSIC_PROPERTY(MousePointer)
+    /// The picture of the Custom (99) mouse pointer.
+    /// Default: none.
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+    /// The background picture of the list.
+    /// Default: none.
     Q_PROPERTY(QPixmap Picture READ Picture WRITE setPicture)
+    /// Where the background picture goes: 0 top left, 1 top right, 2 bottom left, 3 bottom right, 4 centre, 5 tiled.
+    /// Default: 0.
     Q_PROPERTY(int PictureAlignment READ PictureAlignment WRITE setPictureAlignment)
+    /// How the icon views arrange their items: 0 none, 1 left, 2 top.
+    /// Default: 0.
     Q_PROPERTY(int Arrange READ Arrange WRITE setArrange)
+    /// 0 flat, 1 3-D.
+    /// Default: 1.
     Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance)
+    /// Hides the column headers of the details view.
+    /// Default: false.
     Q_PROPERTY(bool HideColumnHeaders READ HideColumnHeaders WRITE setHideColumnHeaders)
+    /// Hides the selection while the list does not have the focus.
+    /// Default: false.
     Q_PROPERTY(bool HideSelection READ HideSelection WRITE setHideSelection)
+    /// Lets the user select more than one item (Ctrl-click adds items).
+    /// Default: false.
     Q_PROPERTY(bool MultiSelect READ MultiSelect WRITE setMultiSelect)
+    /// Lets the user drag the columns of the details view into another order.
+    /// Default: false.
     Q_PROPERTY(bool AllowColumnReorder READ AllowColumnReorder WRITE setAllowColumnReorder)
+    /// Draws flat scroll bars.
+    /// Default: false.
     Q_PROPERTY(bool FlatScrollBar READ FlatScrollBar WRITE setFlatScrollBar)
+    /// Highlights the whole row of a selected item in the details view.
+    /// Default: false.
     Q_PROPERTY(bool FullRowSelect READ FullRowSelect WRITE setFullRowSelect)
+    /// Draws grid lines between the rows and columns of the details view.
+    /// Default: false.
     Q_PROPERTY(bool GridLines READ GridLines WRITE setGridLines)
+    /// Highlights the item under the mouse.
+    /// Default: false.
     Q_PROPERTY(bool HotTracking READ HotTracking WRITE setHotTracking)
+    /// Selects the item the mouse rests on.
+    /// Default: false.
     Q_PROPERTY(bool HoverSelection READ HoverSelection WRITE setHoverSelection)
+    /// The item that the item members address, 1-based; 0 for none. Saved as it is, dropped on loading.
+    /// Default: 0.
     Q_PROPERTY(int ItemIndex READ ItemIndex WRITE setItemIndex DESIGNABLE false STORED false)
+    /// The display name last given to an item.
+    /// Default: "".
     Q_PROPERTY(QString ItemDisplayName READ ItemDisplayName WRITE setItemDisplayName DESIGNABLE false STORED false)
+    /// The real name of the item at ItemIndex.
+    /// Default: "".
     Q_PROPERTY(QString ItemName READ ItemName WRITE setItemName DESIGNABLE false STORED false)
+    /// The number of items. Saved as it is, dropped on loading.
+    /// Default: 0.
     Q_PROPERTY(int ItemCount READ ItemCount DESIGNABLE false STORED false)
+    /// Wraps long names in the icon views.
+    /// Default: true.
     Q_PROPERTY(bool LabelWrap READ LabelWrap WRITE setLabelWrap)
+    /// 0 large icons, 1 small icons, 2 list, 3 details (report).
+    /// Default: 3.
     Q_PROPERTY(int View READ View WRITE setView)
+    /// The large image key last given to an item.
+    /// Default: "".
     Q_PROPERTY(QString ItemIcon READ ItemIcon WRITE setItemIcon DESIGNABLE false STORED false)
+    /// The small image key last given to an item.
+    /// Default: "0".
     Q_PROPERTY(QString ItemSmallIcon READ ItemSmallIcon WRITE setItemSmallIcon DESIGNABLE false STORED false)
+    /// The index of the first item the user selected, 0 for none.
+    /// Default: 0.
     Q_PROPERTY(int ItemSelected READ ItemSelected WRITE setItemSelected DESIGNABLE false STORED false)
+    /// The tag last given to an item.
+    /// Default: "".
     Q_PROPERTY(QString ItemTag READ ItemTag WRITE setItemTag DESIGNABLE false STORED false)
+    /// The image that the image members address, 1-based. Saved as it is, dropped on loading.
+    /// Default: 0.
     Q_PROPERTY(int ImageIndex READ ImageIndex WRITE setImageIndex DESIGNABLE false STORED false)
+    /// The number of images in the image list addressed. Saved as it is, dropped on loading.
+    /// Default: 0.
     Q_PROPERTY(int ImageCount READ ImageCount DESIGNABLE false STORED false)
+    /// Whether the image members address Image16 (true) or Image32 (false).
+    /// Default: false.
     Q_PROPERTY(bool ImageSmall READ ImageSmall WRITE setImageSmall DESIGNABLE false STORED false)
+    /// The key last given to an image.
+    /// Default: "".
     Q_PROPERTY(QString ImageKey READ ImageKey WRITE setImageKey DESIGNABLE false STORED false)
+    /// Shows the file count and dates of folders in the detail columns.
+    /// Default: false.
     Q_PROPERTY(bool ShowFolderDetails READ ShowFolderDetails WRITE setShowFolderDetails)
+    /// Whether the item at ItemIndex is drawn bold.
+    /// Default: false.
     Q_PROPERTY(bool ItemBold READ ItemBold WRITE setItemBold DESIGNABLE false STORED false)
+    /// 0 manual, 1 automatic: whether dragging items starts by itself.
+    /// Default: 1.
     Q_PROPERTY(int OLEDragMode READ OLEDragMode WRITE setOLEDragMode)
+    /// 0 none, 1 manual, 2 automatic: whether and how the list takes dropped files.
+    /// Default: 2.
     Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE setOLEDropMode)
+    /// Milliseconds between automatic refreshes at run time, 0 for none.
+    /// Default: 0.
     Q_PROPERTY(int RefreshInterval READ RefreshInterval WRITE setRefreshInterval)
+    /// A name pattern (* ? # [list]) that listed files must match; "" lists everything.
+    /// Default: "".
     Q_PROPERTY(QString Filter READ Filter WRITE setFilter)
+    /// The bytes in the files that matched Filter in the last listing.
+    /// Default: 0.
     Q_PROPERTY(int TotalSize READ TotalSize WRITE setTotalSize DESIGNABLE false STORED false)
+    /// Lists hidden files and folders (dot names and names in the folder's ".hidden").
+    /// Default: false.
     Q_PROPERTY(bool AllowHiddenFiles READ AllowHiddenFiles WRITE setAllowHiddenFiles)
+    /// Lists system entries (devices, sockets, FIFOs, pseudo file-system mounts).
+    /// Default: false.
     Q_PROPERTY(bool AllowSystemFiles READ AllowSystemFiles WRITE setAllowSystemFiles)
+    /// Lets the user rename items by editing their labels.
+    /// Default: true.
     Q_PROPERTY(bool AllowLabelEdit READ AllowLabelEdit WRITE setAllowLabelEdit)
+    /// The tag last given to an image.
+    /// Default: "0".
     Q_PROPERTY(QString ImageTag READ ImageTag WRITE setImageTag DESIGNABLE false STORED false)
 
 public:
@@ -232,18 +326,13 @@ public:
     ~KelofileView() override;
 
     // Appearance, passed to ListFiles
-    Kelocontrols::OleColor BackColor() const;
-    void setBackColor(Kelocontrols::OleColor color);
-    Kelocontrols::OleColor ForeColor() const;
-    void setForeColor(Kelocontrols::OleColor color);
-    bool Enabled() const;
-    void setEnabled(bool enabled);
-    QFont Font() const;
-    void setFont(const QFont &font);
+    KELO_CLASSIC_ACCESSORS(BackColor)
+    KELO_CLASSIC_ACCESSORS(ForeColor)
+    KELO_CLASSIC_ACCESSORS(Enabled)
+    KELO_CLASSIC_ACCESSORS(Font)
     int BorderStyle() const;
     void setBorderStyle(int style);
-    int MousePointer() const;
-    void setMousePointer(int pointer);
+    KELO_CLASSIC_ACCESSORS(MousePointer)
     QPixmap MouseIcon() const;
     void setMouseIcon(const QPixmap &icon);
     QPixmap Picture() const;
@@ -274,7 +363,7 @@ public:
     void setHoverSelection(bool on);
     bool LabelWrap() const;
     void setLabelWrap(bool wrap);
-    /// 0 large icons, 1 small icons, 2 list, 3 details (report, the default).
+    /// 0 large icons, 1 small icons, 2 list, 3 details (report).
     int View() const;
     void setView(int view);
 
@@ -432,14 +521,9 @@ Q_SIGNALS:
     void BeforeAddItem(int &Cancel);
     void BeforePaint(int &Cancel);
     void AfterPaint();
-    void Click();
-    void DblClick();
-    void KeyDown(short &KeyCode, short &Shift);
-    void KeyPress(short &KeyAscii);
-    void KeyUp(short &KeyCode, short &Shift);
-    void MouseDown(short &Button, short &Shift, float &X, float &Y);
-    void MouseMove(short &Button, short &Shift, float &X, float &Y);
-    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+    KELO_CLASSIC_CLICK_EVENTS
+    KELO_CLASSIC_KEY_EVENTS
+    KELO_CLASSIC_MOUSE_EVENTS
 
 protected:
     void propertiesLoaded() override;
@@ -449,7 +533,6 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    friend class FileViewPropertyTable;
     friend class Kelocontrols::FileViewFill;
     friend class Kelocontrols::FileViewRefresh;
     friend class Kelocontrols::FileViewSearch;
@@ -463,6 +546,8 @@ private:
     void fillAfterShow();
     void refreshTick();
     void applyRefreshTimer();
+
+    static const Kelocontrols::PropertyTable<KelofileView> &table();
 
     std::unique_ptr<Private> const d;
 };

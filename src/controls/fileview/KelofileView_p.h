@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace_p.h"
 #include "FileListFilter.h"
 #include "FileViewFill_p.h"
 #include "FileViewImages_p.h"
@@ -53,6 +54,7 @@ public:
     Kelocontrols::FileViewFill filler;
     Kelocontrols::FileViewRefresh refresher;
     Kelocontrols::FileViewSearch searcher;
+    Kelocontrols::ClassicFace face; ///< BackColor, ForeColor, Enabled, Font and MousePointer on ListFiles
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;

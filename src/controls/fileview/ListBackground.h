@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include <QPixmap>
 
 class QPainter;
@@ -11,7 +13,7 @@ namespace Kelocontrols {
  * The background picture of a ListView and where it sits:
  * 0 top left, 1 top right, 2 bottom left, 3 bottom right, 4 centre, 5 tiled.
  */
-struct ListBackground
+struct KELOCONTROLS_EXPORT ListBackground
 {
     QPixmap picture;
     int alignment = 0;

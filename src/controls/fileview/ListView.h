@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "ListBackground.h"
 #include "OleColor.h"
 
@@ -30,7 +32,7 @@ class ReportView;
  * Setters take the classic values and raise RuntimeError
  * (InvalidPropertyValue, 380) for values outside them.
  */
-class ListView : public QFrame
+class KELOCONTROLS_EXPORT ListView : public QFrame
 {
     Q_OBJECT
     Q_PROPERTY(int View READ viewMode WRITE setViewMode)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kelocontrols_export.h>
+
 #include "ListBackground.h"
 
 #include <QTreeView>
@@ -10,7 +12,7 @@ namespace Kelocontrols {
  * The details (report) view of a ListView: a flat QTreeView with one row per
  * item, optional grid lines and a background picture.
  */
-class ReportView : public QTreeView
+class KELOCONTROLS_EXPORT ReportView : public QTreeView
 {
     Q_OBJECT
 public:

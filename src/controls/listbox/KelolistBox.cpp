@@ -8,7 +8,6 @@
 #include "ListBoxModel_p.h"
 #include "RuntimeError.h"
 #include "SqlQueryRecordset_p.h"
-#include "StockEventFilter.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -103,23 +102,17 @@ const PropertyTable<KelolistBox> &KelolistBox::table()
         using C = KelolistBox;
         PropertyTable<C> t;
         t.add(
-            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.d->backColor); },
-            [](C &c, const QVariant &v) {
-                c.d->backColor = colorFromVariant(v);
-                c.applyColors();
-            });
+            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.BackColor()); },
+            [](C &c, const QVariant &v) { c.d->face.storeBackColor(colorFromVariant(v)); });
         t.add(
-            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.d->foreColor); },
-            [](C &c, const QVariant &v) {
-                c.d->foreColor = colorFromVariant(v);
-                c.applyColors();
-            });
+            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.ForeColor()); },
+            [](C &c, const QVariant &v) { c.d->face.storeForeColor(colorFromVariant(v)); });
         t.add(
             "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-            [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); });
+            [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); });
         t.add(
             "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
-            [](C &c, const QVariant &v) { c.d->list->setFont(fontFromVariant(v)); });
+            [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); });
         // The list's current text: saved for the form file's reader, never loaded.
         t.add(
             "Text", QVariant(QStringLiteral("listItems")), [](const C &c) { return QVariant(c.listText()); },
@@ -179,8 +172,13 @@ KelolistBox::KelolistBox(QWidget *parent)
     setFocusProxy(d->list);
     connect(
         d->list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &KelolistBox::onListSelectionChanged);
-    forwardStockEvents();
-    applyColors();
+    // Keys reach the list itself, mouse clicks its viewport; the list's Click is its own (listItemsClick).
+    forwardKeyEvents(new StockEventFilter(d->list), this);
+    connect(new StockEventFilter(d->list->viewport()), &StockEventFilter::DblClick, this, &KelolistBox::DblClick);
+    // InitProperties leaves the colours alone: a new list starts from their saved defaults.
+    d->face.paintColorsInto(d->list, QPalette::Base, QPalette::Text,
+        colorFromVariant(table().defaultValue(*this, QStringLiteral("BackColor"))),
+        colorFromVariant(table().defaultValue(*this, QStringLiteral("ForeColor"))));
     applyAppearance();
     layoutChildren();
     InitProperties();
@@ -191,16 +189,6 @@ KelolistBox::~KelolistBox()
     // The inner widgets outlive this part of the object while QWidget
     // deletes them; their selection changes must not reach it any more.
     d->list->selectionModel()->disconnect(this);
-}
-
-OleColor KelolistBox::BackColor() const
-{
-    return d->backColor;
-}
-
-OleColor KelolistBox::ForeColor() const
-{
-    return d->foreColor;
 }
 
 bool KelolistBox::Locked() const
@@ -231,17 +219,6 @@ QString KelolistBox::DefaultText() const
 const PropertyTableBase &KelolistBox::propertyTable() const
 {
     return table();
-}
-
-// Keys reach the list itself, mouse clicks its viewport.
-void KelolistBox::forwardStockEvents()
-{
-    auto *keys = new StockEventFilter(d->list);
-    connect(keys, &StockEventFilter::KeyDown, this, &KelolistBox::KeyDown);
-    connect(keys, &StockEventFilter::KeyPress, this, &KelolistBox::KeyPress);
-    connect(keys, &StockEventFilter::KeyUp, this, &KelolistBox::KeyUp);
-    auto *mouse = new StockEventFilter(d->list->viewport());
-    connect(mouse, &StockEventFilter::DblClick, this, &KelolistBox::DblClick);
 }
 
 // ---- the list's click ------------------------------------------------------
@@ -303,49 +280,10 @@ void KelolistBox::selectDefault()
 
 // ---- colours, font, appearance ---------------------------------------------
 
-void KelolistBox::setBackColor(OleColor color)
-{
-    d->backColor = color;
-    applyColors();
-    propertyChanged("BackColor");
-}
-
-void KelolistBox::setForeColor(OleColor color)
-{
-    d->foreColor = color;
-    applyColors();
-    propertyChanged("ForeColor");
-}
-
-void KelolistBox::applyColors()
-{
-    QPalette palette = d->list->palette();
-    palette.setColor(QPalette::Base, toQColor(d->backColor));
-    palette.setColor(QPalette::Text, toQColor(d->foreColor));
-    d->list->setPalette(palette);
-}
-
-bool KelolistBox::Enabled() const
-{
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void KelolistBox::setEnabled(bool enabled)
-{
-    QWidget::setEnabled(enabled);
-    propertyChanged("Enabled");
-}
-
-QFont KelolistBox::Font() const
-{
-    return d->list->font();
-}
-
-void KelolistBox::setFont(const QFont &font)
-{
-    d->list->setFont(font);
-    propertyChanged("Font");
-}
+KELO_CLASSIC_FORWARD(KelolistBox, BackColor, d->face)
+KELO_CLASSIC_FORWARD(KelolistBox, ForeColor, d->face)
+KELO_CLASSIC_FORWARD(KelolistBox, Enabled, d->face)
+KELO_CLASSIC_FORWARD(KelolistBox, Font, d->face)
 
 void KelolistBox::setAppearance(int appearance)
 {
@@ -646,6 +584,6 @@ void KelolistBox::changeEvent(QEvent *event)
 {
     ControlBase::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        applyColors();
+        d->face.repaintColors();
     }
 }

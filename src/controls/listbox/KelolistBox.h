@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace.h"
 #include "ControlBase.h"
 #include "OleColor.h"
 #include "PropertyTable.h"
@@ -62,11 +63,6 @@ class KELOCONTROLS_EXPORT KelolistBox : public Kelocontrols::ControlBase
     Q_CLASSINFO("Interface", "_KelolistBox")
     Q_CLASSINFO("EventInterface", "__KelolistBox")
     Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
-    Q_CLASSINFO("Help:BackColor", "Returns/sets the background color used to display text and graphics in an object.")
-    Q_CLASSINFO("Help:ForeColor", "Returns/sets the foreground color used to display text and graphics in an object.")
-    Q_CLASSINFO(
-        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
-    Q_CLASSINFO("Help:Font", "Returns a Font object.")
     Q_CLASSINFO("Help:Refresh", "Forces a complete repaint of a object.")
     Q_CLASSINFO("Help:ListCount", "Returns the number of items in the list portion of a control.")
     Q_CLASSINFO("Help:Populate",
@@ -94,37 +90,53 @@ class KELOCONTROLS_EXPORT KelolistBox : public Kelocontrols::ControlBase
     Q_CLASSINFO("DispId:KeyPress", "-603")
     Q_CLASSINFO("DispId:KeyUp", "-604")
 
-    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    /// The list's background colour, an OLE colour (system colours follow the palette).
+    /// Default: 0x80000005 (window background).
+    KELO_CLASSIC_PROPERTY(BackColor)
+    /// The colour of the list's texts, an OLE colour.
+    /// Default: 0x80000008 (window text).
+    KELO_CLASSIC_PROPERTY(ForeColor)
+    /// Whether the whole control responds to the user; setEnabled() emits PropertyChanged("Enabled").
+    /// Default: true.
+    KELO_CLASSIC_PROPERTY(Enabled)
+    /// The font of the list.
+    /// Default: the container's font.
+    KELO_CLASSIC_PROPERTY(Font)
     Q_PROPERTY(int ListCount READ ListCount STORED false)
+    /// The selected entry's text (see Text()). Saving writes the list's current text, loading ignores it.
+    /// Default: "listItems" (the saved value's default).
     Q_PROPERTY(QString Text READ Text WRITE setText STORED false)
+    /// Shows the selected text as a label instead of the list.
+    /// Default: false.
     Q_PROPERTY(bool Locked READ Locked WRITE setLocked)
+    /// The selected entry's value (see Value()). Saving keeps the value loaded with the control as it was; it selects
+    /// nothing. Default: 0.
     Q_PROPERTY(int Value READ Value WRITE setValue DESIGNABLE false STORED false)
+    /// 0 flat, 1 3-D; other values raise RuntimeError 380.
+    /// Default: 1.
     Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance)
+    /// Shows the label instead of the list whatever Locked says.
+    /// Default: false.
     Q_PROPERTY(bool LockedAlways READ LockedAlways WRITE setLockedAlways)
+    /// The value that Value gives with nothing selected, and the value of the default entry.
+    /// Default: 0.
     Q_PROPERTY(int DefaultValue READ DefaultValue WRITE setDefaultValue)
     Q_PROPERTY(bool Sorted READ Sorted STORED false)
+    /// The tool tip of the list.
+    /// Default: "".
     Q_PROPERTY(QString ToolTipText READ ToolTipText WRITE setToolTipText)
+    /// The text that Text gives with nothing selected.
+    /// Default: "".
     Q_PROPERTY(QString DefaultText READ DefaultText WRITE setDefaultText)
 
 public:
     explicit KelolistBox(QWidget *parent = nullptr);
     ~KelolistBox() override;
 
-    /// The list's background colour (an OLE colour; system colours follow the palette).
-    Kelocontrols::OleColor BackColor() const;
-    void setBackColor(Kelocontrols::OleColor color);
-    /// The colour of the list's texts.
-    Kelocontrols::OleColor ForeColor() const;
-    void setForeColor(Kelocontrols::OleColor color);
-    bool Enabled() const;
-    /// Enables or disables the whole control (and emits PropertyChanged("Enabled")).
-    void setEnabled(bool enabled);
-    /// The font of the list.
-    QFont Font() const;
-    void setFont(const QFont &font);
+    KELO_CLASSIC_ACCESSORS(BackColor)
+    KELO_CLASSIC_ACCESSORS(ForeColor)
+    KELO_CLASSIC_ACCESSORS(Enabled)
+    KELO_CLASSIC_ACCESSORS(Font)
 
     /// Repaints the list now.
     Q_INVOKABLE void Refresh();
@@ -183,7 +195,7 @@ public:
     /// @throws Kelocontrols::RuntimeError 387 in design mode (UserMode false).
     void setValue(int value);
 
-    /// 0 flat, 1 3-D (the default).
+    /// 0 flat, 1 3-D.
     int Appearance() const;
     /// @throws Kelocontrols::RuntimeError 380 for values other than 0 and 1.
     void setAppearance(int appearance);
@@ -225,11 +237,8 @@ public:
     QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
-    void Click();
-    void DblClick();
-    void KeyDown(short &KeyCode, short &Shift);
-    void KeyPress(short &KeyAscii);
-    void KeyUp(short &KeyCode, short &Shift);
+    KELO_CLASSIC_CLICK_EVENTS
+    KELO_CLASSIC_KEY_EVENTS
 
 protected:
     void propertiesLoaded() override;
@@ -239,7 +248,6 @@ protected:
 private:
     static const Kelocontrols::PropertyTable<KelolistBox> &table();
 
-    void forwardStockEvents();
     void onListSelectionChanged();
     void listItemsClick();
     int listIndex() const;
@@ -247,7 +255,6 @@ private:
     void selectRow(int row);
     void selectDefault();
     void applyLockDisplay();
-    void applyColors();
     void applyAppearance();
     void layoutChildren();
     void addDefaultEntry(const QVariant &text, const QVariant &value);

@@ -2,6 +2,7 @@
 
 // The state of a KelolistBox, shared by the control and its property table.
 
+#include "ClassicFace_p.h"
 #include "KelolistBox.h"
 #include "ListBoxModel_p.h"
 
@@ -15,12 +16,16 @@ public:
         : model(new Kelocontrols::ListBoxModel(box))
         , list(new QListView(box))
         , label(new QLabel(box))
+        , face(*box)
     {
+        face.keepFontOn(list);
     }
 
     Kelocontrols::ListBoxModel *const model;
     QListView *const list;
     QLabel *const label;
+    /// BackColor and ForeColor painted into the list's palette, Font on the list; Enabled.
+    Kelocontrols::ClassicFace face;
 
     bool populating = false;
     bool quietSelection = false;
@@ -29,7 +34,5 @@ public:
     qint32 defaultValue = 0;
     QString defaultText;
     QVariant savedValue;
-    Kelocontrols::OleColor backColor = 0x80000005;
-    Kelocontrols::OleColor foreColor = 0x80000008;
     int appearance = 1;
 };

@@ -1,5 +1,6 @@
 #include "KeloscoreCard.h"
 
+#include "ClassicFace_p.h"
 #include "Conversions.h"
 #include "GaugePainter_p.h"
 #include "ImageList.h"
@@ -8,7 +9,6 @@
 #include "RuntimeError.h"
 #include "ScoreCardArtwork_p.h"
 #include "ScoreModel_p.h"
-#include "StockEventFilter.h"
 
 #include <QResizeEvent>
 
@@ -36,12 +36,16 @@ public:
         : picture(new PictureBox(card))
         , images32(new ImageList(QSize(32, 32), card))
         , images16(new ImageList(QSize(16, 16), card))
+        , face(*card)
     {
+        face.keepColorsOn(picture);
+        face.keepFontOn(picture);
     }
 
     PictureBox *const picture;
     ImageList *const images32;
     ImageList *const images16;
+    ClassicFace face; ///< BackColor, ForeColor and Font on the surface; Enabled
 
     float value = 0;
     int style = 0;
@@ -68,17 +72,17 @@ const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
         PropertyTable<C> t;
         t.add(
              "BackColor", QVariant(uint(0x8000000F)), [](const C &c) { return QVariant(c.BackColor()); },
-             [](C &c, const QVariant &v) { c.d->picture->setBackColor(colorFromVariant(v)); })
+             [](C &c, const QVariant &v) { c.d->face.storeBackColor(colorFromVariant(v)); })
             .add(
                 "ForeColor", QVariant(uint(0x80000012)), [](const C &c) { return QVariant(c.ForeColor()); },
-                [](C &c, const QVariant &v) { c.d->picture->setForeColor(colorFromVariant(v)); })
+                [](C &c, const QVariant &v) { c.d->face.storeForeColor(colorFromVariant(v)); })
             .add(
                 "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-                [](C &c, const QVariant &v) { c.QWidget::setEnabled(CBool(v)); })
+                [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
             .add(
                 "Font", [](const C &c) { return QVariant(c.ambientFont()); },
                 [](const C &c) { return QVariant(c.Font()); },
-                [](C &c, const QVariant &v) { c.d->picture->setFont(fontFromVariant(v)); })
+                [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); })
             .add(
                 "BorderStyle", QVariant(1), [](const C &c) { return QVariant(c.BorderStyle()); },
                 [](C &c, const QVariant &v) { c.d->picture->setBorderStyle(CInt(v)); })
@@ -154,7 +158,13 @@ KeloscoreCard::KeloscoreCard(QWidget *parent)
     d->images16->setObjectName(QStringLiteral("ImageList16"));
     ScoreCardArtwork::fill(*d->images32);
     ScoreCardArtwork::fill(*d->images16);
-    forwardStockEvents();
+    forwardKeyEvents(d->picture->stockEvents(), this);
+    forwardMouseEvents(d->picture->stockEvents(), this);
+    d->face.setChangedStep([this](ClassicFace::Member member) {
+        if (member == ClassicFace::Member::BackColor || member == ClassicFace::Member::ForeColor) {
+            redraw();
+        }
+    });
     InitProperties();
 }
 
@@ -165,66 +175,12 @@ const PropertyTableBase &KeloscoreCard::propertyTable() const
     return table();
 }
 
-void KeloscoreCard::forwardStockEvents()
-{
-    const StockEventFilter *events = d->picture->stockEvents();
-    connect(events, &StockEventFilter::Click, this, &KeloscoreCard::Click);
-    connect(events, &StockEventFilter::DblClick, this, &KeloscoreCard::DblClick);
-    connect(events, &StockEventFilter::KeyDown, this, &KeloscoreCard::KeyDown);
-    connect(events, &StockEventFilter::KeyPress, this, &KeloscoreCard::KeyPress);
-    connect(events, &StockEventFilter::KeyUp, this, &KeloscoreCard::KeyUp);
-    connect(events, &StockEventFilter::MouseDown, this, &KeloscoreCard::MouseDown);
-    connect(events, &StockEventFilter::MouseMove, this, &KeloscoreCard::MouseMove);
-    connect(events, &StockEventFilter::MouseUp, this, &KeloscoreCard::MouseUp);
-}
-
 // ---- properties on the surface -------------------------------------------
 
-OleColor KeloscoreCard::BackColor() const
-{
-    return d->picture->backColor();
-}
-
-void KeloscoreCard::setBackColor(OleColor color)
-{
-    d->picture->setBackColor(color);
-    propertyChanged("BackColor");
-    redraw();
-}
-
-OleColor KeloscoreCard::ForeColor() const
-{
-    return d->picture->foreColor();
-}
-
-void KeloscoreCard::setForeColor(OleColor color)
-{
-    d->picture->setForeColor(color);
-    propertyChanged("ForeColor");
-    redraw();
-}
-
-bool KeloscoreCard::Enabled() const
-{
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void KeloscoreCard::setEnabled(bool enabled)
-{
-    QWidget::setEnabled(enabled);
-    propertyChanged("Enabled");
-}
-
-QFont KeloscoreCard::Font() const
-{
-    return d->picture->font();
-}
-
-void KeloscoreCard::setFont(const QFont &font)
-{
-    d->picture->setFont(font);
-    propertyChanged("Font");
-}
+KELO_CLASSIC_FORWARD(KeloscoreCard, BackColor, d->face)
+KELO_CLASSIC_FORWARD(KeloscoreCard, ForeColor, d->face)
+KELO_CLASSIC_FORWARD(KeloscoreCard, Enabled, d->face)
+KELO_CLASSIC_FORWARD(KeloscoreCard, Font, d->face)
 
 int KeloscoreCard::BorderStyle() const
 {

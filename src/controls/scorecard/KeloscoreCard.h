@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace.h"
 #include "ControlBase.h"
 #include "KeloEnums.h"
 #include "OleColor.h"
@@ -48,11 +49,6 @@ class KELOCONTROLS_EXPORT KeloscoreCard : public Kelocontrols::ControlBase
     Q_CLASSINFO("Interface", "_KeloscoreCard")
     Q_CLASSINFO("EventInterface", "__KeloscoreCard")
     Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
-    Q_CLASSINFO("Help:BackColor", "Returns/sets the background color used to display text and graphics in an object.")
-    Q_CLASSINFO("Help:ForeColor", "Returns/sets the foreground color used to display text and graphics in an object.")
-    Q_CLASSINFO(
-        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
-    Q_CLASSINFO("Help:Font", "Returns a Font object.")
     Q_CLASSINFO("Help:BorderStyle", "Returns/sets the border style for an object.")
     Q_CLASSINFO("Help:Refresh", "Forces a complete repaint of a object.")
     Q_CLASSINFO("Help:Value", "Value for the score")
@@ -84,29 +80,76 @@ class KELOCONTROLS_EXPORT KeloscoreCard : public Kelocontrols::ControlBase
     Q_CLASSINFO("DispId:MouseMove", "-606")
     Q_CLASSINFO("DispId:MouseUp", "-607")
 
-    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    /// The colour behind the picture or gauge, an OLE colour (system colours follow the palette).
+    /// Default: 0x8000000F (button face).
+    KELO_CLASSIC_PROPERTY(BackColor)
+    /// The colour of the surface's lines and texts, an OLE colour.
+    /// Default: 0x80000012 (button text).
+    KELO_CLASSIC_PROPERTY(ForeColor)
+    /// Whether the card responds to the mouse and keyboard; setEnabled() emits PropertyChanged("Enabled").
+    /// Default: true.
+    KELO_CLASSIC_PROPERTY(Enabled)
+    /// The font of the value text.
+    /// Default: the container's font.
+    KELO_CLASSIC_PROPERTY(Font)
+    /// 0 none, 1 fixed single; other values raise RuntimeError 380.
+    /// Default: 1.
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
+    /// The score, normally a fraction from 0 to 1 (kept as a single-precision number).
+    /// Default: 0.5.
     Q_PROPERTY(double Value READ Value WRITE setValue)
+    /// The presentation: a grade picture (16 or 32 pixels), the flash card or a gauge.
+    /// Default: ScoreCardSmall.
     Q_PROPERTY(Kelocontrols::keloScoreCardStyle::Value Style READ Style WRITE setStyle)
     // Forms set properties in declaration order: the scale before the thresholds.
+
+    /// The lowest score of the scale; pushes the four thresholds up to it.
+    /// Default: 0.
     Q_PROPERTY(double ScoreMin READ ScoreMin WRITE setScoreMin)
+    /// The highest score of the scale; pushes the four thresholds down to it.
+    /// Default: 1.
     Q_PROPERTY(double ScoreMax READ ScoreMax WRITE setScoreMax)
+    /// From this score on the grade is 5 (star); clamped between ScoreGood and ScoreMax.
+    /// Default: 0.8.
     Q_PROPERTY(double ScoreStar READ ScoreStar WRITE setScoreStar)
+    /// From this score on the grade is 4 (good); clamped between ScoreMaybe and ScoreStar.
+    /// Default: 0.6.
     Q_PROPERTY(double ScoreGood READ ScoreGood WRITE setScoreGood)
+    /// From this score on the grade is 3 (maybe); clamped between ScoreBad and ScoreGood.
+    /// Default: 0.4.
     Q_PROPERTY(double ScoreMaybe READ ScoreMaybe WRITE setScoreMaybe)
+    /// From this score on the grade is 2 (bad), below it 1; clamped between ScoreMin and ScoreMaybe.
+    /// Default: 0.2.
     Q_PROPERTY(double ScoreBad READ ScoreBad WRITE setScoreBad)
+    /// Draws the four threshold lines on a gauge.
+    /// Default: false.
     Q_PROPERTY(bool ShowLimitLines READ ShowLimitLines WRITE setShowLimitLines)
+    /// The distance between tick lines on a gauge, in score units; 0 draws none.
+    /// Default: 0.
     Q_PROPERTY(double ShowTickLinesEvery READ ShowTickLinesEvery WRITE setShowTickLinesEvery)
+    /// The colour of the tick lines, an OLE colour.
+    /// Default: 0x00000000 (black).
     Q_PROPERTY(uint TickLineColor READ TickLineColor WRITE setTickLineColor)
+    /// The colour of the value text, an OLE colour.
+    /// Default: 0x00000000 (black).
     Q_PROPERTY(uint FontColor READ FontColor WRITE setFontColor)
+    /// Where a gauge shows the value as text ("93%"), if at all.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloShowValue::Value ShowValue READ ShowValue WRITE setShowValue)
+    /// What the tool tip shows: ToolTip, the value, both or nothing.
+    /// Default: ShowBothAsTip.
     Q_PROPERTY(Kelocontrols::keloToolTipStyle::Value ToolTipStyle READ ToolTipStyle WRITE setToolTipStyle)
+    /// The text of the tool tip (see ToolTipStyle).
+    /// Default: "".
     Q_PROPERTY(QString ToolTip READ ToolTip WRITE setToolTip)
+    /// How a gauge marks the value: a line, a bar, a flat bar or not at all.
+    /// Default: None.
     Q_PROPERTY(Kelocontrols::keloMarkerStyle::Value ShowMarker READ ShowMarker WRITE setShowMarker)
+    /// The number of blocks a gauge is split into (an LED look); 0 for none.
+    /// Default: 0.
     Q_PROPERTY(int ShowBlocks READ ShowBlocks WRITE setShowBlocks)
+    /// Whether a gauge runs from left to right or from bottom to top.
+    /// Default: Horizontal.
     Q_PROPERTY(
         Kelocontrols::keloGaugeOrientation::Value GaugeOrientation READ GaugeOrientation WRITE setGaugeOrientation)
 
@@ -114,16 +157,10 @@ public:
     explicit KeloscoreCard(QWidget *parent = nullptr);
     ~KeloscoreCard() override;
 
-    Kelocontrols::OleColor BackColor() const;
-    void setBackColor(Kelocontrols::OleColor color);
-    Kelocontrols::OleColor ForeColor() const;
-    void setForeColor(Kelocontrols::OleColor color);
-    bool Enabled() const;
-    /// Enables or disables the control (and emits PropertyChanged("Enabled")).
-    void setEnabled(bool enabled);
-    QFont Font() const;
-    /// Sets the font of the value text (and emits PropertyChanged("Font")).
-    void setFont(const QFont &font);
+    KELO_CLASSIC_ACCESSORS(BackColor)
+    KELO_CLASSIC_ACCESSORS(ForeColor)
+    KELO_CLASSIC_ACCESSORS(Enabled)
+    KELO_CLASSIC_ACCESSORS(Font)
     /// 0 none, 1 fixed single; other values raise RuntimeError 380.
     int BorderStyle() const;
     void setBorderStyle(int style);
@@ -175,14 +212,9 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    void Click();
-    void DblClick();
-    void KeyDown(short &KeyCode, short &Shift);
-    void KeyPress(short &KeyAscii);
-    void KeyUp(short &KeyCode, short &Shift);
-    void MouseDown(short &Button, short &Shift, float &X, float &Y);
-    void MouseMove(short &Button, short &Shift, float &X, float &Y);
-    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+    KELO_CLASSIC_CLICK_EVENTS
+    KELO_CLASSIC_KEY_EVENTS
+    KELO_CLASSIC_MOUSE_EVENTS
 
 protected:
     void propertiesLoaded() override;
@@ -195,7 +227,6 @@ private:
 
     bool isPictureStyle() const;
     QSize pictureFitSize() const;
-    void forwardStockEvents();
     const Kelocontrols::ScoreScale &scale() const;
     void scaleChanged(const char *name);
     void redraw();

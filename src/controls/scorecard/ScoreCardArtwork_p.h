@@ -18,6 +18,9 @@ class ImageList;
  *   red, orange, yellow, light green or green card.
  * - Smiley: a face from a deep frown (red) to a broad smile (green).
  * - Traffic: a signal with red; red and amber; amber; amber and green; green.
+ *
+ * Internal, yet exported in every build: the Designer plugin paints its
+ * toolbox icons with it.
  */
 namespace ScoreCardArtwork {
 
