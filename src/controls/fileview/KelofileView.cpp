@@ -27,6 +27,7 @@ KelofileView::Private::Private(KelofileView &view)
     , filler(view)
     , refresher(view)
     , searcher(view)
+    , watch(view)
 {
 }
 
@@ -808,7 +809,7 @@ void KelofileView::Refresh()
         d->filler.listMyFolders();
         d->filler.finish();
     } else if (!FileListFilter::isMyComputer(d->path)) {
-        d->refresher.run();
+        d->watch.pass();
     }
 }
 
@@ -818,7 +819,7 @@ void KelofileView::refreshTick()
         return;
     }
     try {
-        d->refresher.run();
+        d->watch.tick(); // the pass only when the folder may have changed
     } catch (const RuntimeError &error) {
         d->message.show(error.description()); // a tick has no caller to raise to
     }

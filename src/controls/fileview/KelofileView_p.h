@@ -6,6 +6,7 @@
 #include "FileViewMessage_p.h"
 #include "FileViewRefresh_p.h"
 #include "FileViewSearch_p.h"
+#include "FileViewWatch_p.h"
 #include "KelofileView.h"
 
 class QTimer;
@@ -53,6 +54,7 @@ public:
     Kelocontrols::FileViewFill filler;
     Kelocontrols::FileViewRefresh refresher;
     Kelocontrols::FileViewSearch searcher;
+    Kelocontrols::FileViewWatch watch; ///< whether a tick needs a pass
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;
