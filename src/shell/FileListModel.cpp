@@ -131,9 +131,13 @@ int FileListModel::append(FileListRow row)
 {
     if (inBatch()) {
         m_rows.push_back(std::move(row));
+        m_orderKnown = false;
         return count() - 1;
     }
     const int index = m_sorted ? sortedPlaceOf(row) : count();
+    if (!m_sorted) {
+        m_orderKnown = false; // appended at the end, wherever its key belongs
+    }
     if (index < count()) {
         ++m_generation; // the rows after it move down
     }
@@ -204,6 +208,10 @@ void FileListModel::sortRows()
         return;
     }
     m_sortPending = false;
+    // Header clicks set the key, the order and Sorted one after the other: only the first has work to do.
+    if (m_orderKnown && m_orderKey == m_sortKey && m_orderOrder == m_sortOrder) {
+        return;
+    }
     const int n = count();
     std::vector<int> order(static_cast<size_t>(n));
     std::iota(order.begin(), order.end(), 0);
@@ -236,6 +244,9 @@ void FileListModel::sortRows()
         }
     }
     applyOrder(order);
+    m_orderKnown = true;
+    m_orderKey = m_sortKey;
+    m_orderOrder = m_sortOrder;
 }
 
 void FileListModel::applyOrder(const std::vector<int> &order)
@@ -334,6 +345,7 @@ void FileListModel::setText(int row, const QString &text)
     FileListRow::Extras &extras = m_rows[size_t(row)].ensureExtras();
     extras.text = text;
     extras.ownText = true;
+    m_orderKnown = false;
     emitRowChanged(row, Name, Name);
 }
 
@@ -342,6 +354,7 @@ void FileListModel::setRealName(int row, const QString &name)
     FileListRow::Extras &extras = m_rows[size_t(row)].ensureExtras();
     extras.realName = name;
     extras.ownRealName = true;
+    m_orderKnown = false;
     ++m_generation;
     emitRowChanged(row, RealName, RealName);
 }
@@ -390,6 +403,7 @@ bool FileListModel::updateFacts(int row, FileListRow &&fresh)
 {
     const bool changed = m_rows[size_t(row)].takeFacts(std::move(fresh));
     if (changed) {
+        m_orderKnown = false;
         emitRowChanged(row, Size, SortName);
     }
     return changed;
@@ -400,6 +414,7 @@ void FileListModel::markAllUnmet()
     for (FileListRow &r : m_rows) {
         r.unmet = true;
     }
+    m_orderKnown = false;
     if (m_published > 0) {
         Q_EMIT dataChanged(index(0, Refresh), index(m_published - 1, Refresh));
     }

@@ -143,7 +143,11 @@ public:
     bool updateFacts(int row, FileListRow &&fresh);
     /// Sets the refresh mark of every row (views are told once).
     void markAllUnmet();
-    void setUnmet(int row, bool unmet) { m_rows[size_t(row)].unmet = unmet; }
+    void setUnmet(int row, bool unmet)
+    {
+        m_rows[size_t(row)].unmet = unmet;
+        m_orderKnown = false; // the Refresh column's text
+    }
 
     // Presentation
     void setImageLists(ImageList *large, ImageList *small);
@@ -179,6 +183,10 @@ private:
     int m_sortOrder = 0;
     bool m_sorted = false;
     bool m_sortPending = false;
+    /// The rows are in the order of m_orderKey / m_orderOrder and no key changed since: sorting again moves nothing.
+    bool m_orderKnown = false;
+    int m_orderKey = 0;
+    int m_orderOrder = 0;
     int m_batchDepth = 0;
     quint64 m_generation = 0;
     ImageList *m_large = nullptr;
