@@ -146,7 +146,7 @@ public:
     void setUnmet(int row, bool unmet)
     {
         m_rows[size_t(row)].unmet = unmet;
-        m_orderKnown = false; // the Refresh column's text
+        keysChanged(); // the Refresh column's text
     }
 
     // Presentation
@@ -173,6 +173,12 @@ private:
     QVariant picture(const QString &key, bool large) const;
     void emitRowChanged(int row, int firstColumn, int lastColumn);
     void sortRows();
+    /// A key text may have changed: neither the order nor the ranks can be relied on any longer.
+    void keysChanged()
+    {
+        m_orderKnown = false;
+        m_rankColumn = -1;
+    }
     void applyOrder(const std::vector<int> &order);
     int sortedPlaceOf(const FileListRow &row) const;
 
@@ -187,6 +193,10 @@ private:
     bool m_orderKnown = false;
     int m_orderKey = 0;
     int m_orderOrder = 0;
+    /// For each row, the rank of its key in column m_rankColumn (equal keys, equal ranks), kept from the last
+    /// sort by a text column, so that sorting by that column again compares numbers; -1 when not kept.
+    int m_rankColumn = -1;
+    std::vector<quint32> m_ranks;
     int m_batchDepth = 0;
     quint64 m_generation = 0;
     ImageList *m_large = nullptr;
