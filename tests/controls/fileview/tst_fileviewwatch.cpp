@@ -7,6 +7,7 @@
 #include "FileViewWatch_p.h"
 #include "FolderWatcher_p.h"
 
+#include <QProcess>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -72,6 +73,8 @@ private Q_SLOTS:
     void aChangeIsSeenOnTheNextTick();
     void aChangeBehindTheWatchersBackWaitsForRefresh();
     void withoutTrustworthyNoticesEveryTickRunsThePass();
+    void aRealWatchLimitRefusesWatches();
+    void realWatchLimitChild();
     void settingsAndHostEditsStillTakeEffectOnTheNextTick();
     void aLinkIsFollowedToItsTarget();
     void theFolderShownIsDeletedAndMadeAgain();
@@ -246,6 +249,59 @@ void TestFileViewWatch::withoutTrustworthyNoticesEveryTickRunsThePass()
     tick(view);
     tick(view);
     QCOMPARE(FileViewWatch::passesRun(), limited + 2);
+}
+
+// The kernel's watch limit for real: the limits of /proc/sys/user are per user namespace, so this test runs
+// realWatchLimitChild again in a namespace of its own whose limit is one watch, touching no other process.
+void TestFileViewWatch::aRealWatchLimitRefusesWatches()
+{
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KELO_REAL_WATCH_LIMIT"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    child.setProcessEnvironment(environment);
+    child.start(QStringLiteral("unshare"),
+        {QStringLiteral("-Ur"), QStringLiteral("sh"), QStringLiteral("-c"),
+            QStringLiteral("echo 1 > /proc/sys/user/max_inotify_watches || exit 77; exec \"$0\" realWatchLimitChild"),
+            QCoreApplication::applicationFilePath()});
+    if (!child.waitForStarted()) {
+        QSKIP("unshare is not available");
+    }
+    QVERIFY(child.waitForFinished(120000));
+    const QByteArray output = child.readAllStandardOutput() + child.readAllStandardError();
+    if (child.exitCode() == 77 || (child.exitCode() != 0 && output.startsWith("unshare:"))) {
+        QSKIP("no user namespace with its own watch limit here");
+    }
+    QVERIFY2(child.exitCode() == 0, output.constData());
+    QVERIFY2(output.contains("PASS   : TestFileViewWatch::realWatchLimitChild()"), output.constData());
+}
+
+void TestFileViewWatch::realWatchLimitChild()
+{
+    if (!qEnvironmentVariableIsSet("KELO_REAL_WATCH_LIMIT")) {
+        QSKIP("run by aRealWatchLimitRefusesWatches, in a user namespace allowed one watch");
+    }
+    FolderWatcher &watcher = FolderWatcher::instance();
+    KelofileView view;
+    view.setShowFolderDetails(true);
+    view.setPathRoot(path(QStringLiteral("shown")));
+    tick(view); // the folder shown takes the one watch; its folder item "sub" is refused one
+    QVERIFY(watcher.trustworthy(path(QStringLiteral("shown"))));
+    const FolderWatcher::Handle another = watcher.watch(path(QStringLiteral("shown/sub")));
+    QCOMPARE(watcher.state(another), FolderWatcher::State::Exhausted); // ENOSPC from the kernel itself
+    watcher.release(another);
+
+    // The file count of "sub" could change unseen: every tick reads the folder.
+    QSignalSpy foundChanges(&view, &KelofileView::RefreshFoundChanges);
+    const quint64 before = FileViewWatch::passesRun();
+    tick(view);
+    tick(view);
+    QCOMPARE(FileViewWatch::passesRun(), before + 2);
+    QCOMPARE(foundChanges.count(), 0);
+    QVERIFY(KeloTest::writeFile(path(QStringLiteral("shown/sub/new.txt")), 1));
+    tick(view);
+    QCOMPARE(cell(view, 0, Column::Size), QStringLiteral("2"));
+    QCOMPARE(foundChanges.count(), 1);
 }
 
 void TestFileViewWatch::settingsAndHostEditsStillTakeEffectOnTheNextTick()
