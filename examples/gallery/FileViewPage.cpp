@@ -150,6 +150,8 @@ QWidget *folderPanel(QWidget *parent)
     files->listFiles()->setColumnWidth(0, 5200);
     files->listFiles()->setColumnWidth(4, 3600);
     files->setPathRoot(createSampleFolder());
+    // Start sorted by size, smallest first, as a click on the "Size" header does (its sort arrow included).
+    Q_EMIT files->listFiles()->columnClicked(1);
 
     auto *controls = new QHBoxLayout;
     auto *filter = new QLineEdit(panel);

@@ -1,6 +1,6 @@
 #include "FileListFilter.h"
 
-#include "Like.h"
+#include "LikePattern_p.h"
 
 namespace Kelocontrols {
 
@@ -16,7 +16,14 @@ bool FileListFilter::isMyFolders(const QString &path)
 
 bool FileListFilter::matches(const QString &name) const
 {
-    return pattern.isEmpty() || Like(name, pattern);
+    if (pattern.isEmpty()) {
+        return true;
+    }
+    if (!m_compiled || m_compiledFor != pattern) {
+        m_compiled = std::make_shared<const LikePattern>(pattern); // a bad pattern raises its error at every call
+        m_compiledFor = pattern;
+    }
+    return m_compiled->matches(name);
 }
 
 bool FileListFilter::passesAttributes(const FileEntry &entry) const

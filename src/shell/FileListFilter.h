@@ -6,7 +6,11 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace Kelocontrols {
+
+class LikePattern;
 
 /**
  * Which entries a file list shows: the name pattern and the hidden and
@@ -28,9 +32,14 @@ public:
     bool allowHidden = false;
     bool allowSystem = false;
 
+    /// Whether @p name matches pattern; the pattern is compiled once for as long as it stays the same.
     bool matches(const QString &name) const;
     /// Whether @p entry passes the hidden and system rules.
     bool passesAttributes(const FileEntry &entry) const;
+
+private:
+    mutable std::shared_ptr<const LikePattern> m_compiled; ///< pattern compiled, when it was m_compiledFor
+    mutable QString m_compiledFor;
 };
 
 } // namespace Kelocontrols

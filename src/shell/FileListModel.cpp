@@ -131,9 +131,14 @@ int FileListModel::append(FileListRow row)
 {
     if (inBatch()) {
         m_rows.push_back(std::move(row));
+        keysChanged();
         return count() - 1;
     }
     const int index = m_sorted ? sortedPlaceOf(row) : count();
+    m_rankColumn = -1; // the new row has no rank
+    if (!m_sorted) {
+        m_orderKnown = false; // appended at the end, wherever its key belongs
+    }
     if (index < count()) {
         ++m_generation; // the rows after it move down
     }
@@ -204,11 +209,21 @@ void FileListModel::sortRows()
         return;
     }
     m_sortPending = false;
+    // Header clicks set the key, the order and Sorted one after the other: only the first has work to do.
+    if (m_orderKnown && m_orderKey == m_sortKey && m_orderOrder == m_sortOrder) {
+        return;
+    }
     const int n = count();
     std::vector<int> order(static_cast<size_t>(n));
     std::iota(order.begin(), order.end(), 0);
     const bool descending = m_sortOrder == 1;
-    if (sortsByNumber(m_sortKey)) {
+    if (m_rankColumn == m_sortKey && m_ranks.size() == size_t(n)) {
+        // Sorted by this text column before and no key changed since: its ranks order the rows as its texts do.
+        const std::vector<quint32> &ranks = m_ranks;
+        std::stable_sort(order.begin(), order.end(), [&ranks, descending](int a, int b) {
+            return descending ? ranks[size_t(b)] < ranks[size_t(a)] : ranks[size_t(a)] < ranks[size_t(b)];
+        });
+    } else if (sortsByNumber(m_sortKey)) {
         std::vector<qint64> keys(static_cast<size_t>(n));
         for (int i = 0; i < n; ++i) {
             keys[size_t(i)] = numberKey(m_rows[size_t(i)], m_sortKey);
@@ -231,11 +246,34 @@ void FileListModel::sortRows()
         std::stable_sort(keyed.begin(), keyed.end(), [descending](const Keyed &a, const Keyed &b) {
             return descending ? b.key.compare(a.key) < 0 : a.key.compare(b.key) < 0;
         });
+        // Ranks for the rows in their new places: equal keys share one, ascending order gives rising ranks.
+        std::vector<quint32> ranks(static_cast<size_t>(n));
+        quint32 group = 0;
         for (int i = 0; i < n; ++i) {
             order[size_t(i)] = keyed[size_t(i)].row;
+            if (i > 0 && keyed[size_t(i)].key != keyed[size_t(i - 1)].key) {
+                ++group;
+            }
+            ranks[size_t(i)] = group;
         }
+        if (descending) {
+            for (quint32 &rank : ranks) {
+                rank = group - rank;
+            }
+        }
+        m_rankColumn = -1;
+        applyOrder(order);
+        m_ranks = std::move(ranks);
+        m_rankColumn = m_sortKey;
+        m_orderKnown = true;
+        m_orderKey = m_sortKey;
+        m_orderOrder = m_sortOrder;
+        return;
     }
     applyOrder(order);
+    m_orderKnown = true;
+    m_orderKey = m_sortKey;
+    m_orderOrder = m_sortOrder;
 }
 
 void FileListModel::applyOrder(const std::vector<int> &order)
@@ -258,6 +296,13 @@ void FileListModel::applyOrder(const std::vector<int> &order)
         rows.push_back(std::move(m_rows[size_t(order[size_t(i)])]));
     }
     m_rows = std::move(rows);
+    if (m_rankColumn >= 0 && m_ranks.size() == size_t(n)) {
+        std::vector<quint32> ranks(static_cast<size_t>(n));
+        for (int i = 0; i < n; ++i) {
+            ranks[size_t(i)] = m_ranks[size_t(order[size_t(i)])];
+        }
+        m_ranks = std::move(ranks);
+    }
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     after.reserve(before.size());
@@ -274,6 +319,9 @@ void FileListModel::remove(int row)
         return;
     }
     ++m_generation;
+    if (m_rankColumn >= 0 && size_t(row) < m_ranks.size()) {
+        m_ranks.erase(m_ranks.begin() + row); // the others keep their order
+    }
     if (row >= m_published) { // not yet announced: nobody has seen it
         m_rows.erase(m_rows.begin() + row);
         return;
@@ -288,6 +336,8 @@ void FileListModel::remove(int row)
 void FileListModel::clear()
 {
     ++m_generation;
+    keysChanged();
+    m_ranks.clear();
     if (m_published > 0) {
         beginRemoveRows(QModelIndex(), 0, m_published - 1);
         m_rows.clear();
@@ -334,6 +384,7 @@ void FileListModel::setText(int row, const QString &text)
     FileListRow::Extras &extras = m_rows[size_t(row)].ensureExtras();
     extras.text = text;
     extras.ownText = true;
+    keysChanged();
     emitRowChanged(row, Name, Name);
 }
 
@@ -342,6 +393,7 @@ void FileListModel::setRealName(int row, const QString &name)
     FileListRow::Extras &extras = m_rows[size_t(row)].ensureExtras();
     extras.realName = name;
     extras.ownRealName = true;
+    keysChanged();
     ++m_generation;
     emitRowChanged(row, RealName, RealName);
 }
@@ -390,6 +442,7 @@ bool FileListModel::updateFacts(int row, FileListRow &&fresh)
 {
     const bool changed = m_rows[size_t(row)].takeFacts(std::move(fresh));
     if (changed) {
+        keysChanged();
         emitRowChanged(row, Size, SortName);
     }
     return changed;
@@ -400,6 +453,7 @@ void FileListModel::markAllUnmet()
     for (FileListRow &r : m_rows) {
         r.unmet = true;
     }
+    keysChanged();
     if (m_published > 0) {
         Q_EMIT dataChanged(index(0, Refresh), index(m_published - 1, Refresh));
     }

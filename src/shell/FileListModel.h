@@ -143,7 +143,11 @@ public:
     bool updateFacts(int row, FileListRow &&fresh);
     /// Sets the refresh mark of every row (views are told once).
     void markAllUnmet();
-    void setUnmet(int row, bool unmet) { m_rows[size_t(row)].unmet = unmet; }
+    void setUnmet(int row, bool unmet)
+    {
+        m_rows[size_t(row)].unmet = unmet;
+        keysChanged(); // the Refresh column's text
+    }
 
     // Presentation
     void setImageLists(ImageList *large, ImageList *small);
@@ -169,6 +173,12 @@ private:
     QVariant picture(const QString &key, bool large) const;
     void emitRowChanged(int row, int firstColumn, int lastColumn);
     void sortRows();
+    /// A key text may have changed: neither the order nor the ranks can be relied on any longer.
+    void keysChanged()
+    {
+        m_orderKnown = false;
+        m_rankColumn = -1;
+    }
     void applyOrder(const std::vector<int> &order);
     int sortedPlaceOf(const FileListRow &row) const;
 
@@ -179,6 +189,14 @@ private:
     int m_sortOrder = 0;
     bool m_sorted = false;
     bool m_sortPending = false;
+    /// The rows are in the order of m_orderKey / m_orderOrder and no key changed since: sorting again moves nothing.
+    bool m_orderKnown = false;
+    int m_orderKey = 0;
+    int m_orderOrder = 0;
+    /// For each row, the rank of its key in column m_rankColumn (equal keys, equal ranks), kept from the last
+    /// sort by a text column, so that sorting by that column again compares numbers; -1 when not kept.
+    int m_rankColumn = -1;
+    std::vector<quint32> m_ranks;
     int m_batchDepth = 0;
     quint64 m_generation = 0;
     ImageList *m_large = nullptr;

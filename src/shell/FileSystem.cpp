@@ -815,15 +815,26 @@ FolderContents FileSystem::listFolder(const QString &path, const std::function<b
     QList<FileEntry> entries;
     NameOrder order;
     FileEntry entry;
+    QString candidate; // the name a search asks about, reused: an ASCII name is copied into it without allocating
     errno = 0;
     while (const dirent *found = ::readdir(dir.get())) {
         if (isDotOrDotDot(found->d_name))
             continue;
         const size_t length = std::strlen(found->d_name);
         const bool known = found->d_type != DT_DIR && found->d_type != DT_UNKNOWN;
-        if (wanted && known && !wanted(FileNameCodec::decode(found->d_name, qsizetype(length)))) {
-            errno = 0;
-            continue;
+        if (wanted && known) {
+            bool ascii = true;
+            candidate.resize(qsizetype(length));
+            QChar *out = candidate.data();
+            for (size_t i = 0; i < length && ascii; ++i) {
+                const auto byte = static_cast<unsigned char>(found->d_name[i]);
+                ascii = byte < 0x80;
+                out[i] = QChar(char16_t(byte));
+            }
+            if (!wanted(ascii ? candidate : FileNameCodec::decode(found->d_name, qsizetype(length)))) {
+                errno = 0;
+                continue;
+            }
         }
         const Lookup lookup = reader.read(found->d_name, length, found->d_type, entry);
         if (lookup == Lookup::Denied)

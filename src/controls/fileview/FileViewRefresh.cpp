@@ -77,11 +77,11 @@ FileViewRefresh::FileViewRefresh(KelofileView &view)
 {
 }
 
-void FileViewRefresh::run()
+bool FileViewRefresh::run()
 {
     KelofileView::Private &d = *q.d;
     if (d.busy || d.path.isEmpty()) {
-        return;
+        return false;
     }
     KelofileView::Private::Busy busy(d);
     const FolderContents contents = FileSystem::instance().listFolder(d.path);
@@ -120,6 +120,7 @@ void FileViewRefresh::run()
     if (changed) {
         Q_EMIT q.RefreshFoundChanges();
     }
+    return true;
 }
 
 // Updates the item of one entry on disk, or adds it; true when that changed the list.

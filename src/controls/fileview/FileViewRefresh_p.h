@@ -51,8 +51,9 @@ class FileViewRefresh
 public:
     explicit FileViewRefresh(KelofileView &view);
 
-    /// One in-place pass; raises the file system's error for a missing or unreadable folder.
-    void run();
+    /// One in-place pass (false when none ran: another runs, or Path is ""); raises the file system's error
+    /// for a missing or unreadable folder.
+    bool run();
 
 private:
     bool update(const FileEntry &entry, const QString &folder, bool isFolder, bool caseTwins);

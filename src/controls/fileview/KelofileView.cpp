@@ -27,6 +27,7 @@ KelofileView::Private::Private(KelofileView &view)
     , refresher(view)
     , searcher(view)
     , face(view)
+    , watch(view)
 {
     face.keepColorsOn(list);
     face.keepEnabledOn(list);
@@ -769,7 +770,7 @@ void KelofileView::Refresh()
         d->filler.listMyFolders();
         d->filler.finish();
     } else if (!FileListFilter::isMyComputer(d->path)) {
-        d->refresher.run();
+        d->watch.pass();
     }
 }
 
@@ -779,7 +780,7 @@ void KelofileView::refreshTick()
         return;
     }
     try {
-        d->refresher.run();
+        d->watch.tick(); // the pass only when the folder may have changed
     } catch (const RuntimeError &error) {
         d->message.show(error.description()); // a tick has no caller to raise to
     }

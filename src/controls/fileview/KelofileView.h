@@ -19,6 +19,7 @@ namespace Kelocontrols {
 class FileViewFill;
 class FileViewRefresh;
 class FileViewSearch;
+class FileViewWatch;
 class ImageList;
 class ListView;
 } // namespace Kelocontrols
@@ -536,6 +537,7 @@ private:
     friend class Kelocontrols::FileViewFill;
     friend class Kelocontrols::FileViewRefresh;
     friend class Kelocontrols::FileViewSearch;
+    friend class Kelocontrols::FileViewWatch;
     class Private;
 
     void forwardStockEvents();

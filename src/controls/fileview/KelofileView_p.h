@@ -7,6 +7,7 @@
 #include "FileViewMessage_p.h"
 #include "FileViewRefresh_p.h"
 #include "FileViewSearch_p.h"
+#include "FileViewWatch_p.h"
 #include "KelofileView.h"
 
 class QTimer;
@@ -55,6 +56,7 @@ public:
     Kelocontrols::FileViewRefresh refresher;
     Kelocontrols::FileViewSearch searcher;
     Kelocontrols::ClassicFace face; ///< BackColor, ForeColor, Enabled, Font and MousePointer on ListFiles
+    Kelocontrols::FileViewWatch watch; ///< whether a tick needs a pass
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;
