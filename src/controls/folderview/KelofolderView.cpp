@@ -289,7 +289,9 @@ void KelofolderView::Private::build()
     if (cancel != 0) {
         return;
     }
+    showingSelection = true;
     model->clear();
+    showingSelection = false;
     itemIndex = 0;
     const FileSystem &fs = FileSystem::instance();
     const bool myFoldersRoot = FileListFilter::isMyFolders(pathRoot);
@@ -363,8 +365,20 @@ void KelofolderView::Private::expanded(const QString &key)
         fillAhead(key);
     } else {
         ShowFolderNotAccessible(key);
-        model->remove(model->find(key));
+        removeNode(model->find(key));
     }
+}
+
+void KelofolderView::Private::removeNode(Node *node)
+{
+    if (!node) {
+        return;
+    }
+    // TreeFolders moves its current row off a removed node: that is no click of the user's.
+    showingSelection = true;
+    model->remove(node);
+    showingSelection = false;
+    showSelected(model->find(path));
 }
 
 void KelofolderView::Private::showSelected(const Node *node)
@@ -376,6 +390,7 @@ void KelofolderView::Private::showSelected(const Node *node)
         tree->setCurrentIndex(index);
         tree->scrollTo(index);
     } else {
+        tree->setCurrentIndex(QModelIndex());
         tree->clearSelection();
     }
     showingSelection = false;
@@ -402,7 +417,7 @@ void KelofolderView::Private::select(const QString &key, bool click)
         const QString text = node->text;
         showSelected(model->find(path));
         ShowFolderNotAccessible(text);
-        model->remove(model->find(key));
+        removeNode(model->find(key));
         return;
     }
     path = node->key;
@@ -458,7 +473,7 @@ void KelofolderView::Private::refresh()
             }
         }
         for (const QString &key : std::as_const(gone)) {
-            model->remove(model->find(key));
+            removeNode(model->find(key));
         }
         for (const DriveInfo &drive : drives) {
             if (Node *node = model->find(drive.rootPath)) {
@@ -486,7 +501,7 @@ void KelofolderView::Private::refresh()
         if (isFavourite(node)) {
             if (!there && !node->checked) {
                 while (!node->children.empty()) {
-                    model->remove(node->children.back().get());
+                    removeNode(node->children.back().get());
                 }
                 model->setText(node, key + UnavailableSuffix);
                 model->setImages(node, FileIconProvider::FolderUnavailable, FileIconProvider::FolderUnavailable);
@@ -499,7 +514,7 @@ void KelofolderView::Private::refresh()
                 addSubFolders(key);
             }
         } else if (!there) {
-            model->remove(node);
+            removeNode(node);
         }
     }
     // New sub-folders of the expanded nodes, one level ahead.
@@ -574,7 +589,7 @@ void KelofolderView::Private::deleteFolder()
     }
     Node *gone = model->find(key);
     const QString parentKey = gone && gone->parent ? gone->parent->key : QString();
-    model->remove(gone);
+    removeNode(gone);
     if (!parentKey.isEmpty()) {
         select(parentKey, false);
     }
@@ -629,7 +644,7 @@ bool KelofolderView::Private::commitLabel(Node *node, QString &text)
     const QString parentKey = node->parent ? node->parent->key : QString();
     const bool wasExpanded = tree->isExpanded(model->indexOf(node));
     // The node and everything below it are keyed by the old path: take them out and add the new name.
-    model->remove(node);
+    removeNode(node);
     if (!addFolder(parentKey, target, text, false).isEmpty()) {
         addSubFolders(target);
         if (wasExpanded) {

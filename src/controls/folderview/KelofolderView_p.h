@@ -47,6 +47,8 @@ public:
     void expanded(const QString &key);
     /// Step of selecting: @p click raises NodeClick first.
     void select(const QString &key, bool click);
+    /// Removes @p node and its sub-tree, keeping the selection where it was.
+    void removeNode(Node *node);
     /// Shows @p node as the selected one in TreeFolders without any event.
     void showSelected(const Node *node);
     void refresh();

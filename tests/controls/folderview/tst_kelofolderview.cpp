@@ -153,7 +153,7 @@ void TestKelofolderView::interfaceAndDefaults()
         "OLEGiveFeedback", "OLESetData", "OLEStartDrag", "Collapse", "Expand", "NodeClick", "BeforePaint", "AfterPaint",
         "AfterAddItem", "BeforeAddItem", "ChangedFolder"};
     for (int i = 0; i < events.size(); ++i)
-        QCOMPARE(KeloTest::classInfo(meta, ("DispId:" + events[i].toLatin1()).constData()), QString::number(i + 1));
+        QCOMPARE(KeloTest::classInfo(meta, QByteArray("DispId:" + events[i].toLatin1()).constData()), QString::number(i + 1));
     QVERIFY(meta.indexOfSignal("NodeClick(QString)") >= 0);
     QVERIFY(meta.indexOfSignal("AfterLabelEdit(int&,QString&)") >= 0);
 
@@ -310,14 +310,15 @@ void TestKelofolderView::beforeAddItemCancelled()
     makeRoot({"a/", "a/b/", "c/"});
     pathRoot.replace(QStringLiteral("<root>"), m_root);
     KelofolderView view;
-    QSignalSpy after(&view, &KelofolderView::AfterAddItem);
+    int afterAdds = 0;
+    connect(&view, &KelofolderView::AfterAddItem, &view, [&](int &) { ++afterAdds; });
     connect(&view, &KelofolderView::BeforeAddItem, &view, [](int &cancel) { cancel = 1; });
     view.setPathRoot(pathRoot);
     view.AddNewFolder(at("a"));
     view.AddNewFolder(at("missing"));
     view.Refresh();
     QCOMPARE(view.ItemCount(), 1);
-    QCOMPARE(after.size(), 0);
+    QCOMPARE(afterAdds, 0);
     QCOMPARE(view.GetMyFolders(), QStringList({at("a"), at("missing")}));
 }
 
@@ -465,10 +466,11 @@ void TestKelofolderView::keys()
     boxes.answers = answers;
     KelofolderView view;
     view.setPathRoot(m_root);
-    QSignalSpy keyDowns(&view, &KelofolderView::KeyDown);
+    QList<short> keyDowns;
+    connect(&view, &KelofolderView::KeyDown, &view, [&](short &code, short &) { keyDowns << code; });
     view.setPath(at("src"));
     press(view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-    QCOMPARE(keyDowns.size(), 1);
+    QCOMPARE(keyDowns.last(), short(QChar(key).isLetter() ? key : key == Qt::Key_Delete ? 46 : 0));
     // Paste whatever the key put on the clipboard into dst, with Ctrl+V.
     view.setPath(at("dst"));
     press(view, Qt::Key_V, Qt::ControlModifier);
@@ -481,9 +483,10 @@ void TestKelofolderView::keys()
 
     // F2 opens the label editor, F5 picks up a new folder.
     view.setPath(at("dst"));
-    QSignalSpy beforeEdit(&view, &KelofolderView::BeforeLabelEdit);
+    int beforeEdits = 0;
+    connect(&view, &KelofolderView::BeforeLabelEdit, &view, [&](int &) { ++beforeEdits; });
     press(view, Qt::Key_F2);
-    QCOMPARE(beforeEdit.size(), 1);
+    QCOMPARE(beforeEdits, 1);
     QLineEdit *editor = view.treeFolders()->findChild<QLineEdit *>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("dst"));
@@ -556,6 +559,9 @@ void TestKelofolderView::drops()
     const QPoint point = tree->visualRect(indexOfKey(view, at("target"))).center();
     std::unique_ptr<QMimeData> data(fileListMimeData({at("f.txt")}));
     const Qt::KeyboardModifiers modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
+    QDragEnterEvent enter(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
+    QApplication::sendEvent(tree->viewport(), &enter);
+    QVERIFY(enter.isAccepted());
     QDragMoveEvent move(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
     QApplication::sendEvent(tree->viewport(), &move);
     QVERIFY(move.isAccepted());
