@@ -18,9 +18,18 @@ int compareTexts(const QString &a, const QString &b)
 
 size_t FolderTreeModel::KeyHash::operator()(const QString &key) const
 {
+    // FNV-1a over the case-folded text; ASCII, nearly all of a path, is folded inline.
     size_t h = 1469598103934665603ull;
     for (const QChar c : key) {
-        h = (h ^ c.toCaseFolded().unicode()) * 1099511628211ull;
+        char16_t u = c.unicode();
+        if (u < 0x80) {
+            if (u >= 'A' && u <= 'Z') {
+                u += 'a' - 'A';
+            }
+        } else {
+            u = c.toCaseFolded().unicode();
+        }
+        h = (h ^ u) * 1099511628211ull;
     }
     return h;
 }
@@ -61,23 +70,22 @@ int FolderTreeModel::sortedRow(const std::vector<std::unique_ptr<Node>> &sibling
 FolderTreeModel::Node *FolderTreeModel::add(
     Node *parent, const QString &key, const QString &text, const QString &image, const QString &selectedImage)
 {
-    if (m_byKey.find(key) != m_byKey.end()) {
-        return nullptr;
-    }
     auto node = std::make_unique<Node>();
     node->key = key;
+    Node *raw = node.get();
+    if (!m_byKey.insert(raw).second) {
+        return nullptr; // that key has a node already
+    }
     node->text = text;
     node->parent = parent;
     node->image = keyId(image);
     node->selectedImage = keyId(selectedImage);
-    Node *raw = node.get();
     auto &siblings = siblingsOf(parent);
     const int row = sortedRow(siblings, text);
     beginInsertRows(parent ? indexOf(parent) : QModelIndex(), row, row);
     siblings.insert(siblings.begin() + row, std::move(node));
     m_order.push_back(raw);
     raw->index = int(m_order.size());
-    m_byKey.insert(raw);
     endInsertRows();
     return raw;
 }
@@ -231,6 +239,9 @@ QIcon FolderTreeModel::iconOf(quint16 id) const
 int FolderTreeModel::rowOf(const Node *node) const
 {
     const auto &siblings = siblingsOf(node->parent);
+    if (node->rowHint < int(siblings.size()) && siblings[size_t(node->rowHint)].get() == node) {
+        return node->rowHint;
+    }
     // Siblings are sorted by text: search from the first of equal text.
     int row = sortedRow(siblings, node->text);
     while (row > 0 && compareTexts(siblings[size_t(row - 1)]->text, node->text) >= 0) {
@@ -238,12 +249,12 @@ int FolderTreeModel::rowOf(const Node *node) const
     }
     for (int r = row; r < int(siblings.size()); ++r) {
         if (siblings[size_t(r)].get() == node) {
-            return r;
+            return node->rowHint = r;
         }
     }
     for (int r = 0; r < int(siblings.size()); ++r) { // a text changed behind our back
         if (siblings[size_t(r)].get() == node) {
-            return r;
+            return node->rowHint = r;
         }
     }
     return -1;

@@ -46,6 +46,7 @@ public:
         Node *parent = nullptr;
         std::vector<std::unique_ptr<Node>> children;
         int index = 0; ///< 1-based place in the order of adding
+        mutable int rowHint = 0; ///< where rowOf() last found the node among its siblings
         quint16 image = 0; ///< id into the key table
         quint16 selectedImage = 0;
         bool checkable = false;

@@ -18,6 +18,7 @@
 #include "PropertyValues.h"
 #include "RuntimeError.h"
 #include "StockEventFilter.h"
+#include "SubFolderList.h"
 #include "frmProperties.h"
 
 #include <QDrag>
@@ -224,22 +225,20 @@ QString KelofolderView::Private::addDrive(const QString &parentKey, const DriveI
 bool KelofolderView::Private::addSubFolders(const QString &key)
 {
     const FileSystem &fs = FileSystem::instance();
-    FolderContents contents;
-    try {
-        contents = fs.listFolder(key);
-    } catch (const RuntimeError &) {
+    if (!systemMountCache) {
+        systemMountCache = SubFolderList::systemMountPoints();
+    }
+    QList<FileEntry> folders;
+    if (!SubFolderList::list(key, *systemMountCache, folders)) {
         return model->find(key) != nullptr; // an unreadable folder shows no sub-folders
     }
-    for (const FileEntry &entry : std::as_const(contents.folders)) {
+    for (const FileEntry &entry : std::as_const(folders)) {
         if (!rules.passesAttributes(entry)) {
             continue;
         }
-        const QString childKey = FileSystem::buildPath(contents.path, entry.name);
-        if (model->find(childKey)) {
-            continue;
-        }
+        const QString childKey = FileSystem::buildPath(key, entry.name);
         const bool hidden = entry.attributes & FileAttribute::Hidden;
-        if (mountPoints().contains(childKey)) {
+        if (mountPoints().contains(childKey) && !model->find(childKey)) {
             // A drive mounted inside the tree: the folder's name, the drive's picture.
             DriveInfo drive;
             try {
@@ -250,7 +249,7 @@ bool KelofolderView::Private::addSubFolders(const QString &key)
             ensureDriveImage(drive);
             const QString driveType = DriveTypeName(drive);
             addNode(key, childKey, entry.name, driveType, OpenPrefix + driveType);
-        } else {
+        } else if (!mountPoints().contains(childKey)) {
             addFolder(key, childKey, entry.name, hidden);
         }
         if (!model->find(key)) {

@@ -104,6 +104,7 @@ public:
         {
             if (--m_d.depth == 0) {
                 m_d.mountCache.reset();
+                m_d.systemMountCache.reset();
             }
         }
         Step(const Step &) = delete;
@@ -129,6 +130,7 @@ public:
     bool showingSelection = false; ///< TreeFolders' selection is being set by the control
     int depth = 0;
     std::optional<QSet<QString>> mountCache;
+    std::optional<QSet<QByteArray>> systemMountCache; ///< the System mount points, read once per step
     QString folderTypeText;
 
     Kelocontrols::OleColor foreColor = 0x80000012;
