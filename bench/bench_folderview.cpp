@@ -72,8 +72,7 @@ int rawExpansion(const QByteArray &big)
 QModelIndex indexOfKey(QTreeView *tree, const QString &key)
 {
     QAbstractItemModel *model = tree->model();
-    return model->match(model->index(0, 0), Qt::UserRole, key, 1, Qt::MatchRecursive | Qt::MatchFixedString)
-        .value(0);
+    return model->match(model->index(0, 0), Qt::UserRole, key, 1, Qt::MatchRecursive | Qt::MatchFixedString).value(0);
 }
 
 size_t heapInUse()

@@ -335,8 +335,8 @@ Qt::ItemFlags FolderTreeModel::flags(const QModelIndex &index) const
     if (!node) {
         return Qt::ItemIsDropEnabled;
     }
-    Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDragEnabled
-        | Qt::ItemIsDropEnabled;
+    Qt::ItemFlags f
+        = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
     return f;
 }
 

@@ -63,8 +63,8 @@ public:
      * Adds a node under @p parent (nullptr: a root) at its sorted place and
      * answers it; nullptr when a node of that key exists already.
      */
-    Node *add(Node *parent, const QString &key, const QString &text, const QString &image,
-        const QString &selectedImage);
+    Node *add(
+        Node *parent, const QString &key, const QString &text, const QString &image, const QString &selectedImage);
     /// Removes @p node with its sub-tree.
     void remove(Node *node);
 

@@ -22,9 +22,10 @@
 #include "frmProperties.h"
 
 #include <QDrag>
-#include <QFile>
 #include <QDragMoveEvent>
 #include <QDropEvent>
+#include <QFile>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -577,8 +578,8 @@ void KelofolderView::Private::deleteFolder()
     if (!entry || !entry->isFolder()) {
         return;
     }
-    const int answer = entry->attributes & FileAttribute::ReadOnly ? ConfirmReadOnlyFolderDelete(name)
-                                                                    : ConfirmFolderDelete(name);
+    const int answer
+        = entry->attributes & FileAttribute::ReadOnly ? ConfirmReadOnlyFolderDelete(name) : ConfirmFolderDelete(name);
     if (answer != 6) {
         return;
     }
@@ -872,11 +873,19 @@ KelofolderView::KelofolderView(QWidget *parent)
         }
     });
     connect(d->tree->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex &current) {
-        if (d->showingSelection || !UserMode()) {
+        // A mouse click is told by clicked() once the button is up, also on the node already selected.
+        if (d->showingSelection || !UserMode() || QGuiApplication::mouseButtons() != Qt::NoButton) {
             return;
         }
         if (const FolderTreeModel::Node *node = d->model->nodeOf(current)) {
             d->select(node->key, true);
+        }
+    });
+    connect(d->tree, &QAbstractItemView::clicked, this, [this](const QModelIndex &index) {
+        if (UserMode() && !d->showingSelection) {
+            if (const FolderTreeModel::Node *node = d->model->nodeOf(index)) {
+                d->select(node->key, true);
+            }
         }
     });
     connect(d->tree, &QWidget::customContextMenuRequested, this, [this](const QPoint &) {
@@ -908,7 +917,7 @@ const PropertyTable<KelofolderView> &KelofolderView::table()
     static const PropertyTable<KelofolderView> properties = [] {
         using C = KelofolderView;
         const auto text = [](const QString &s) { return QVariant(s); };
-        const auto drop = [](C &, const QVariant &) { };
+        const auto drop = [](C &, const QVariant &) {};
         PropertyTable<C> t;
         t.add(
              "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
@@ -1082,8 +1091,7 @@ void KelofolderView::changeEvent(QEvent *event)
 
 bool KelofolderView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == d->tree && event->type() == QEvent::KeyPress && UserMode()
-        && !d->tree->editing()) {
+    if (watched == d->tree && event->type() == QEvent::KeyPress && UserMode() && !d->tree->editing()) {
         auto *key = static_cast<QKeyEvent *>(event);
         return d->keyCommand(StockEventFilter::keyCode(key->key()), StockEventFilter::shiftState(key->modifiers()));
     }

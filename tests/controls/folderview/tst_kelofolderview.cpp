@@ -153,7 +153,8 @@ void TestKelofolderView::interfaceAndDefaults()
         "OLEGiveFeedback", "OLESetData", "OLEStartDrag", "Collapse", "Expand", "NodeClick", "BeforePaint", "AfterPaint",
         "AfterAddItem", "BeforeAddItem", "ChangedFolder"};
     for (int i = 0; i < events.size(); ++i)
-        QCOMPARE(KeloTest::classInfo(meta, QByteArray("DispId:" + events[i].toLatin1()).constData()), QString::number(i + 1));
+        QCOMPARE(KeloTest::classInfo(meta, QByteArray("DispId:" + events[i].toLatin1()).constData()),
+            QString::number(i + 1));
     QVERIFY(meta.indexOfSignal("NodeClick(QString)") >= 0);
     QVERIFY(meta.indexOfSignal("AfterLabelEdit(int&,QString&)") >= 0);
 
@@ -199,11 +200,16 @@ void TestKelofolderView::roots_data()
 {
     QTest::addColumn<QString>("pathRoot");
     QTest::addColumn<QString>("rootKey");
-    QTest::newRow("My Computer") << "My Computer" << "My Computer";
-    QTest::newRow("mixed case") << "mY cOMPUTER" << "My Computer";
-    QTest::newRow("My Folders") << "MY FOLDERS" << "My Folders";
-    QTest::newRow("missing folder") << "/no/such/folder/here" << "My Computer";
-    QTest::newRow("folder") << "<root>" << "<root>";
+    QTest::newRow("My Computer") << "My Computer"
+                                 << "My Computer";
+    QTest::newRow("mixed case") << "mY cOMPUTER"
+                                << "My Computer";
+    QTest::newRow("My Folders") << "MY FOLDERS"
+                                << "My Folders";
+    QTest::newRow("missing folder") << "/no/such/folder/here"
+                                    << "My Computer";
+    QTest::newRow("folder") << "<root>"
+                            << "<root>";
 }
 
 void TestKelofolderView::roots()
@@ -259,8 +265,8 @@ void TestKelofolderView::oneLevelAheadAndHidden()
     QFETCH(bool, allowHidden);
     QFETCH(QStringList, before);
     QFETCH(QStringList, after);
-    makeRoot({"a/", "a/a1/", "a/a1/deep/", "a/a1/deep/deeper/", "a/listed/", "a/listed/x/", "a/.hidden=listed\n",
-        "b/", ".dot/", ".dot/in/"});
+    makeRoot({"a/", "a/a1/", "a/a1/deep/", "a/a1/deep/deeper/", "a/listed/", "a/listed/x/", "a/.hidden=listed\n", "b/",
+        ".dot/", ".dot/in/"});
     KelofolderView view;
     view.setAllowHiddenFolders(allowHidden);
     view.setPathRoot(m_root);
@@ -372,14 +378,16 @@ void TestKelofolderView::vanishedFolders()
     QVERIFY(FileOperations::deleteFolder(at("a")));
     view.treeFolders()->expand(indexOfKey(view, at("a")));
     QCOMPARE(boxes.shown,
-        QStringList({"Folder Not Accessible|" + at("a") + " is not accessible.\r\n\r\nThis folder was moved or removed."}));
+        QStringList(
+            {"Folder Not Accessible|" + at("a") + " is not accessible.\r\n\r\nThis folder was moved or removed."}));
     QCOMPARE(nodes(view, m_root), QStringList({".", "b", "c"}));
 
     boxes.shown.clear();
     QVERIFY(FileOperations::deleteFolder(at("b")));
     click(view, at("b"));
     QCOMPARE(clicks.size(), 1);
-    QCOMPARE(boxes.shown, QStringList({"Folder Not Accessible|b is not accessible.\r\n\r\nThis folder was moved or removed."}));
+    QCOMPARE(boxes.shown,
+        QStringList({"Folder Not Accessible|b is not accessible.\r\n\r\nThis folder was moved or removed."}));
     QCOMPARE(nodes(view, m_root), QStringList({".", "c"}));
     QCOMPARE(changed.size(), 0);
 
@@ -436,14 +444,16 @@ void TestKelofolderView::keys_data()
     QTest::addColumn<QStringList>("expectedDisk");
     QTest::addColumn<QStringList>("expectedBoxes");
     const QStringList untouched{"dst/", "src/", "src/f.txt=x"};
-    const QString confirm = QStringLiteral("Confirm Folder Delete|Are you sure you want to remove the folder 'src' and\r\n"
-                                           "move all its contents to the Recycle Bin?");
+    const QString confirm
+        = QStringLiteral("Confirm Folder Delete|Are you sure you want to remove the folder 'src' and\r\n"
+                         "move all its contents to the Recycle Bin?");
     const int ctrl = int(Qt::ControlModifier);
     QTest::newRow("Delete, Yes") << int(Qt::Key_Delete) << 0 << QList<int>{6} << QStringList{"dst/"}
                                  << QStringList{confirm};
     QTest::newRow("Delete, No") << int(Qt::Key_Delete) << 0 << QList<int>{7} << untouched << QStringList{confirm};
-    QTest::newRow("Ctrl+C, Ctrl+V") << int(Qt::Key_C) << ctrl << QList<int>{} << QStringList{"dst/", "dst/src/",
-        "dst/src/f.txt=x", "src/", "src/f.txt=x"} << QStringList{};
+    QTest::newRow("Ctrl+C, Ctrl+V") << int(Qt::Key_C) << ctrl << QList<int>{}
+                                    << QStringList{"dst/", "dst/src/", "dst/src/f.txt=x", "src/", "src/f.txt=x"}
+                                    << QStringList{};
     QTest::newRow("Ctrl+X, Ctrl+V") << int(Qt::Key_X) << ctrl << QList<int>{}
                                     << QStringList{"dst/", "dst/src/", "dst/src/f.txt=x"} << QStringList{};
     QTest::newRow("C alone") << int(Qt::Key_C) << 0 << QList<int>{} << untouched << QStringList{};
@@ -556,6 +566,14 @@ void TestKelofolderView::drops()
     view.setPathRoot(m_root);
     QVERIFY(QTest::qWaitForWindowExposed(&view));
     QTreeView *tree = view.treeFolders();
+    // A mouse click and an arrow key each raise NodeClick and make the node current.
+    QStringList clicked;
+    connect(&view, &KelofolderView::NodeClick, &view, [&](const QString &node) { clicked << node; });
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(indexOfKey(view, at("other"))).center());
+    QCOMPARE(view.Path(), at("other"));
+    press(view, Qt::Key_Down);
+    QCOMPARE(clicked, QStringList({at("other"), at("target")}));
+    QCOMPARE(view.Path(), at("target"));
     const QPoint point = tree->visualRect(indexOfKey(view, at("target"))).center();
     std::unique_ptr<QMimeData> data(fileListMimeData({at("f.txt")}));
     const Qt::KeyboardModifiers modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
