@@ -60,6 +60,7 @@ QWidget *createFolderViewPage(QWidget *parent)
     folders->setBorderStyle(1);
     auto *files = new KelofileView(splitter);
     files->setObjectName(QStringLiteral("Files"));
+    files->setView(1); // small icons: the names in full beside the narrow tree
     splitter->setStretchFactor(1, 2);
     layout->addWidget(splitter, 1);
 
@@ -81,7 +82,8 @@ QWidget *createFolderViewPage(QWidget *parent)
     };
     QObject::connect(roots, &QComboBox::currentIndexChanged, page, setRoot);
     setRoot();
-    folders->setPath(sample + QStringLiteral("/Documents/Reports"));
+    folders->setPath(sample + QStringLiteral("/Documents/Reports/2026"));
+    folders->setPath(sample + QStringLiteral("/Projects/Website"));
     files->setPathRoot(folders->Path());
     return page;
 }
