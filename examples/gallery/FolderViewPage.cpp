@@ -73,8 +73,8 @@ QWidget *createFolderViewPage(QWidget *parent)
         const QString root = roots->currentData().toString();
         folders->setPathRoot(root);
         if (root == QStringLiteral("My Folders")) {
-            for (const QString &favourite : {sample + QStringLiteral("/Documents"), sample + QStringLiteral("/Music"),
-                     sample + QStringLiteral("/Archive")}) {
+            for (const QString &favourite : QStringList{sample + QStringLiteral("/Documents"),
+                     sample + QStringLiteral("/Music"), sample + QStringLiteral("/Archive")}) {
                 folders->AddNewFolder(favourite);
             }
         }

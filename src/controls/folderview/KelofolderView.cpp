@@ -718,9 +718,14 @@ bool KelofolderView::Private::keyCommand(short keyCode, short shift)
 
 void KelofolderView::Private::startDrag()
 {
-    if (oleDragMode == 1) {
-        q.OLEDrag();
+    if (oleDragMode != 1) {
+        return;
     }
+    // The press that starts a drag has made the node under the pointer current, but no click came yet.
+    if (const Node *pressed = model->nodeOf(tree->currentIndex()); pressed && pressed != model->current()) {
+        select(pressed->key, true);
+    }
+    q.OLEDrag();
 }
 
 void KelofolderView::Private::dragMoved(QDragMoveEvent *event)
@@ -1347,6 +1352,11 @@ void KelofolderView::OLEDrag()
     if (allowed & 2) {
         actions |= Qt::MoveAction;
     }
+    connect(drag, &QDrag::actionChanged, this, [this](Qt::DropAction action) {
+        int effect = action == Qt::CopyAction ? 1 : action == Qt::MoveAction ? 2 : 0;
+        bool defaultCursors = true;
+        Q_EMIT OLEGiveFeedback(effect, defaultCursors);
+    });
     const Qt::DropAction done = drag->exec(actions, Qt::MoveAction);
     int effect = done == Qt::CopyAction ? 1 : done == Qt::MoveAction ? 2 : 0;
     Q_EMIT OLECompleteDrag(effect);

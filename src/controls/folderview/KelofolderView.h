@@ -31,7 +31,9 @@ class PropertyTable;
  *
  * Setting PathRoot at run time builds the tree ("My Computer" and
  * "My Folders" in any letter case; a folder that does not exist builds
- * "My Computer"). Nodes are keyed by their folder's full path (a drive's by
+ * "My Computer"; the empty default builds nothing, so a new control reads
+ * no disk until the host names its root). Loading saved properties builds
+ * it too, and selects the saved Path when that node is there. Nodes are keyed by their folder's full path (a drive's by
  * its mount point; the pseudo-roots by their names), compared without
  * regard to case; their texts are FolderDisplayName() / DriveDisplayName().
  * The tree is filled one level ahead: every visible node already holds its
@@ -43,8 +45,14 @@ class PropertyTable;
  * and system folders (pseudo file-system mounts) show only with
  * AllowHiddenFolders / AllowSystemFolders; hidden ones are ghosted.
  *
- * Every node added raises BeforeAddItem(Cancel) (a handler that sets Cancel
- * keeps it out) and then AfterAddItem(Index) with the node's index. Node
+ * Drives are the mounts FileSystem lists (the file view's "My Computer"),
+ * captioned by DriveDisplayName(); Refresh() adds drives that appeared and
+ * removes those that went. A drive mounted inside a listed folder shows
+ * under its folder name with its drive picture.
+ *
+ * Every node below the root raises BeforeAddItem(Cancel) (a handler that
+ * sets Cancel keeps it out) and then AfterAddItem(Index) with the node's
+ * index; the root itself is always there. Node
  * indexes (ItemIndex, 1-based) count the nodes in the order they were
  * added; removing a node closes the gap.
  *

@@ -547,6 +547,20 @@ void TestKelofolderView::newFolderAndRename()
     view.setPath(at("p/renamed"));
     press(view, Qt::Key_F2);
     QVERIFY(!view.treeFolders()->findChild<QLineEdit *>());
+
+    // A read-only folder is asked about with its own question; No keeps it.
+    QVERIFY(::chmod(QFile::encodeName(at("p/renamed")).constData(), 0555) == 0);
+    boxes.shown.clear();
+    boxes.answers = {7};
+    press(view, Qt::Key_Delete);
+    QCOMPARE(boxes.shown,
+        QStringList({"Confirm Folder Delete|The folder 'renamed' is a read-only folder.  Are you sure you\r\nwant to "
+                     "remove it and move all its contents to the Recycle Bin?"}));
+    QVERIFY(goTo(view, at("p/renamed")));
+    boxes.answers = {6};
+    press(view, Qt::Key_Delete);
+    QCOMPARE(readTree(at("p")), QStringList({"New folder (2)/", "New folder/"}));
+    QCOMPARE(view.Path(), at("p"));
 }
 
 void TestKelofolderView::drops_data()
