@@ -11,6 +11,8 @@
 #include <Kelocontrols/MsgBox.h>
 #include <Kelocontrols/PropertyBag.h>
 #include <Kelocontrols/PropertyTable.h>
+#include <Kelocontrols/RuntimeError.h>
+#include <Kelocontrols/SubFolderList.h>
 
 #include <QAbstractItemModel>
 #include <QApplication>
@@ -135,6 +137,8 @@ private Q_SLOTS:
     void newFolderAndRename();
     void drops_data();
     void drops();
+    void itemAndImageMembers();
+    void subFolderList();
 };
 
 void TestKelofolderView::interfaceAndDefaults()
@@ -611,6 +615,77 @@ void TestKelofolderView::drops()
     QDragMoveEvent refused(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
     QApplication::sendEvent(tree->viewport(), &refused);
     QVERIFY(!refused.isAccepted());
+}
+
+void TestKelofolderView::itemAndImageMembers()
+{
+    makeRoot({"a/", "a/b/", "a/b/c/"});
+    KelofolderView view;
+    view.setPathRoot(m_root);
+    QCOMPARE(view.ItemCount(), 3);
+    QVERIFY(goTo(view, at("a")));
+    QCOMPARE(view.ItemName(), QStringLiteral("a"));
+    QVERIFY(!view.ItemExpanded());
+    QStringList expanded;
+    connect(&view, &KelofolderView::Expand, &view, [&](const QString &node) { expanded << node; });
+    view.setItemExpanded(true); // as the user would: Expand, then one level ahead
+    QCOMPARE(expanded, QStringList({at("a")}));
+    QVERIFY(view.ItemExpanded());
+    QCOMPARE(view.ItemCount(), 4);
+
+    view.setItemTag(QStringLiteral("mine"));
+    QCOMPARE(view.ItemTag(), QStringLiteral("mine"));
+    view.setItemDisplayName(QStringLiteral("Renamed on screen only"));
+    QCOMPARE(indexOfKey(view, at("a")).data().toString(), QStringLiteral("Renamed on screen only"));
+    QVERIFY(QFileInfo::exists(at("a")));
+    QCOMPARE(errorNumberOf([&] { view.setItemIcon(QStringLiteral("no such key")); }), 35601);
+
+    // Images: the tree's list, 1-based; a host picture can become a node's image.
+    const int count = view.ImageCount();
+    QPixmap red(16, 16);
+    red.fill(Qt::red);
+    QCOMPARE(view.ImageAddNew(red, QStringLiteral("Red")), count + 1);
+    QCOMPARE(errorNumberOf([&] { view.ImageAddNew(red, QStringLiteral("red")); }), 35602);
+    view.setItemIcon(QStringLiteral("Red"));
+    QCOMPARE(view.ItemIcon(), QStringLiteral("Red"));
+    view.setImageIndex(count + 1);
+    QCOMPARE(view.ImageKey(), QStringLiteral("Red"));
+    view.setImageTag(QStringLiteral("t"));
+    QCOMPARE(view.ImageTag(), QStringLiteral("t"));
+    view.ImageRemove(QStringLiteral("RED"));
+    QCOMPARE(view.ImageCount(), count);
+    view.setItemIndex(view.ItemCount() + 1);
+    QCOMPARE(view.ItemPath(), QString());
+    QCOMPARE(view.ItemTag(), QString());
+
+    // The timer refreshes at run time only.
+    view.setRefreshInterval(50);
+    QVERIFY(view.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
+    QVERIFY(FileOperations::deleteFolder(at("a/b")));
+    QVERIFY(KeloTest::fireTimer(&view, QStringLiteral("RefreshTimer")));
+    QVERIFY(!goTo(view, at("a/b")));
+    view.setUserMode(false);
+    QVERIFY(!view.findChild<QTimer *>(QStringLiteral("RefreshTimer"))->isActive());
+}
+
+void TestKelofolderView::subFolderList()
+{
+    makeRoot({"z/", "A/", ".dot/", "listed/", ".hidden=listed\r\n", "file.txt=x", "link->z", "broken->/no/such"});
+    QList<FileEntry> folders;
+    QVERIFY(SubFolderList::list(m_root, SubFolderList::systemMountPoints(), folders));
+    QStringList found;
+    for (const FileEntry &entry : folders)
+        found << entry.name + QLatin1Char(':') + QString::number(entry.attributes);
+    found.sort();
+    QCOMPARE(found, QStringList({".dot:18", "A:16", "link:1040", "listed:18", "z:16"}));
+    QVERIFY(!SubFolderList::list(at("missing"), {}, folders));
+
+    QList<FileEntry> top;
+    QVERIFY(SubFolderList::list(QStringLiteral("/"), SubFolderList::systemMountPoints(), top));
+    for (const FileEntry &entry : top) {
+        if (entry.name == QStringLiteral("proc"))
+            QCOMPARE(entry.attributes & FileAttribute::System, FileAttribute::System);
+    }
 }
 
 QTEST_MAIN(TestKelofolderView)
