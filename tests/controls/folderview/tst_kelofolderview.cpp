@@ -504,8 +504,13 @@ void TestKelofolderView::keys()
     QLineEdit *editor = view.treeFolders()->findChild<QLineEdit *>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("dst"));
-    QTest::keyClick(editor, Qt::Key_Escape);
+    editor->setText(QStringLiteral("dst2"));
+    QTest::keyClick(editor, Qt::Key_Return); // the editor commits (queued): the folder is renamed on disk
+    QTRY_VERIFY(QFileInfo::exists(at("dst2")));
+    QVERIFY(goTo(view, at("dst2")));
+    QCOMPARE(view.Path(), at("dst2"));
     QVERIFY(makeTree(m_root, {"new/"}));
+    QTest::qWait(1); // the closed editor goes
     press(view, Qt::Key_F5);
     QVERIFY(goTo(view, at("new")));
 }
