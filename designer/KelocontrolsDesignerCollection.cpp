@@ -6,6 +6,7 @@
 
 #include "Kelochameleon.h"
 #include "KelofileView.h"
+#include "KelofolderView.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
@@ -23,6 +24,11 @@ QList<ControlEntry> controlEntries()
                            "icons, sizes, types and dates in large icon, small icon, list or details view; set "
                            "PathRoot to show a folder."),
             ToolboxIcons::fileView),
+        controlEntry<KelofolderView>(QStringLiteral("Folder view: a folder tree"),
+            QStringLiteral("Shows the drives of \"My Computer\", the host's \"My Folders\" or one folder's sub-tree as "
+                           "a tree filled one level ahead, with cut, copy, paste, delete, rename and new folder; "
+                           "set PathRoot to build it."),
+            ToolboxIcons::folderView),
         controlEntry<KeloscoreCard>(QStringLiteral("Score card: a score as a grade picture, a colour card or a gauge"),
             QStringLiteral("Shows a numeric score graded against four thresholds (ScoreBad, ScoreMaybe, ScoreGood, "
                            "ScoreStar) as a score card, smiley or traffic light picture, a flash card in the grade "

@@ -55,6 +55,11 @@ QIcon fileView()
     return badge(QStringLiteral("FV"), QColor(0xf5, 0x7c, 0x00));
 }
 
+QIcon folderView()
+{
+    return badge(QStringLiteral("FT"), QColor(0xc6, 0x8a, 0x00));
+}
+
 QIcon chameleon()
 {
     return badge(QStringLiteral("Ch"), QColor(0x43, 0xa0, 0x47));

@@ -21,6 +21,9 @@ QIcon listBox();
 /// The file view: a file-list badge.
 QIcon fileView();
 
+/// The folder view: a folder-tree badge.
+QIcon folderView();
+
 /// The chameleon: a colour badge.
 QIcon chameleon();
 

@@ -23,6 +23,7 @@
 #include "KeloVersion.h"
 #include "Kelochameleon.h"
 #include "KelofileView.h"
+#include "KelofolderView.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 #include "Like.h"

@@ -15,6 +15,7 @@ const QList<GalleryPage> &pages()
 {
     static const QList<GalleryPage> list = {
         {QStringLiteral("File view"), &createFileViewPage, QStringLiteral("fileview")},
+        {QStringLiteral("Folder view"), &createFolderViewPage, QStringLiteral("folderview")},
         {QStringLiteral("Score cards"), &createScoreCardPage, QStringLiteral("scorecards")},
         {QStringLiteral("List box"), &createListBoxPage, QStringLiteral("listbox")},
         {QStringLiteral("Chameleon"), &createChameleonPage, QStringLiteral("chameleon")},

@@ -8,6 +8,7 @@
 #include "InterfaceDescription.h"
 #include "Kelochameleon.h"
 #include "KelofileView.h"
+#include "KelofolderView.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
@@ -28,6 +29,7 @@ const std::map<QString, Factory> &controlFactories()
     static const std::map<QString, Factory> factories{
         {QStringLiteral("Kelochameleon"), [] { return new Kelochameleon; }},
         {QStringLiteral("KelofileView"), [] { return new KelofileView; }},
+        {QStringLiteral("KelofolderView"), [] { return new KelofolderView; }},
         {QStringLiteral("KelolistBox"), [] { return new KelolistBox; }},
         {QStringLiteral("KeloscoreCard"), [] { return new KeloscoreCard; }},
     };
