@@ -17,3 +17,4 @@ QWidget *createScoreCardPage(QWidget *parent);
 QWidget *createListBoxPage(QWidget *parent);
 QWidget *createChameleonPage(QWidget *parent);
 QWidget *createFileViewPage(QWidget *parent);
+QWidget *createFileCommandsPage(QWidget *parent);

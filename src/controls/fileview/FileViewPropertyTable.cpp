@@ -175,6 +175,9 @@ FileViewPropertyTable::FileViewPropertyTable()
     add(
         "ImageTag", text(QStringLiteral("0")), [](const C &c) { return QVariant(c.d->imageTag); },
         [](C &c, const QVariant &v) { c.d->imageTag = textFromVariant(v); });
+    add(
+        "DeleteToTrash", QVariant(false), [](const C &c) { return QVariant(c.d->deleteToTrash); },
+        [](C &c, const QVariant &v) { c.d->deleteToTrash = CBool(v); });
 }
 
 void FileViewPropertyTable::initialise(QObject &control) const
@@ -202,4 +205,5 @@ void FileViewPropertyTable::initialise(QObject &control) const
     c.d->totalSize = 0;
     c.d->oleDragMode = 1;
     c.d->oleDropMode = 2;
+    c.d->deleteToTrash = false;
 }

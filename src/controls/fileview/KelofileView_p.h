@@ -12,6 +12,9 @@ class QTimer;
 
 namespace Kelocontrols {
 class FileListModel;
+class FileViewCommands;
+class FileViewDragDrop;
+class FileViewLabelEdit;
 } // namespace Kelocontrols
 
 /// What a KelofileView keeps: its inner widgets, the parts that fill and refresh the list, and its property values.
@@ -53,6 +56,9 @@ public:
     Kelocontrols::FileViewFill filler;
     Kelocontrols::FileViewRefresh refresher;
     Kelocontrols::FileViewSearch searcher;
+    Kelocontrols::FileViewCommands *commands = nullptr; ///< the popup menus and their commands (a child QObject)
+    Kelocontrols::FileViewLabelEdit *labelEdit = nullptr; ///< renaming in place (a child QObject)
+    Kelocontrols::FileViewDragDrop *dragDrop = nullptr; ///< drop target and drag source (a child QObject)
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;
@@ -65,6 +71,7 @@ public:
     bool allowLabelEdit = true;
     int oleDragMode = 1;
     int oleDropMode = 2;
+    bool deleteToTrash = false;
     QStringList myFolders;
     QString myFoldersEntry; ///< the "My Folders" entry the user went down through, "" when none
     bool enteredFromMyFolders = false; ///< "My Folders" is listed and no item was opened since
