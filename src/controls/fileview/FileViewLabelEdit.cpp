@@ -29,10 +29,18 @@ FileViewLabelEdit::FileViewLabelEdit(KelofileView &view, int viewIndex)
     setObjectName(QStringLiteral("FileViewLabelEdit"));
     // One delegate per view: a delegate's closeEditor reaches every view it serves.
     QAbstractItemView *inner = q.d->list->views().at(viewIndex);
+    m_inner = inner;
     inner->setItemDelegateForColumn(FileListModel::Name, this);
     inner->setEditTriggers(QAbstractItemView::SelectedClicked);
     if (viewIndex + 1 < q.d->list->views().size()) {
         (new FileViewLabelEdit(view, viewIndex + 1))->setParent(this);
+    }
+}
+
+FileViewLabelEdit::~FileViewLabelEdit()
+{
+    if (m_inner) {
+        m_inner->setItemDelegateForColumn(FileListModel::Name, nullptr);
     }
 }
 

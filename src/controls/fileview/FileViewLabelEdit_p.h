@@ -2,6 +2,8 @@
 
 #include <kelocontrols_export.h>
 
+#include <QAbstractItemView>
+#include <QPointer>
 #include <QStyledItemDelegate>
 
 class KelofileView;
@@ -29,6 +31,8 @@ public:
 
     /// The delegate of @p view's inner view number @p viewIndex and, as its children, of the views after it.
     explicit FileViewLabelEdit(KelofileView &view, int viewIndex = 0);
+    /// Leaves the view without a delegate of its own for the column (views ask a deleted one otherwise).
+    ~FileViewLabelEdit() override;
 
     /// Opens the editor on @p row's label in the view shown; false when the edit was refused.
     bool edit(int row);
@@ -52,6 +56,7 @@ private:
     void commit(const QModelIndex &index, QString newName);
 
     KelofileView &q;
+    QPointer<QAbstractItemView> m_inner;
     bool m_committing = false; ///< a commit runs (its boxes may make the editor lose the focus and commit again)
 };
 

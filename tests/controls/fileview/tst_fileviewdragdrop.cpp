@@ -20,7 +20,9 @@
 #include <QProcess>
 #include <QRubberBand>
 #include <QStandardPaths>
+#include <QHBoxLayout>
 #include <QTest>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -60,6 +62,12 @@ QString dragTo(KelofileView &view, QMimeData *data, const QPoint &at, bool ctrl,
     return event.isAccepted() ? QString::number(event.dropAction()) : QStringLiteral("refused");
 }
 
+/// A real drag (X11) runs its own event loop until a release or Escape: this ends it should nothing else.
+void cancelDragSoon(QWidget *widget, int msecs = 300)
+{
+    QTimer::singleShot(msecs, widget, [widget] { QTest::keyClick(widget, Qt::Key_Escape); });
+}
+
 } // namespace
 
 class TestFileViewDragDrop : public QObject
@@ -78,6 +86,7 @@ private Q_SLOTS:
     void manualModePassesTheArguments();
     void dragSourceEvents();
     void pasteWhatAnotherProgramCopied();
+    void realDragBetweenTwoLists();
 
 private:
     QString root() const { return m_dir->path(); }
@@ -103,8 +112,11 @@ void TestFileViewDragDrop::drops_data()
                                            << QStringList{"dst/", "dst/sub/", "dst/sub/x.txt=x", "src/", "src/x.txt=x"};
     QTest::newRow("2: no folder shown") << 2 << "" << -1 << false << "refused"
                                         << "refused" << untouched;
-    QTest::newRow("2: moving to where it is") << 2 << "src" << -1 << false << "refused" << move
-                                              << QStringList{"dst/", "dst/sub/", "src/", "src/Copy (2) of x.txt=x"};
+    QTest::newRow("2: moving to where it is") << 2 << "src" << -1 << false << "refused"
+                                              << "refused" << untouched;
+    QTest::newRow("2: copying to where it is") << 2 << "src" << -1 << true << copy << copy
+                                               << QStringList{"dst/", "dst/sub/", "src/", "src/Copy (2) of x.txt=x",
+                                                      "src/x.txt=x"};
     QTest::newRow("1: the host decides") << 1 << "dst" << -1 << false << move << move << untouched;
     QTest::newRow("0: refused") << 0 << "dst" << -1 << true << "refused"
                                 << "refused" << untouched;
@@ -179,23 +191,28 @@ void TestFileViewDragDrop::dragSourceEvents()
     QVERIFY(makeTree(root(), {"a.txt=a", "b.txt=b"}));
     KelofileView view;
     view.setPathRoot(root());
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
     view.setItemSelected(2);
     QStringList events;
+    bool hostCancels = false;
     connect(&view, &KelofileView::OLEStartDrag, [&](QMimeData *data, int &allowed) {
         events << "Start " + filesOfMimeData(data).join(',').remove(root() + '/') + ' ' + QString::number(allowed);
-        if (events.size() > 2)
-            allowed = 0; // the second drag is cancelled by the host
+        if (hostCancels)
+            allowed = 0;
     });
     connect(&view, &KelofileView::OLESetData, [&](QMimeData *data, short &format) {
         events << "SetData " + QString::number(format) + ' ' + QString::number(data->hasFormat(kHdropMimeType));
     });
     connect(&view, &KelofileView::OLEGiveFeedback, [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
     connect(&view, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+    cancelDragSoon(&view);
     view.OLEDrag(); // nobody takes the drop here
     const QStringList first = events.mid(0, 2);
     QCOMPARE(first, (QStringList{"Start b.txt 3", "SetData 15 1"}));
     QCOMPARE(events.constLast(), QString("Complete 0"));
     events.clear();
+    hostCancels = true;
     view.OLEDrag();
     QCOMPARE(events, (QStringList{"Start b.txt 3", "Complete 0"}));
     view.setOLEDragMode(0);
@@ -226,6 +243,50 @@ void TestFileViewDragDrop::pasteWhatAnotherProgramCopied()
     QTest::keyClick(view.listFiles()->currentView(), Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(readTree(root()), (QStringList{"a/", "a/one.txt=1", "b/", "b/one.txt=1"})); // another program's list copies
     QCOMPARE(view.ItemCount(), 1);
+}
+
+// The mouse drives a drag the way the user's does: Qt's X11 drag watches the application's mouse events and
+// finds the target window under the pointer on the X server, so the lists must be real, mapped windows.
+void TestFileViewDragDrop::realDragBetweenTwoLists()
+{
+    if (QGuiApplication::platformName() != "xcb")
+        QSKIP("needs an X display (xvfb-run): the offscreen platform has no drag and drop");
+    QVERIFY(makeTree(root(), {"dst/", "src/", "src/x.txt=x"}));
+    QWidget window;
+    auto *layout = new QHBoxLayout(&window);
+    auto *left = new KelofileView(&window);
+    auto *right = new KelofileView(&window);
+    layout->addWidget(left);
+    layout->addWidget(right);
+    left->setOLEDragMode(2);
+    left->setPathRoot(root() + "/src");
+    right->setPathRoot(root() + "/dst");
+    window.setGeometry(20, 20, 640, 300);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QStringList events;
+    connect(left, &KelofileView::OLEStartDrag, [&](QMimeData *, int &) { events << "Start"; });
+    connect(left, &KelofileView::OLEGiveFeedback, [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
+    connect(left, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+
+    QWidget *from = viewport(*left);
+    QWidget *to = viewport(*right);
+    const QPoint item = pointAt(*left, 0);
+    QTimer::singleShot(200, to, [to] {
+        for (int x = 20; x <= 120; x += 20) {
+            QTest::mouseMove(to, QPoint(x, 60));
+            QTest::qWait(30);
+        }
+        QTest::mouseRelease(to, Qt::LeftButton, Qt::NoModifier, QPoint(120, 60));
+    });
+    cancelDragSoon(from, 5000);
+    QTest::mousePress(from, Qt::LeftButton, Qt::NoModifier, item);
+    QTest::mouseMove(from, item + QPoint(30, 0)); // starts the drag and returns when it is over
+    QTRY_COMPARE(events.constLast(), QString("Complete 2"));
+    QCOMPARE(events.constFirst(), QString("Start"));
+    QVERIFY2(events.contains("Feedback 2"), qPrintable(events.join(", ")));
+    QCOMPARE(readTree(root()), (QStringList{"dst/", "dst/x.txt=x", "src/"}));
+    QCOMPARE(left->ItemCount(), 0); // a completed move refreshes the source list
 }
 
 int main(int argc, char **argv)
