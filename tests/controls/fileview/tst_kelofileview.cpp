@@ -658,10 +658,10 @@ void TestKelofileView::persistenceRoundTrip()
 
     // Saved in the order of the property table.
     const QStringList order = loaded.propertyTable().writeOrder();
-    QCOMPARE(order.size(), 49);
+    QCOMPARE(order.size(), 50);
     QCOMPARE(order.first(), QStringLiteral("BackColor"));
     QCOMPARE(order.indexOf(QStringLiteral("ItemIndex")), 24);
-    QCOMPARE(order.last(), QStringLiteral("ImageTag"));
+    QCOMPARE(order.mid(48), (QStringList{"ImageTag", "DeleteToTrash"})); // the opt-in trash comes after the rest
     QCOMPARE(loaded.propertyTable().readOrder(), order);
 
     // A value the list refuses raises its own error out of the load.
