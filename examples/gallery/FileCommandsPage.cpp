@@ -64,8 +64,9 @@ QWidget *createFileCommandsPage(QWidget *parent)
 
     auto *lists = new QHBoxLayout;
     KelofileView *left = fileList(QStringLiteral("LeftFiles"),
-        sampleFolder(QStringLiteral("Left"), {QStringLiteral("agenda.txt"), QStringLiteral("minutes.txt"),
-                                                 QStringLiteral("photo.png"), QStringLiteral("budget.csv")}),
+        sampleFolder(QStringLiteral("Left"),
+            {QStringLiteral("agenda.txt"), QStringLiteral("minutes.txt"), QStringLiteral("photo.png"),
+                QStringLiteral("budget.csv")}),
         page);
     KelofileView *right = fileList(QStringLiteral("RightFiles"),
         sampleFolder(QStringLiteral("Right"), {QStringLiteral("letter.txt"), QStringLiteral("invoice.pdf")}), page);
@@ -78,8 +79,11 @@ QWidget *createFileCommandsPage(QWidget *parent)
     }
 
     // What the gallery's screenshot shows: the item menu open over the second item of the left list.
-    left->setItemSelected(2);
-    page->setProperty("shotMenu", QVariant::fromValue<QObject *>(left->findChild<QMenu *>(QStringLiteral("popOnFile"))));
+    QObject::connect(
+        left, &KelofileView::AfterPaint, left, [left] { left->setItemSelected(2); }, Qt::SingleShotConnection);
+    page->setProperty(
+        "shotMenu", QVariant::fromValue<QObject *>(left->findChild<QMenu *>(QStringLiteral("popOnFile"))));
     page->setProperty("shotMenuWidget", QVariant::fromValue<QObject *>(left));
+    page->setProperty("shotMenuAt", QPoint(90, 52));
     return page;
 }

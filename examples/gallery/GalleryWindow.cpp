@@ -26,7 +26,7 @@ const QList<GalleryPage> &pages()
 }
 
 // A page may ask for one of its popup menus in its picture ("shotMenu", opened at the middle of
-// "shotMenuWidget"): popups are windows of their own, so the menu is drawn into the picture.
+// "shotMenuWidget", or at "shotMenuAt" in it): popups are windows of their own, so the menu is drawn into the picture.
 void paintShotMenu(QWidget *page, QWidget *window, QPixmap &shot)
 {
     auto *menu = qobject_cast<QMenu *>(page->property("shotMenu").value<QObject *>());
@@ -34,7 +34,9 @@ void paintShotMenu(QWidget *page, QWidget *window, QPixmap &shot)
     if (!menu || !anchor) {
         return;
     }
-    const QPoint at = anchor->mapTo(window, QPoint(anchor->width() / 3, anchor->height() / 4));
+    const QVariant place = page->property("shotMenuAt");
+    const QPoint at
+        = anchor->mapTo(window, place.isValid() ? place.toPoint() : QPoint(anchor->width() / 3, anchor->height() / 4));
     Q_EMIT menu->aboutToShow();
     menu->popup(window->mapToGlobal(at));
     QApplication::processEvents();

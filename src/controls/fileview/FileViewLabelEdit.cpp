@@ -88,7 +88,8 @@ void FileViewLabelEdit::setEditorData(QWidget *editor, const QModelIndex &index)
         const bool isFile = q.d->model()->row(index.row()).kind == FileListKind::File;
         const int length = isFile && dot > 0 ? dot : text.size();
         // The view selects all once the editor is shown; this comes after.
-        QMetaObject::invokeMethod(line, [line, length] { line->setSelection(0, length); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            line, [line, length] { line->setSelection(0, length); }, Qt::QueuedConnection);
     }
 }
 

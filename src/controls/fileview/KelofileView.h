@@ -194,8 +194,8 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
         "Returns/Sets whether this control can act as an OLE drag/drop source, and whether this process is started "
         "automatically or under programmatic control.")
     Q_CLASSINFO("Help:OLEDropMode", "Returns/Sets whether this control can act as an OLE drop target.")
-    Q_CLASSINFO("Help:DeleteToTrash",
-        "Moves deleted items to the desktop's trash instead of removing them from the disk.")
+    Q_CLASSINFO(
+        "Help:DeleteToTrash", "Moves deleted items to the desktop's trash instead of removing them from the disk.")
     Q_CLASSINFO("DispId:OLEStartDrag", "5")
     Q_CLASSINFO("DispId:OLESetData", "6")
     Q_CLASSINFO("DispId:OLEGiveFeedback", "7")

@@ -55,7 +55,8 @@ void select(KelofileView &view, const QStringList &wanted)
     selection->clearSelection();
     for (int r = 0; r < view.ItemCount(); ++r) {
         if (wanted.contains(view.listFiles()->model()->text(r, FileListModel::Name)))
-            selection->select(view.listFiles()->model()->index(r, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            selection->select(
+                view.listFiles()->model()->index(r, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 }
 
@@ -144,8 +145,8 @@ void TestFileViewCommands::menus_data()
     QTest::addColumn<QString>("menu");
     QTest::addColumn<QStringList>("entries");
     QTest::newRow("popOnFile") << "popOnFile"
-                               << QStringList{"&Open", "&Print", "-", "Cu&t", "&Copy", "-", "Create &Shortcut", "&Delete",
-                                      "Rena&me", "-", "Prope&rties"};
+                               << QStringList{"&Open", "&Print", "-", "Cu&t", "&Copy", "-", "Create &Shortcut",
+                                      "&Delete", "Rena&me", "-", "Prope&rties"};
     QTest::newRow("popOnBack") << "popOnBack"
                                << QStringList{"&View", "-", "R&efresh", "-", "&Paste", "Paste &Shortcut", "&Undo", "-",
                                       "Ne&w Folder", "-", "P&roperties"};
@@ -170,7 +171,8 @@ void TestFileViewCommands::menus()
     view.show();
     QVERIFY(QTest::qWaitForWindowExposed(&view));
     const QRect second = inner(view)->visualRect(view.listFiles()->model()->index(1, 0));
-    QContextMenuEvent onItem(QContextMenuEvent::Mouse, second.center(), inner(view)->viewport()->mapToGlobal(second.center()));
+    QContextMenuEvent onItem(
+        QContextMenuEvent::Mouse, second.center(), inner(view)->viewport()->mapToGlobal(second.center()));
     QApplication::sendEvent(inner(view)->viewport(), &onItem);
     QCOMPARE(view.ItemSelected(), 2);
     QTRY_VERIFY(view.findChild<QMenu *>("popOnFile")->isVisible());
@@ -228,11 +230,10 @@ void TestFileViewCommands::deleteAsks_data()
     QTest::newRow("one file, No") << QStringList{"a.txt"} << false << 7 << oneFile << tree;
     QTest::newRow("one folder, Yes") << QStringList{"d"} << false << 6 << folder
                                      << QStringList{"a.txt=a", "b.txt=b", "ro/", "ro/x=x"};
-    QTest::newRow("read-only folder, Yes") << QStringList{"ro"} << true << 6 << readOnly
-                                           << QStringList{"a.txt=a", "b.txt=b", "d/", "d/in.txt=i"};
+    QTest::newRow("read-only folder, Yes")
+        << QStringList{"ro"} << true << 6 << readOnly << QStringList{"a.txt=a", "b.txt=b", "d/", "d/in.txt=i"};
     QTest::newRow("read-only folder, No") << QStringList{"ro"} << false << 7 << readOnly << tree;
-    QTest::newRow("three, Yes") << QStringList{"a.txt", "d", "ro"} << true << 6 << three
-                                << QStringList{"b.txt=b"};
+    QTest::newRow("three, Yes") << QStringList{"a.txt", "d", "ro"} << true << 6 << three << QStringList{"b.txt=b"};
     QTest::newRow("three, No") << QStringList{"a.txt", "d", "ro"} << false << 7 << three << tree;
     QTest::newRow("three, Cancel is not Yes") << QStringList{"a.txt", "d", "ro"} << false << 2 << three << tree;
 }
@@ -393,13 +394,13 @@ void TestFileViewCommands::copyCutPasteBetweenLists()
     QTest::keyClick(inner(right), Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(names(right), QStringList{"one.txt"}); // pasting refreshes the list
     choose(left, "popOnBack", FileViewCommands::Paste); // into its own folder: a duplicate
-    QCOMPARE(readTree(root()), (QStringList{"a/", "a/Copy (2) of one.txt=1", "a/one.txt=1", "a/two.txt=2", "b/",
-                                   "b/one.txt=1"}));
+    QCOMPARE(readTree(root()),
+        (QStringList{"a/", "a/Copy (2) of one.txt=1", "a/one.txt=1", "a/two.txt=2", "b/", "b/one.txt=1"}));
     select(left, {"two.txt"});
     choose(left, "popOnFile", FileViewCommands::Cut);
     choose(right, "popOnBack", FileViewCommands::Paste);
-    QCOMPARE(readTree(root()), (QStringList{"a/", "a/Copy (2) of one.txt=1", "a/one.txt=1", "b/", "b/one.txt=1",
-                                   "b/two.txt=2"}));
+    QCOMPARE(readTree(root()),
+        (QStringList{"a/", "a/Copy (2) of one.txt=1", "a/one.txt=1", "b/", "b/one.txt=1", "b/two.txt=2"}));
     // A clipboard replaced by someone else after a cut is copied, never moved.
     select(left, {"one.txt"});
     QTest::keyClick(inner(left), Qt::Key_X, Qt::ControlModifier);
@@ -432,7 +433,10 @@ void TestFileViewCommands::deleteToTrash()
             QSKIP("needs root and a private mount namespace");
         QVERIFY(::mount("kelotest", mountPoint.constData(), "tmpfs", 0, "size=1m") == 0);
     }
-    const auto unmount = qScopeGuard([&] { if (otherFileSystem) ::umount2(mountPoint.constData(), MNT_DETACH); });
+    const auto unmount = qScopeGuard([&] {
+        if (otherFileSystem)
+            ::umount2(mountPoint.constData(), MNT_DETACH);
+    });
     QVERIFY(makeTree(folder, {"a b%.txt=1", "d/", "d/in=2"}));
     QVERIFY(makeTree(folder, {"again/", "again/a b%.txt=3"}));
 

@@ -15,12 +15,12 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QMenu>
 #include <QMimeData>
 #include <QProcess>
 #include <QRubberBand>
 #include <QStandardPaths>
-#include <QHBoxLayout>
 #include <QTest>
 #include <QTimer>
 
@@ -114,9 +114,9 @@ void TestFileViewDragDrop::drops_data()
                                         << "refused" << untouched;
     QTest::newRow("2: moving to where it is") << 2 << "src" << -1 << false << "refused"
                                               << "refused" << untouched;
-    QTest::newRow("2: copying to where it is") << 2 << "src" << -1 << true << copy << copy
-                                               << QStringList{"dst/", "dst/sub/", "src/", "src/Copy (2) of x.txt=x",
-                                                      "src/x.txt=x"};
+    QTest::newRow("2: copying to where it is")
+        << 2 << "src" << -1 << true << copy << copy
+        << QStringList{"dst/", "dst/sub/", "src/", "src/Copy (2) of x.txt=x", "src/x.txt=x"};
     QTest::newRow("1: the host decides") << 1 << "dst" << -1 << false << move << move << untouched;
     QTest::newRow("0: refused") << 0 << "dst" << -1 << true << "refused"
                                 << "refused" << untouched;
@@ -176,7 +176,13 @@ void TestFileViewDragDrop::manualModePassesTheArguments()
         });
     connect(&view, &KelofileView::OLEDragDrop,
         [&](QMimeData *data, int &effect, short &button, short &shift, float &x, float &y) {
-            events << QStringLiteral("Drop %1 %2 %3 %4 %5,%6").arg(data->hasUrls()).arg(effect).arg(button).arg(shift).arg(x).arg(y);
+            events << QStringLiteral("Drop %1 %2 %3 %4 %5,%6")
+                          .arg(data->hasUrls())
+                          .arg(effect)
+                          .arg(button)
+                          .arg(shift)
+                          .arg(x)
+                          .arg(y);
             effect = 0;
         });
     std::unique_ptr<QMimeData> data(fileListMimeData({root() + "/a.txt"}));
@@ -204,8 +210,10 @@ void TestFileViewDragDrop::dragSourceEvents()
     connect(&view, &KelofileView::OLESetData, [&](QMimeData *data, short &format) {
         events << "SetData " + QString::number(format) + ' ' + QString::number(data->hasFormat(kHdropMimeType));
     });
-    connect(&view, &KelofileView::OLEGiveFeedback, [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
-    connect(&view, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+    connect(&view, &KelofileView::OLEGiveFeedback,
+        [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
+    connect(
+        &view, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
     cancelDragSoon(&view);
     view.OLEDrag(); // nobody takes the drop here
     const QStringList first = events.mid(0, 2);
@@ -239,9 +247,11 @@ void TestFileViewDragDrop::pasteWhatAnotherProgramCopied()
     view.setPathRoot(root() + "/b");
     auto *commands = view.findChild<FileViewCommands *>();
     // The clipboard changes hands asynchronously: wait until Paste can act.
-    QTRY_VERIFY_WITH_TIMEOUT((commands->updateMenus(), view.findChild<QMenu *>("popOnBack")->actions()[4]->isEnabled()), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (commands->updateMenus(), view.findChild<QMenu *>("popOnBack")->actions()[4]->isEnabled()), 20000);
     QTest::keyClick(view.listFiles()->currentView(), Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(readTree(root()), (QStringList{"a/", "a/one.txt=1", "b/", "b/one.txt=1"})); // another program's list copies
+    QCOMPARE(
+        readTree(root()), (QStringList{"a/", "a/one.txt=1", "b/", "b/one.txt=1"})); // another program's list copies
     QCOMPARE(view.ItemCount(), 1);
 }
 
@@ -266,8 +276,10 @@ void TestFileViewDragDrop::realDragBetweenTwoLists()
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QStringList events;
     connect(left, &KelofileView::OLEStartDrag, [&](QMimeData *, int &) { events << "Start"; });
-    connect(left, &KelofileView::OLEGiveFeedback, [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
-    connect(left, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+    connect(left, &KelofileView::OLEGiveFeedback,
+        [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
+    connect(
+        left, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
 
     QWidget *from = viewport(*left);
     QWidget *to = viewport(*right);
@@ -298,7 +310,8 @@ int main(int argc, char **argv)
             ::setenv("KELO_UNDER_XVFB", "1", 1);
             ::setenv("QT_QPA_PLATFORM", "xcb", 1);
             const QByteArray program = QFile::encodeName(xvfbRun);
-            std::vector<char *> arguments = {const_cast<char *>(program.constData()), const_cast<char *>("-a"), argv[0]};
+            std::vector<char *> arguments
+                = {const_cast<char *>(program.constData()), const_cast<char *>("-a"), argv[0]};
             for (int i = 1; i < argc; ++i)
                 arguments.push_back(argv[i]);
             arguments.push_back(nullptr);
