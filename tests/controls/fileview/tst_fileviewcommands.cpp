@@ -130,6 +130,7 @@ private Q_SLOTS:
     void newFolders();
     void rename_data();
     void rename();
+    void editsRefusedAndCancelled();
     void copyCutPasteBetweenLists();
     void deleteToTrash_data();
     void deleteToTrash();
@@ -380,6 +381,37 @@ void TestFileViewCommands::rename()
     QCOMPARE(readTree(root()), diskAfter);
     QCOMPARE(view.ItemIndex(), 2); // the edited item became the current one
     QCOMPARE(view.ItemName(), diskAfter[1].section('=', 0, 0)); // RealName follows the disk
+}
+
+void TestFileViewCommands::editsRefusedAndCancelled()
+{
+    QVERIFY(makeTree(root(), {"a.txt=a"}));
+    KelofileView view;
+    view.setPathRoot(root());
+    view.show();
+    view.setItemSelected(1);
+    const auto editor = [&] { return inner(view)->findChild<QLineEdit *>("labelEditor"); };
+    view.setAllowLabelEdit(false);
+    QTest::keyClick(inner(view), Qt::Key_F2);
+    QVERIFY(!editor());
+    view.setAllowLabelEdit(true);
+    int refuse = 1;
+    connect(&view, &KelofileView::BeforeLabelEdit, [&](int &cancel) { cancel = refuse; });
+    QTest::keyClick(inner(view), Qt::Key_F2);
+    QVERIFY(!editor());
+    refuse = 0;
+    connect(&view, &KelofileView::AfterLabelEdit, [](int &cancel, QString &) { cancel = 1; });
+    QTest::keyClick(inner(view), Qt::Key_F2);
+    QVERIFY(editor());
+    editor()->setText("b.txt");
+    QTest::keyClick(editor(), Qt::Key_Return);
+    QTRY_VERIFY(!editor());
+    QCOMPARE(readTree(root()), QStringList{"a.txt=a"});
+    QCOMPARE(names(view), QStringList{"a.txt"});
+    // The keyboard's menu key opens the menu that fits the selection.
+    QTest::keyClick(inner(view), Qt::Key_F10, Qt::ShiftModifier);
+    QTRY_VERIFY(view.findChild<QMenu *>("popOnFile")->isVisible());
+    view.findChild<QMenu *>("popOnFile")->close();
 }
 
 void TestFileViewCommands::copyCutPasteBetweenLists()
