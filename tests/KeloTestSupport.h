@@ -232,3 +232,35 @@ private:
 };
 
 } // namespace KeloTest
+
+#include <Kelocontrols/MsgBox.h>
+
+namespace KeloTest {
+
+/// Answers message boxes from a script for its lifetime and records each as "Title|Buttons|Prompt".
+class ScriptedMsgBox
+{
+public:
+    /// Boxes beyond @p answers are answered with @p otherwise.
+    explicit ScriptedMsgBox(QList<int> answers = {}, int otherwise = 1)
+        : m_answers(std::move(answers))
+        , m_otherwise(otherwise)
+    {
+        m_previous = Kelocontrols::setMsgBoxHandler([this](const QString &prompt, int buttons, const QString &title) {
+            boxes << title + QLatin1Char('|') + QString::number(buttons) + QLatin1Char('|') + prompt;
+            return m_answers.isEmpty() ? m_otherwise : m_answers.takeFirst();
+        });
+    }
+    ~ScriptedMsgBox() { Kelocontrols::setMsgBoxHandler(m_previous); }
+    ScriptedMsgBox(const ScriptedMsgBox &) = delete;
+    ScriptedMsgBox &operator=(const ScriptedMsgBox &) = delete;
+
+    QStringList boxes;
+
+private:
+    QList<int> m_answers;
+    int m_otherwise;
+    Kelocontrols::MsgBoxHandler m_previous;
+};
+
+} // namespace KeloTest

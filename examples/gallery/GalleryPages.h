@@ -18,3 +18,4 @@ QWidget *createListBoxPage(QWidget *parent);
 QWidget *createChameleonPage(QWidget *parent);
 QWidget *createFileViewPage(QWidget *parent);
 QWidget *createFolderViewPage(QWidget *parent);
+QWidget *createFileCommandsPage(QWidget *parent);

@@ -6,6 +6,8 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
+#include <QPainter>
 #include <QTabWidget>
 
 namespace {
@@ -16,11 +18,32 @@ const QList<GalleryPage> &pages()
     static const QList<GalleryPage> list = {
         {QStringLiteral("File view"), &createFileViewPage, QStringLiteral("fileview")},
         {QStringLiteral("Folder view"), &createFolderViewPage, QStringLiteral("folderview")},
+        {QStringLiteral("File commands"), &createFileCommandsPage, QStringLiteral("filecommands")},
         {QStringLiteral("Score cards"), &createScoreCardPage, QStringLiteral("scorecards")},
         {QStringLiteral("List box"), &createListBoxPage, QStringLiteral("listbox")},
         {QStringLiteral("Chameleon"), &createChameleonPage, QStringLiteral("chameleon")},
     };
     return list;
+}
+
+// A page may ask for one of its popup menus in its picture ("shotMenu", opened at the middle of
+// "shotMenuWidget", or at "shotMenuAt" in it): popups are windows of their own, so the menu is drawn into the picture.
+void paintShotMenu(QWidget *page, QWidget *window, QPixmap &shot)
+{
+    auto *menu = qobject_cast<QMenu *>(page->property("shotMenu").value<QObject *>());
+    auto *anchor = qobject_cast<QWidget *>(page->property("shotMenuWidget").value<QObject *>());
+    if (!menu || !anchor) {
+        return;
+    }
+    const QVariant place = page->property("shotMenuAt");
+    const QPoint at
+        = anchor->mapTo(window, place.isValid() ? place.toPoint() : QPoint(anchor->width() / 3, anchor->height() / 4));
+    Q_EMIT menu->aboutToShow();
+    menu->popup(window->mapToGlobal(at));
+    QApplication::processEvents();
+    QPainter painter(&shot);
+    painter.drawPixmap(at, menu->grab());
+    menu->close();
 }
 
 } // namespace
@@ -45,7 +68,9 @@ QStringList GalleryWindow::renderPages(const QString &folder)
         m_tabs->setCurrentIndex(i);
         QApplication::processEvents();
         const QString file = QDir(folder).filePath(pages().at(i).shotName + QStringLiteral(".png"));
-        if (grab().save(file)) {
+        QPixmap shot = grab();
+        paintShotMenu(m_tabs->currentWidget(), this, shot);
+        if (shot.save(file)) {
             files << file;
         }
     }

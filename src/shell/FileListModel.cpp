@@ -578,7 +578,8 @@ Qt::ItemFlags FileListModel::flags(const QModelIndex &index) const
     if (index.column() > 0 && m_firstColumnOnly) {
         return Qt::ItemIsEnabled;
     }
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    // The label can be edited in place; the file view's delegate decides whether an edit may start.
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | (index.column() == Name ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }
 
 } // namespace Kelocontrols

@@ -625,4 +625,14 @@ bool deleteFolder(const QString &path)
     return removeEntry(opened.folder.get(), opened.path.name.constData()) == 0;
 }
 
+int renameEntry(const QString &source, const QString &target)
+{
+    OpenedPath from, to;
+    if (!openPath(source, from) || !openPath(target, to))
+        return ENOENT;
+    if (!from.exists)
+        return ENOENT;
+    return renameEntry(from.folder.get(), from.path.name.constData(), to.folder.get(), to.path.name.constData(), false);
+}
+
 } // namespace Kelocontrols::FileOperations

@@ -91,6 +91,16 @@ KELOCONTROLS_EXPORT bool deleteFile(const QString &path, bool force);
  */
 KELOCONTROLS_EXPORT bool deleteFolder(const QString &path);
 
+/**
+ * Renames (or moves, on one file system) the entry @p source to the path
+ * @p target without ever replacing an existing entry: the check and the
+ * rename are one step (renameat2 with RENAME_NOREPLACE) where the file
+ * system supports it. Answers 0 on success, else the errno value (EEXIST
+ * when @p target exists, EXDEV across file systems, ENOENT for a missing
+ * source).
+ */
+KELOCONTROLS_EXPORT int renameEntry(const QString &source, const QString &target);
+
 } // namespace FileOperations
 
 } // namespace Kelocontrols

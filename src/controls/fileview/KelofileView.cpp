@@ -4,6 +4,9 @@
 #include "FileIconProvider.h"
 #include "FileListModel.h"
 #include "FileSystem.h"
+#include "FileViewCommands_p.h"
+#include "FileViewDragDrop_p.h"
+#include "FileViewLabelEdit_p.h"
 #include "ImageList.h"
 #include "ListView.h"
 #include "RuntimeError.h"
@@ -82,10 +85,19 @@ KelofileView::KelofileView(QWidget *parent)
         view->installEventFilter(this);
     }
     forwardStockEvents();
+    d->commands = new FileViewCommands(*this);
+    d->labelEdit = new FileViewLabelEdit(*this);
+    d->dragDrop = new FileViewDragDrop(*this);
     InitProperties();
 }
 
-KelofileView::~KelofileView() = default;
+KelofileView::~KelofileView()
+{
+    // The helpers watch the inner views, which see events until the QWidget part is gone: they go first.
+    delete d->dragDrop;
+    delete d->labelEdit;
+    delete d->commands;
+}
 
 const PropertyTableBase &KelofileView::propertyTable() const
 {
@@ -209,6 +221,9 @@ bool KelofileView::eventFilter(QObject *watched, QEvent *event)
 
 bool KelofileView::navigationKey(QKeyEvent *event)
 {
+    if (d->commands->editing()) {
+        return false; // keys the label editor passes on (Return, Escape) are not the list's
+    }
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const int key = event->key();
     if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier) {
@@ -220,7 +235,7 @@ bool KelofileView::navigationKey(QKeyEvent *event)
         GoUp();
         return true;
     }
-    return false;
+    return d->commands->handleKey(event);
 }
 
 // ---------------------------------------------------------------------------
@@ -482,6 +497,22 @@ void KelofileView::setOLEDropMode(int mode)
 {
     d->oleDropMode = mode;
     propertyChanged("OLEDropMode");
+}
+
+bool KelofileView::DeleteToTrash() const
+{
+    return d->deleteToTrash;
+}
+
+void KelofileView::setDeleteToTrash(bool toTrash)
+{
+    d->deleteToTrash = toTrash;
+    propertyChanged("DeleteToTrash");
+}
+
+void KelofileView::OLEDrag()
+{
+    d->dragDrop->startDrag();
 }
 
 int KelofileView::RefreshInterval() const

@@ -9,6 +9,7 @@
 #include <kelocontrols_export.h>
 
 #include <QFont>
+#include <QMimeData>
 #include <QPixmap>
 #include <QString>
 #include <QStringList>
@@ -16,7 +17,10 @@
 #include <memory>
 
 namespace Kelocontrols {
+class FileViewCommands;
+class FileViewDragDrop;
 class FileViewFill;
+class FileViewLabelEdit;
 class FileViewRefresh;
 class FileViewSearch;
 class FileViewWatch;
@@ -74,6 +78,44 @@ class ListView;
  * then. A fill, a refresh or a timer tick that starts while another fill or
  * refresh runs (from a handler, or from a modal box's event loop) does
  * nothing.
+ *
+ * Commands: the popup menus `popOnFile` (the selected items: &Open,
+ * &Print, Cu&t, &Copy, Create &Shortcut, &Delete, Rena&me, Prope&rties) and
+ * `popOnBack` (the folder shown: &View with the submenu `popView`,
+ * R&efresh, &Paste, Paste &Shortcut, &Undo, Ne&w Folder, P&roperties) are
+ * QMenu children of the control; a right click on an item selects it and
+ * shows popOnFile, one on the background popOnBack, and Shift+F10 or the
+ * Menu key the one that fits the selection. Entries that cannot act are
+ * greyed; Create Shortcut, Paste Shortcut and Undo do nothing. Keys on the
+ * list: Delete deletes the selected items (with the confirmations), F2
+ * renames the selected item, Ctrl+C copies and Ctrl+X cuts them to the
+ * clipboard, Ctrl+V pastes into the folder shown, F5 fills the list afresh.
+ * Delete removes from the file system itself, or moves to the desktop's
+ * trash when DeleteToTrash is true. An error of the file system during a
+ * command chosen from a menu or by a key is shown in a box (style 16);
+ * what was done before it stays done.
+ *
+ * Renaming: F2, Rena&me or a click on the selected item's label edits it in
+ * place (a QLineEdit; Return commits, Escape drops) unless AllowLabelEdit
+ * is false or a BeforeLabelEdit handler cancels. AfterLabelEdit(Cancel,
+ * NewString) may cancel or change the name. An empty name, or the present
+ * name in any case, renames nothing; a name holding "/" or a NUL (the only
+ * characters Linux file names cannot hold) is refused with
+ * ShowInvalidNameChars(); a change of the extension is asked about ("Rename",
+ * Yes/No). A rename never replaces an existing entry: a name that is taken is
+ * refused with the box "Error Renaming File".
+ *
+ * Drag and drop: with OLEDropMode 2 (the default) files dropped on the list
+ * are moved into the folder shown, or into the folder item they are dropped
+ * on; with Ctrl held they are copied (each through TransferItem()). While
+ * dragging, only file lists over a folder item or the folder shown are
+ * accepted, and the target folder item is outlined. OLEDropMode 1 hands the
+ * drop to OLEDragOver / OLEDragDrop and touches nothing; 0 refuses drops.
+ * With OLEDragMode 2 dragging selected items offers their paths (as
+ * text/uri-list, x-special/gnome-copied-files and the file-drop block);
+ * with 1 the host starts a drag with OLEDrag(). A drag raises OLEStartDrag,
+ * OLESetData, OLEGiveFeedback (whenever the target's effect changes) and
+ * OLECompleteDrag; a move completed by the target refreshes the list.
  *
  * Item members address the item at ItemIndex (1-based; 0 = none); image
  * members address the image at ImageIndex of Image16 (ImageSmall) or
@@ -149,6 +191,14 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
         "Returns/Sets whether this control can act as an OLE drag/drop source, and whether this process is started "
         "automatically or under programmatic control.")
     Q_CLASSINFO("Help:OLEDropMode", "Returns/Sets whether this control can act as an OLE drop target.")
+    Q_CLASSINFO(
+        "Help:DeleteToTrash", "Moves deleted items to the desktop's trash instead of removing them from the disk.")
+    Q_CLASSINFO("DispId:OLEStartDrag", "5")
+    Q_CLASSINFO("DispId:OLESetData", "6")
+    Q_CLASSINFO("DispId:OLEGiveFeedback", "7")
+    Q_CLASSINFO("DispId:OLEDragOver", "8")
+    Q_CLASSINFO("DispId:OLEDragDrop", "9")
+    Q_CLASSINFO("DispId:OLECompleteDrag", "10")
     Q_CLASSINFO("DispId:NeedMyFolders", "1")
     Q_CLASSINFO("DispId:ItemClick", "2")
     Q_CLASSINFO("DispId:RefreshFoundChanges", "3")
@@ -315,6 +365,10 @@ class KELOCONTROLS_EXPORT KelofileView : public Kelocontrols::ControlBase
     /// The tag last given to an image.
     /// Default: "0".
     Q_PROPERTY(QString ImageTag READ ImageTag WRITE setImageTag DESIGNABLE false STORED false)
+    /// Delete moves items to the desktop's trash (freedesktop.org layout, restorable
+    /// by file managers) instead of removing them from the disk.
+    /// Default: false.
+    Q_PROPERTY(bool DeleteToTrash READ DeleteToTrash WRITE setDeleteToTrash)
 
 public:
     /// The pseudo-paths, compared without regard to case.
@@ -393,10 +447,15 @@ public:
     void setAllowSystemFiles(bool allow);
     bool AllowLabelEdit() const;
     void setAllowLabelEdit(bool allow);
+    /// 0 none, 1 manual (the host calls OLEDrag(); the default), 2 automatic (dragging selected items).
     int OLEDragMode() const;
     void setOLEDragMode(int mode);
+    /// 0 none, 1 manual (OLEDragOver / OLEDragDrop decide), 2 automatic (the default: copy or move files in).
     int OLEDropMode() const;
     void setOLEDropMode(int mode);
+    /// Whether Delete moves items to the desktop's trash instead of removing them (default false).
+    bool DeleteToTrash() const;
+    void setDeleteToTrash(bool toTrash);
     /// Milliseconds between automatic refreshes, 0 for none.
     int RefreshInterval() const;
     void setRefreshInterval(int milliseconds);
@@ -504,6 +563,13 @@ public:
     /// Ends a running Search at the next folder; what was found so far is listed. Nothing happens otherwise.
     Q_INVOKABLE void StopSearch();
 
+    /**
+     * Starts dragging the selected items' paths (OLEStartDrag, OLESetData,
+     * OLEGiveFeedback, OLECompleteDrag); returns when the drag ends.
+     * Nothing happens with OLEDragMode 0.
+     */
+    Q_INVOKABLE void OLEDrag();
+
     Kelocontrols::ListView *listFiles() const;
     Kelocontrols::ImageList *image32() const;
     Kelocontrols::ImageList *image16() const;
@@ -525,6 +591,16 @@ Q_SIGNALS:
     KELO_CLASSIC_CLICK_EVENTS
     KELO_CLASSIC_KEY_EVENTS
     KELO_CLASSIC_MOUSE_EVENTS
+    /// A drag from the list begins; AllowedEffects (1 copy + 2 move) set to 0 cancels it.
+    void OLEStartDrag(QMimeData *Data, int &AllowedEffects);
+    /// The drag's data is asked for in DataFormat (15, the file list); the host may add to Data.
+    void OLESetData(QMimeData *Data, short &DataFormat);
+    void OLEGiveFeedback(int &Effect, bool &DefaultCursors);
+    /// State: 0 entering, 1 leaving, 2 over. Raised with OLEDropMode 1.
+    void OLEDragOver(QMimeData *Data, int &Effect, short &Button, short &Shift, float &X, float &Y, short &State);
+    /// Raised with OLEDropMode 1; the Effect the handler leaves is the drop's.
+    void OLEDragDrop(QMimeData *Data, int &Effect, short &Button, short &Shift, float &X, float &Y);
+    void OLECompleteDrag(int &Effect);
 
 protected:
     void propertiesLoaded() override;
@@ -534,6 +610,9 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    friend class Kelocontrols::FileViewCommands;
+    friend class Kelocontrols::FileViewDragDrop;
+    friend class Kelocontrols::FileViewLabelEdit;
     friend class Kelocontrols::FileViewFill;
     friend class Kelocontrols::FileViewRefresh;
     friend class Kelocontrols::FileViewSearch;

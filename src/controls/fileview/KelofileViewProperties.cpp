@@ -177,10 +177,13 @@ const PropertyTable<KelofileView> &KelofileView::table()
         t.add(
             "ImageTag", text(QStringLiteral("0")), [](const C &c) { return QVariant(c.d->imageTag); },
             [](C &c, const QVariant &v) { c.d->imageTag = textFromVariant(v); });
+        t.add(
+            "DeleteToTrash", QVariant(false), [](const C &c) { return QVariant(c.d->deleteToTrash); },
+            [](C &c, const QVariant &v) { c.d->deleteToTrash = CBool(v); });
         t.setInitialiseOrder({"Path", "PathRoot", "Filter", "ItemName", "ItemDisplayName", "ItemIcon", "ItemTag",
             "ImageKey", "ItemSmallIcon", "ImageTag", "LimitToRoot", "ShowFolders", "AllowLabelEdit", "AllowHiddenFiles",
             "AllowSystemFiles", "ShowFolderDetails", "ItemBold", "ImageSmall", "ItemSelected", "TotalSize",
-            "OLEDragMode", "OLEDropMode"});
+            "OLEDragMode", "OLEDropMode", "DeleteToTrash"});
         return t;
     }();
     return properties;

@@ -14,6 +14,9 @@ class QTimer;
 
 namespace Kelocontrols {
 class FileListModel;
+class FileViewCommands;
+class FileViewDragDrop;
+class FileViewLabelEdit;
 } // namespace Kelocontrols
 
 /// What a KelofileView keeps: its inner widgets, the parts that fill and refresh the list, and its property values.
@@ -57,6 +60,9 @@ public:
     Kelocontrols::FileViewSearch searcher;
     Kelocontrols::ClassicFace face; ///< BackColor, ForeColor, Enabled, Font and MousePointer on ListFiles
     Kelocontrols::FileViewWatch watch; ///< whether a tick needs a pass
+    Kelocontrols::FileViewCommands *commands = nullptr; ///< the popup menus and their commands (a child QObject)
+    Kelocontrols::FileViewLabelEdit *labelEdit = nullptr; ///< renaming in place (a child QObject)
+    Kelocontrols::FileViewDragDrop *dragDrop = nullptr; ///< drop target and drag source (a child QObject)
     bool busy = false; ///< a fill or an in-place refresh runs
 
     QString path;
@@ -69,6 +75,7 @@ public:
     bool allowLabelEdit = true;
     int oleDragMode = 1;
     int oleDropMode = 2;
+    bool deleteToTrash = false;
     QStringList myFolders;
     QString myFoldersEntry; ///< the "My Folders" entry the user went down through, "" when none
     bool enteredFromMyFolders = false; ///< "My Folders" is listed and no item was opened since

@@ -615,6 +615,8 @@ void TestKelofileView::persistenceRoundTrip()
     loaded.ReadProperties(counts);
     QCOMPARE(KeloTest::propertyTexts(&loaded, {"ItemIndex", "ItemCount", "ImageIndex", "ImageCount"}),
         (QStringList{"ItemIndex=0", "ItemCount=0", "ImageIndex=0", "ImageCount=2"}));
+    // The opt-in trash is saved after everything else.
+    QCOMPARE(loaded.propertyTable().writeOrder().constLast(), QStringLiteral("DeleteToTrash"));
 
     // A value the list refuses raises its own error out of the load.
     PropertyBag bad;
