@@ -2,6 +2,7 @@
 #include "KeloEnums.h"
 #include "Kelochameleon.h"
 #include "KelofileView.h"
+#include "KelofolderView.h"
 #include "KelolistBox.h"
 #include "KeloscoreCard.h"
 
@@ -340,6 +341,7 @@ void tst_InterfaceDescription::headersDocumentDefaults_data()
     QTest::newRow("KelolistBox") << QStringLiteral("controls/listbox/KelolistBox.h");
     QTest::newRow("KelofileView") << QStringLiteral("controls/fileview/KelofileView.h");
     QTest::newRow("Kelochameleon") << QStringLiteral("controls/chameleon/Kelochameleon.h");
+    QTest::newRow("KelofolderView") << QStringLiteral("controls/folderview/KelofolderView.h");
 }
 
 // The property table holds each default; the public header tells it to the
@@ -355,6 +357,8 @@ void tst_InterfaceDescription::headersDocumentDefaults()
         control = std::make_unique<KelolistBox>();
     } else if (className == "KelofileView") {
         control = std::make_unique<KelofileView>();
+    } else if (className == "KelofolderView") {
+        control = std::make_unique<KelofolderView>();
     } else {
         control = std::make_unique<Kelochameleon>();
     }

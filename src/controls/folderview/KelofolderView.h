@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace.h"
 #include "ControlBase.h"
 #include "OleColor.h"
 
@@ -87,14 +88,9 @@ class KELOCONTROLS_EXPORT KelofolderView : public Kelocontrols::ControlBase
     Q_CLASSINFO("Interface", "_KelofolderView")
     Q_CLASSINFO("EventInterface", "__KelofolderView")
     Q_CLASSINFO("HelpFile", "Kelocontrols.hlp")
-    Q_CLASSINFO(
-        "Help:Enabled", "Returns/sets a value that determines whether an object can respond to user-generated events.")
-    Q_CLASSINFO("Help:Font", "Returns a Font object.")
     Q_CLASSINFO("Help:BorderStyle", "Returns/sets the border style for an object.")
     Q_CLASSINFO("Help:Appearance", "Returns/sets whether or not an object is painted at run time with 3-D effects.")
-    Q_CLASSINFO("Help:ForeColor", "Returns/sets the foreground color used to display text and graphics in an object.")
     Q_CLASSINFO("Help:BackColor", "Returns the background color used to display text and graphics in an object.")
-    Q_CLASSINFO("Help:MousePointer", "Returns/sets the type of mouse pointer displayed when over part of an object.")
     Q_CLASSINFO("Help:MouseIcon", "Sets a custom mouse icon.")
     Q_CLASSINFO("Help:Refresh", "Forces a complete repaint of a object.")
     Q_CLASSINFO("Help:FullRowSelect", "Returns/sets whether selecting a node highlights its whole row.")
@@ -166,37 +162,101 @@ class KELOCONTROLS_EXPORT KelofolderView : public Kelocontrols::ControlBase
     Q_CLASSINFO("DispId:BeforeAddItem", "15")
     Q_CLASSINFO("DispId:ChangedFolder", "16")
 
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE setFont)
+    /// Whether the tree answers the user.
+    /// Default: true.
+    KELO_CLASSIC_PROPERTY(Enabled)
+    /// The tree's font.
+    /// Default: the container's font.
+    KELO_CLASSIC_PROPERTY(Font)
+    /// 0 none, 1 fixed single; other values raise 380.
+    /// Default: 0.
     Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle)
+    /// 0 flat, 1 3-D; other values raise 380.
+    /// Default: 1.
     Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE setForeColor)
+    /// The nodes' text colour (an OLE colour; system colours follow the palette).
+    /// Default: 0x80000012.
+    KELO_CLASSIC_PROPERTY(ForeColor)
+    /// The tree's background colour (read-only; it follows the palette).
+    /// Default: the palette's base colour.
     Q_PROPERTY(uint BackColor READ BackColor STORED false)
-    Q_PROPERTY(int MousePointer READ MousePointer WRITE setMousePointer)
+    /// The pointer shown over the tree (a Kelocontrols::MousePointer code; 99 uses MouseIcon).
+    /// Default: 0.
+    KELO_CLASSIC_PROPERTY(MousePointer)
+    /// The custom pointer picture used when MousePointer is 99.
+    /// Default: none.
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon)
+    /// Selecting a node highlights its whole row.
+    /// Default: false.
     Q_PROPERTY(bool FullRowSelect READ FullRowSelect WRITE setFullRowSelect)
+    /// Nodes are highlighted as the mouse passes over them.
+    /// Default: false.
     Q_PROPERTY(bool HotTracking READ HotTracking WRITE setHotTracking)
+    /// 0: a click on the selected node starts renaming it; 1: only code and F2 do.
+    /// Default: 0.
     Q_PROPERTY(int LabelEdit READ LabelEdit WRITE setLabelEdit)
+    /// What the tree shows: "My Computer", "My Folders" or the sub-tree of a folder.
+    /// Default: "".
     Q_PROPERTY(QString PathRoot READ PathRoot WRITE setPathRoot)
+    /// 0 no drops, 1 drops raised to the host (OLEDragOver / OLEDragDrop), 2 folders dropped are copied (Ctrl) or moved
+    /// into the node under the pointer. Default: 2.
     Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE setOLEDropMode)
+    /// 1 drags start only through OLEDrag(), 2 dragging a node starts one.
+    /// Default: 1.
     Q_PROPERTY(int OLEDragMode READ OLEDragMode WRITE setOLEDragMode)
+    /// Lets the user rename folders by editing their labels.
+    /// Default: true.
     Q_PROPERTY(bool AllowLabelEdit READ AllowLabelEdit WRITE setAllowLabelEdit)
+    /// Shows hidden folders (dot names and names in the parent's ".hidden").
+    /// Default: false.
     Q_PROPERTY(bool AllowHiddenFolders READ AllowHiddenFolders WRITE setAllowHiddenFolders)
+    /// Shows system folders (pseudo file-system mounts such as /proc).
+    /// Default: false.
     Q_PROPERTY(bool AllowSystemFolders READ AllowSystemFolders WRITE setAllowSystemFolders)
+    /// The number of images in the image list (read-only).
+    /// Default: 0.
     Q_PROPERTY(int ImageCount READ ImageCount DESIGNABLE false STORED false)
+    /// The current image (1-based) for the image members.
+    /// Default: 0.
     Q_PROPERTY(int ImageIndex READ ImageIndex WRITE setImageIndex DESIGNABLE false STORED false)
+    /// The tag of the current image.
+    /// Default: "".
     Q_PROPERTY(QString ImageTag READ ImageTag WRITE setImageTag DESIGNABLE false STORED false)
+    /// The key of the current image.
+    /// Default: "".
     Q_PROPERTY(QString ImageKey READ ImageKey WRITE setImageKey DESIGNABLE false STORED false)
+    /// Milliseconds between automatic refreshes; 0 none.
+    /// Default: 0.
     Q_PROPERTY(int RefreshInterval READ RefreshInterval WRITE setRefreshInterval)
+    /// The current node (1-based, in the order nodes were added) for the item members.
+    /// Default: 0.
     Q_PROPERTY(int ItemIndex READ ItemIndex WRITE setItemIndex DESIGNABLE false STORED false)
+    /// The tag of the current node.
+    /// Default: "".
     Q_PROPERTY(QString ItemTag READ ItemTag WRITE setItemTag DESIGNABLE false STORED false)
+    /// Whether the current node is expanded.
+    /// Default: false.
     Q_PROPERTY(bool ItemExpanded READ ItemExpanded WRITE setItemExpanded DESIGNABLE false STORED false)
+    /// The image key of the current node.
+    /// Default: "".
     Q_PROPERTY(QString ItemIcon READ ItemIcon WRITE setItemIcon DESIGNABLE false STORED false)
+    /// The number of nodes in the tree (read-only).
+    /// Default: 0.
     Q_PROPERTY(int ItemCount READ ItemCount DESIGNABLE false STORED false)
+    /// The folder name of the current node.
+    /// Default: "".
     Q_PROPERTY(QString ItemName READ ItemName WRITE setItemName DESIGNABLE false STORED false)
+    /// The text of the current node.
+    /// Default: "".
     Q_PROPERTY(QString ItemDisplayName READ ItemDisplayName WRITE setItemDisplayName DESIGNABLE false STORED false)
+    /// Whether the current node is the selected one.
+    /// Default: false.
     Q_PROPERTY(bool ItemSelected READ ItemSelected WRITE setItemSelected DESIGNABLE false STORED false)
+    /// The full path (key) of the current node (read-only).
+    /// Default: "".
     Q_PROPERTY(QString ItemPath READ ItemPath DESIGNABLE false STORED false)
+    /// The folder selected; writing it selects (and if need be adds) its node. Raises 387 at design time.
+    /// Default: "".
     Q_PROPERTY(QString Path READ Path WRITE setPath DESIGNABLE false)
 
 public:
@@ -210,19 +270,15 @@ public:
     ~KelofolderView() override;
 
     // Appearance, passed to TreeFolders
-    bool Enabled() const; ///< default true
-    void setEnabled(bool enabled);
-    QFont Font() const; ///< default: the container's font
-    void setFont(const QFont &font);
+    KELO_CLASSIC_ACCESSORS(Enabled)
+    KELO_CLASSIC_ACCESSORS(Font)
     int BorderStyle() const; ///< 0 none (default), 1 fixed single; other values raise 380
     void setBorderStyle(int style);
     int Appearance() const; ///< 0 flat, 1 3-D (default); other values raise 380
     void setAppearance(int appearance);
-    Kelocontrols::OleColor ForeColor() const; ///< default 0x80000012 (button text)
-    void setForeColor(Kelocontrols::OleColor color);
+    KELO_CLASSIC_ACCESSORS(ForeColor)
     Kelocontrols::OleColor BackColor() const; ///< the tree's background, read-only
-    int MousePointer() const; ///< default 0
-    void setMousePointer(int pointer);
+    KELO_CLASSIC_ACCESSORS(MousePointer)
     QPixmap MouseIcon() const; ///< default none
     void setMouseIcon(const QPixmap &icon);
     bool FullRowSelect() const; ///< default false
@@ -330,14 +386,9 @@ Q_SIGNALS:
     void OLEGiveFeedback(int &Effect, bool &DefaultCursors);
     void OLESetData(QMimeData *Data, short &DataFormat);
     void OLEStartDrag(QMimeData *Data, int &AllowedEffects);
-    void Click();
-    void DblClick();
-    void KeyDown(short &KeyCode, short &Shift);
-    void KeyPress(short &KeyAscii);
-    void KeyUp(short &KeyCode, short &Shift);
-    void MouseDown(short &Button, short &Shift, float &X, float &Y);
-    void MouseMove(short &Button, short &Shift, float &X, float &Y);
-    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+    KELO_CLASSIC_CLICK_EVENTS
+    KELO_CLASSIC_KEY_EVENTS
+    KELO_CLASSIC_MOUSE_EVENTS
     void Collapse(const QString &Node);
     void Expand(const QString &Node);
     void NodeClick(const QString &Node);
