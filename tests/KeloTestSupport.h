@@ -11,14 +11,17 @@
 #include <QMetaObject>
 #include <QPixmap>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace KeloTest {
 
@@ -207,6 +210,21 @@ public:
         return result;
     }
 
+    /// The answers for the next boxes; boxes beyond them are answered OK.
+    void setAnswers(QList<int> answers) { m_answers = std::move(answers); }
+
+    /// Each box as "<title>|<style>|<prompt>", in the order shown.
+    QStringList titled() const
+    {
+        return collect([](const Box &box) -> QString {
+            return box.title + u'|' + QString::number(box.style) + u'|' + box.prompt;
+        });
+    }
+    /// Each box as "<title>|<prompt>", in the order shown.
+    QStringList titledPrompts() const
+    {
+        return collect([](const Box &box) -> QString { return box.title + u'|' + box.prompt; });
+    }
     /// Each box as "<style>|<prompt>|<title>", in the order shown.
     QStringList calls() const
     {
@@ -231,36 +249,27 @@ private:
     Kelocontrols::MsgBoxHandler m_previous;
 };
 
-} // namespace KeloTest
-
-#include <Kelocontrols/MsgBox.h>
-
-namespace KeloTest {
-
-/// Answers message boxes from a script for its lifetime and records each as "Title|Buttons|Prompt".
-class ScriptedMsgBox
+/// Without a display, runs this test program again under a private X server
+/// (xvfb-run), so that the real clipboard and drag and drop are used. Call it
+/// first in main(); it returns only when there is a display or no xvfb-run.
+inline void restartUnderXvfb(int argc, char **argv)
 {
-public:
-    /// Boxes beyond @p answers are answered with @p otherwise.
-    explicit ScriptedMsgBox(QList<int> answers = {}, int otherwise = 1)
-        : m_answers(std::move(answers))
-        , m_otherwise(otherwise)
-    {
-        m_previous = Kelocontrols::setMsgBoxHandler([this](const QString &prompt, int buttons, const QString &title) {
-            boxes << title + QLatin1Char('|') + QString::number(buttons) + QLatin1Char('|') + prompt;
-            return m_answers.isEmpty() ? m_otherwise : m_answers.takeFirst();
-        });
+    if (qEnvironmentVariableIsSet("KELO_UNDER_XVFB") || qEnvironmentVariableIsSet("DISPLAY")) {
+        return;
     }
-    ~ScriptedMsgBox() { Kelocontrols::setMsgBoxHandler(m_previous); }
-    ScriptedMsgBox(const ScriptedMsgBox &) = delete;
-    ScriptedMsgBox &operator=(const ScriptedMsgBox &) = delete;
-
-    QStringList boxes;
-
-private:
-    QList<int> m_answers;
-    int m_otherwise;
-    Kelocontrols::MsgBoxHandler m_previous;
-};
+    const QString xvfbRun = QStandardPaths::findExecutable(QStringLiteral("xvfb-run"));
+    if (xvfbRun.isEmpty()) {
+        return;
+    }
+    ::setenv("KELO_UNDER_XVFB", "1", 1);
+    ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    const QByteArray program = QFile::encodeName(xvfbRun);
+    std::vector<char *> arguments = {const_cast<char *>(program.constData()), const_cast<char *>("-a"), argv[0]};
+    for (int i = 1; i < argc; ++i) {
+        arguments.push_back(argv[i]);
+    }
+    arguments.push_back(nullptr);
+    ::execv(program.constData(), arguments.data());
+}
 
 } // namespace KeloTest

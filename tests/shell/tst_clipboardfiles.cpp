@@ -3,6 +3,8 @@
 // client (xclip). Without a display the test starts itself again under
 // xvfb-run; without xvfb-run or xclip the X cases are skipped with the reason.
 
+#include "KeloTestSupport.h"
+
 #include <Kelocontrols/ClipboardFiles.h>
 #include <Kelocontrols/FileNameCodec.h>
 
@@ -235,21 +237,7 @@ void TestClipboardFiles::weReadWhatXclipPuts()
 
 int main(int argc, char **argv)
 {
-    // Without a display, start again under a private X server so the real clipboard is used.
-    if (!qEnvironmentVariableIsSet("KELO_UNDER_XVFB") && !qEnvironmentVariableIsSet("DISPLAY")) {
-        const QString xvfbRun = QStandardPaths::findExecutable("xvfb-run");
-        if (!xvfbRun.isEmpty()) {
-            ::setenv("KELO_UNDER_XVFB", "1", 1);
-            ::setenv("QT_QPA_PLATFORM", "xcb", 1);
-            const QByteArray program = QFile::encodeName(xvfbRun);
-            std::vector<char *> arguments
-                = {const_cast<char *>(program.constData()), const_cast<char *>("-a"), argv[0]};
-            for (int i = 1; i < argc; ++i)
-                arguments.push_back(argv[i]);
-            arguments.push_back(nullptr);
-            ::execv(program.constData(), arguments.data());
-        }
-    }
+    KeloTest::restartUnderXvfb(argc, argv);
     QApplication app(argc, argv);
     TestClipboardFiles test;
     QTEST_SET_MAIN_SOURCE_PATH

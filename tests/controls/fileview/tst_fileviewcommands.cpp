@@ -32,8 +32,8 @@
 
 using namespace Kelocontrols;
 using KeloTest::makeTree;
+using KeloTest::MsgBoxRecorder;
 using KeloTest::readTree;
-using KeloTest::ScriptedMsgBox;
 using KeloTest::sorted;
 
 namespace {
@@ -252,12 +252,12 @@ void TestFileViewCommands::deleteAsks()
     KelofileView view;
     view.setPathRoot(root());
     select(view, selected);
-    ScriptedMsgBox boxes({answer});
+    MsgBoxRecorder boxes({answer});
     if (byKey)
         QTest::keyClick(inner(view), Qt::Key_Delete);
     else
         choose(view, "popOnFile", FileViewCommands::Delete);
-    QCOMPARE(boxes.boxes, QStringList{box});
+    QCOMPARE(boxes.titled(), QStringList{box});
     QStringList disk = readTree(root());
     disk.replaceInStrings(QRegularExpression("=.*"), "");
     QStringList expected = diskAfter;
@@ -292,10 +292,10 @@ void TestFileViewCommands::refusedDeleteRaisesAndKeepsWhatWasDone()
 
     // From the menu nobody can catch it: the error is shown.
     select(view, {"z"});
-    ScriptedMsgBox boxes({6});
+    MsgBoxRecorder boxes({6});
     choose(view, "popOnFile", FileViewCommands::Delete);
-    QCOMPARE(boxes.boxes.size(), 2);
-    QVERIFY2(boxes.boxes[1].startsWith("|16|Cannot delete z: "), qPrintable(boxes.boxes[1]));
+    QCOMPARE(boxes.titled().size(), 2);
+    QVERIFY2(boxes.titled()[1].startsWith("|16|Cannot delete z: "), qPrintable(boxes.titled()[1]));
     QCOMPARE(names(view), QStringList{"z"});
 }
 
@@ -306,11 +306,11 @@ void TestFileViewCommands::inertEntriesDoNothing()
     view.setPathRoot(root());
     select(view, {"a.txt"});
     QGuiApplication::clipboard()->setText("untouched");
-    ScriptedMsgBox boxes;
+    MsgBoxRecorder boxes;
     choose(view, "popOnFile", FileViewCommands::CreateShortcut);
     choose(view, "popOnBack", FileViewCommands::PasteShortcut);
     choose(view, "popOnBack", FileViewCommands::Undo);
-    QCOMPARE(boxes.boxes, QStringList());
+    QCOMPARE(boxes.titled(), QStringList());
     QCOMPARE(readTree(root()), QStringList{"a.txt=a"});
     QCOMPARE(names(view), QStringList{"a.txt"});
     QCOMPARE(QGuiApplication::clipboard()->text(), QString("untouched"));
@@ -362,7 +362,7 @@ void TestFileViewCommands::rename()
     connect(&view, &KelofileView::BeforeLabelEdit, [&](int &) { events << "Before"; });
     connect(&view, &KelofileView::AfterLabelEdit, [&](int &, QString &name) { events << "After:" + name; });
     select(view, {"report.txt"});
-    ScriptedMsgBox boxes({answer});
+    MsgBoxRecorder boxes({answer});
     QTest::keyClick(inner(view), Qt::Key_F2);
     auto *editor = inner(view)->findChild<QLineEdit *>("labelEditor");
     QVERIFY(editor);
@@ -371,11 +371,11 @@ void TestFileViewCommands::rename()
     QTest::keyClick(editor, Qt::Key_Return);
     QTRY_COMPARE(events, (QStringList{"Before", "After:" + typed})); // the editor commits from the event loop
     QStringList titles;
-    for (const QString &box : boxes.boxes)
+    for (const QString &box : boxes.titled())
         titles << box.section('|', 0, 1);
     QCOMPARE(titles, boxTitles);
     if (boxTitles == QStringList{"Rename|52"})
-        QCOMPARE(boxes.boxes[0].section('|', 2),
+        QCOMPARE(boxes.titled()[0].section('|', 2),
             QString("If you change a filename extension, the file may become unusable.\r\n\r\n"
                     "Are you sure you want to change it?"));
     QCOMPARE(readTree(root()), diskAfter);
@@ -420,7 +420,7 @@ void TestFileViewCommands::copyCutPasteBetweenLists()
     KelofileView left, right;
     left.setPathRoot(root() + "/a");
     right.setPathRoot(root() + "/b");
-    ScriptedMsgBox boxes;
+    MsgBoxRecorder boxes;
     select(left, {"one.txt"});
     QTest::keyClick(inner(left), Qt::Key_C, Qt::ControlModifier);
     QTest::keyClick(inner(right), Qt::Key_V, Qt::ControlModifier);
@@ -440,7 +440,7 @@ void TestFileViewCommands::copyCutPasteBetweenLists()
     QTest::keyClick(inner(right), Qt::Key_V, Qt::ControlModifier);
     QVERIFY(QFile::exists(root() + "/a/Copy (2) of one.txt"));
     QVERIFY(QFile::exists(root() + "/b/Copy (2) of one.txt"));
-    QCOMPARE(boxes.boxes, QStringList());
+    QCOMPARE(boxes.titled(), QStringList());
 }
 
 void TestFileViewCommands::deleteToTrash_data()
@@ -475,7 +475,7 @@ void TestFileViewCommands::deleteToTrash()
     KelofileView view;
     view.setDeleteToTrash(true);
     view.setPathRoot(folder);
-    ScriptedMsgBox boxes({6, 6});
+    MsgBoxRecorder boxes({6, 6});
     select(view, {"a b%.txt", "d"});
     QTest::keyClick(inner(view), Qt::Key_Delete);
     view.setPathRoot(folder + "/again"); // the same name again gets a name of its own in the trash

@@ -303,21 +303,7 @@ void TestFileViewDragDrop::realDragBetweenTwoLists()
 
 int main(int argc, char **argv)
 {
-    // Without a display, start again under a private X server so the real clipboard is used.
-    if (!qEnvironmentVariableIsSet("KELO_UNDER_XVFB") && !qEnvironmentVariableIsSet("DISPLAY")) {
-        const QString xvfbRun = QStandardPaths::findExecutable("xvfb-run");
-        if (!xvfbRun.isEmpty()) {
-            ::setenv("KELO_UNDER_XVFB", "1", 1);
-            ::setenv("QT_QPA_PLATFORM", "xcb", 1);
-            const QByteArray program = QFile::encodeName(xvfbRun);
-            std::vector<char *> arguments
-                = {const_cast<char *>(program.constData()), const_cast<char *>("-a"), argv[0]};
-            for (int i = 1; i < argc; ++i)
-                arguments.push_back(argv[i]);
-            arguments.push_back(nullptr);
-            ::execv(program.constData(), arguments.data());
-        }
-    }
+    KeloTest::restartUnderXvfb(argc, argv);
     QApplication app(argc, argv);
     TestFileViewDragDrop test;
     QTEST_SET_MAIN_SOURCE_PATH

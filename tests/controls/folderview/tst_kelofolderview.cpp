@@ -35,23 +35,6 @@ using KeloTest::readTree;
 
 namespace {
 
-/// Message boxes answered from a script, each recorded as "Title|Prompt".
-struct ScriptedBoxes
-{
-    QStringList shown;
-    QList<int> answers;
-    MsgBoxHandler previous;
-
-    ScriptedBoxes()
-    {
-        previous = setMsgBoxHandler([this](const QString &prompt, int, const QString &title) {
-            shown << title + QLatin1Char('|') + prompt;
-            return answers.isEmpty() ? 1 : answers.takeFirst();
-        });
-    }
-    ~ScriptedBoxes() { setMsgBoxHandler(previous); }
-};
-
 QAbstractItemModel *modelOf(KelofolderView &view)
 {
     return view.treeFolders()->model();
@@ -373,7 +356,7 @@ void TestKelofolderView::favourites()
 void TestKelofolderView::vanishedFolders()
 {
     makeRoot({"a/", "a/x/", "b/", "c/"});
-    ScriptedBoxes boxes;
+    KeloTest::MsgBoxRecorder boxes;
     KelofolderView view;
     view.setPathRoot(m_root);
     QSignalSpy changed(&view, &KelofolderView::ChangedFolder);
@@ -381,16 +364,16 @@ void TestKelofolderView::vanishedFolders()
 
     QVERIFY(FileOperations::deleteFolder(at("a")));
     view.treeFolders()->expand(indexOfKey(view, at("a")));
-    QCOMPARE(boxes.shown,
+    QCOMPARE(boxes.titledPrompts(),
         QStringList(
             {"Folder Not Accessible|" + at("a") + " is not accessible.\r\n\r\nThis folder was moved or removed."}));
     QCOMPARE(nodes(view, m_root), QStringList({".", "b", "c"}));
 
-    boxes.shown.clear();
+    boxes.boxes.clear();
     QVERIFY(FileOperations::deleteFolder(at("b")));
     click(view, at("b"));
     QCOMPARE(clicks.size(), 1);
-    QCOMPARE(boxes.shown,
+    QCOMPARE(boxes.titledPrompts(),
         QStringList({"Folder Not Accessible|b is not accessible.\r\n\r\nThis folder was moved or removed."}));
     QCOMPARE(nodes(view, m_root), QStringList({".", "c"}));
     QCOMPARE(changed.size(), 0);
@@ -476,20 +459,20 @@ void TestKelofolderView::keys()
     QFETCH(QStringList, expectedBoxes);
     makeRoot({"dst/", "src/", "src/f.txt=x"});
     QVERIFY(ClipboardPutFiles({}));
-    ScriptedBoxes boxes;
-    boxes.answers = answers;
+    KeloTest::MsgBoxRecorder boxes;
+    boxes.setAnswers(answers);
     KelofolderView view;
     view.setPathRoot(m_root);
     QList<short> keyDowns;
     connect(&view, &KelofolderView::KeyDown, &view, [&](short &code, short &) { keyDowns << code; });
     view.setPath(at("src"));
     press(view, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-    QCOMPARE(keyDowns.last(), short(QChar(key).isLetter() ? key : key == Qt::Key_Delete ? 46 : 0));
+    QCOMPARE(keyDowns.last(), short(key >= Qt::Key_A && key <= Qt::Key_Z ? key : key == Qt::Key_Delete ? 46 : 0));
     // Paste whatever the key put on the clipboard into dst, with Ctrl+V.
     view.setPath(at("dst"));
     press(view, Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(readTree(m_root), KeloTest::sorted(expectedDisk));
-    QCOMPARE(boxes.shown, expectedBoxes);
+    QCOMPARE(boxes.titledPrompts(), expectedBoxes);
     if (expectedDisk.contains(QStringLiteral("dst/src/")))
         QVERIFY(goTo(view, at("dst/src"))); // the paste refreshed the tree
     if (!expectedDisk.contains(QStringLiteral("src/")))
@@ -518,7 +501,7 @@ void TestKelofolderView::keys()
 void TestKelofolderView::newFolderAndRename()
 {
     makeRoot({"p/", "p/other/"});
-    ScriptedBoxes boxes;
+    KeloTest::MsgBoxRecorder boxes;
     KelofolderView view;
     view.setPathRoot(m_root);
     view.setPath(at("p"));
@@ -539,8 +522,9 @@ void TestKelofolderView::newFolderAndRename()
         cancel = cancelWith;
     });
     QVERIFY(!model->setData(indexOfKey(view, at("p/other")), QStringLiteral("bad:name")));
-    QCOMPARE(boxes.shown.size(), 1);
-    QVERIFY(boxes.shown.at(0).startsWith(QStringLiteral("Rename|A file cannot contain any of the following")));
+    QCOMPARE(boxes.titledPrompts().size(), 1);
+    QVERIFY(
+        boxes.titledPrompts().at(0).startsWith(QStringLiteral("Rename|A file cannot contain any of the following")));
     cancelWith = 1;
     model->setData(indexOfKey(view, at("p/other")), QStringLiteral("cancelled"));
     cancelWith = 0;
@@ -559,14 +543,14 @@ void TestKelofolderView::newFolderAndRename()
 
     // A read-only folder is asked about with its own question; No keeps it.
     QVERIFY(::chmod(QFile::encodeName(at("p/renamed")).constData(), 0555) == 0);
-    boxes.shown.clear();
-    boxes.answers = {7};
+    boxes.boxes.clear();
+    boxes.setAnswers({7});
     press(view, Qt::Key_Delete);
-    QCOMPARE(boxes.shown,
+    QCOMPARE(boxes.titledPrompts(),
         QStringList({"Confirm Folder Delete|The folder 'renamed' is a read-only folder.  Are you sure you\r\nwant to "
                      "remove it and move all its contents to the Recycle Bin?"}));
     QVERIFY(goTo(view, at("p/renamed")));
-    boxes.answers = {6};
+    boxes.setAnswers({6});
     press(view, Qt::Key_Delete);
     QCOMPARE(readTree(at("p")), QStringList({"New folder (2)/", "New folder/"}));
     QCOMPARE(view.Path(), at("p"));
