@@ -1,4 +1,5 @@
 #include "FileSystem.h"
+#include "FileSystem_p.h"
 
 #include "FileNameCodec.h"
 #include "RuntimeError.h"
@@ -29,6 +30,48 @@
 #include <vector>
 
 namespace Kelocontrols {
+
+namespace FileSystemDetail {
+
+QByteArray unescapeMountBytes(const QByteArray &field)
+{
+    QByteArray bytes;
+    bytes.reserve(field.size());
+    for (qsizetype i = 0; i < field.size(); ++i) {
+        const bool octal = field[i] == '\\' && i + 3 < field.size()
+            && std::all_of(field.begin() + i + 1, field.begin() + i + 4, [](char c) { return c >= '0' && c <= '7'; });
+        if (octal) {
+            bytes += char(((field[i + 1] - '0') << 6) | ((field[i + 2] - '0') << 3) | (field[i + 3] - '0'));
+            i += 3;
+        } else {
+            bytes += field[i];
+        }
+    }
+    return bytes;
+}
+
+QSet<QByteArray> readHiddenList(int folderFd)
+{
+    QSet<QByteArray> names;
+    const int file = ::openat(folderFd, ".hidden", O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return names;
+    QByteArray content;
+    char buffer[4096];
+    constexpr qsizetype maximumSize = 4 * 1024 * 1024; // a list, not a data file: read no further
+    for (ssize_t got; content.size() < maximumSize && (got = ::read(file, buffer, sizeof buffer)) > 0;)
+        content.append(buffer, got);
+    ::close(file);
+    for (QByteArray line : content.split('\n')) {
+        while (!line.isEmpty() && (line.endsWith(' ') || line.endsWith('\t') || line.endsWith('\r')))
+            line.chop(1);
+        if (!line.isEmpty())
+            names.insert(line);
+    }
+    return names;
+}
+
+} // namespace FileSystemDetail
 
 namespace {
 
@@ -89,22 +132,9 @@ bool isSystemPlumbing(const MountEntry &entry)
     return entry.fsType == QLatin1String("squashfs") && isUnder(entry.mountPoint, QStringLiteral("/snap"));
 }
 
-/// Undoes the octal escapes (\040 for a blank, \134 for a backslash ...) of a mountinfo field.
 QString unescapeMountField(const QByteArray &field)
 {
-    QByteArray bytes;
-    bytes.reserve(field.size());
-    for (qsizetype i = 0; i < field.size(); ++i) {
-        const bool octal = field[i] == '\\' && i + 3 < field.size()
-            && std::all_of(field.begin() + i + 1, field.begin() + i + 4, [](char c) { return c >= '0' && c <= '7'; });
-        if (octal) {
-            bytes += char(((field[i + 1] - '0') << 6) | ((field[i + 2] - '0') << 3) | (field[i + 3] - '0'));
-            i += 3;
-        } else {
-            bytes += field[i];
-        }
-    }
-    return FileNameCodec::decode(bytes);
+    return FileNameCodec::decode(FileSystemDetail::unescapeMountBytes(field));
 }
 
 /// Undoes the "\x20" escapes udev uses in by-label link names.
@@ -301,27 +331,6 @@ qint64 millisecondsOf(const struct statx_timestamp &time)
     return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
 }
 
-/// The names of a folder's ".hidden" file, one a line, trailing blanks and CR removed.
-QSet<QByteArray> readHiddenList(int folderFd)
-{
-    QSet<QByteArray> names;
-    const FileDescriptor file(::openat(folderFd, ".hidden", O_RDONLY | O_CLOEXEC));
-    if (!file.isValid())
-        return names;
-    QByteArray content;
-    char buffer[4096];
-    constexpr qsizetype maximumSize = 4 * 1024 * 1024; // a list, not a data file: read no further
-    for (ssize_t got; content.size() < maximumSize && (got = ::read(file.get(), buffer, sizeof buffer)) > 0;)
-        content.append(buffer, got);
-    for (QByteArray line : content.split('\n')) {
-        while (!line.isEmpty() && (line.endsWith(' ') || line.endsWith('\t') || line.endsWith('\r')))
-            line.chop(1);
-        if (!line.isEmpty())
-            names.insert(line);
-    }
-    return names;
-}
-
 /// The canonical form of a path given as bytes, or "" when it cannot be resolved.
 QByteArray canonicalBytes(const QByteArray &path)
 {
@@ -381,7 +390,7 @@ public:
     FolderReader(int folderFd, QByteArray folderPath, const QString &mountInfoPath)
         : m_fd(folderFd)
         , m_folderPath(std::move(folderPath))
-        , m_hidden(readHiddenList(folderFd))
+        , m_hidden(FileSystemDetail::readHiddenList(folderFd))
         , m_systemMounts(mountInfoPath)
     {
         struct stat folder

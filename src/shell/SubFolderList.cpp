@@ -1,5 +1,7 @@
 #include "SubFolderList.h"
 
+#include "FileSystem_p.h"
+
 #include "FileNameCodec.h"
 #include "FileSystem.h"
 
@@ -14,51 +16,6 @@
 
 namespace Kelocontrols {
 
-namespace {
-
-/// Undoes the octal escapes of a mountinfo field (\040 for a blank ...).
-QByteArray unescaped(const QByteArray &field)
-{
-    QByteArray out;
-    out.reserve(field.size());
-    for (qsizetype i = 0; i < field.size(); ++i) {
-        if (field[i] == '\\' && i + 3 < field.size() && field[i + 1] >= '0' && field[i + 1] <= '7') {
-            out.append(char(((field[i + 1] - '0') << 6) | ((field[i + 2] - '0') << 3) | (field[i + 3] - '0')));
-            i += 3;
-        } else {
-            out.append(field[i]);
-        }
-    }
-    return out;
-}
-
-QSet<QByteArray> hiddenNames(int folderFd)
-{
-    QSet<QByteArray> names;
-    const int fd = ::openat(folderFd, ".hidden", O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return names;
-    }
-    QByteArray content;
-    char buffer[4096];
-    constexpr qsizetype maximumSize = 4 * 1024 * 1024; // a list, not a data file: read no further
-    for (ssize_t got; content.size() < maximumSize && (got = ::read(fd, buffer, sizeof buffer)) > 0;) {
-        content.append(buffer, got);
-    }
-    ::close(fd);
-    for (QByteArray line : content.split('\n')) {
-        while (!line.isEmpty() && (line.endsWith(' ') || line.endsWith('\t') || line.endsWith('\r'))) {
-            line.chop(1);
-        }
-        if (!line.isEmpty()) {
-            names.insert(line);
-        }
-    }
-    return names;
-}
-
-} // namespace
-
 QSet<QByteArray> SubFolderList::systemMountPoints(const QString &mountInfoPath)
 {
     QFile table(mountInfoPath);
@@ -70,7 +27,7 @@ QSet<QByteArray> SubFolderList::systemMountPoints(const QString &mountInfoPath)
     for (const QByteArray &line : text.split('\n')) {
         const QList<QByteArray> fields = line.split(' ');
         if (fields.size() > 4) {
-            points.insert(unescaped(fields[4]));
+            points.insert(FileSystemDetail::unescapeMountBytes(fields[4]));
         }
     }
     // What FileSystem lists as drives is no system folder; the rest (proc, sysfs, /run plumbing ...) is.
@@ -98,7 +55,7 @@ bool SubFolderList::list(const QString &path, const QSet<QByteArray> &systemMoun
         ::close(fd);
         return false;
     }
-    const QSet<QByteArray> hidden = hiddenNames(fd);
+    const QSet<QByteArray> hidden = FileSystemDetail::readHiddenList(fd);
     if (!folderPath.endsWith('/')) {
         folderPath += '/';
     }
