@@ -82,7 +82,10 @@ KelofolderView::Private::Private(KelofolderView &view)
     , tree(new FolderTreeView(&view))
     , menu(new QMenu(&view))
     , refreshTimer(new QTimer(&view))
+    , face(view)
 {
+    face.keepEnabledOn(tree);
+    face.keepFontOn(tree);
 }
 
 bool KelofolderView::Private::isPseudoRoot(const QString &key)
@@ -926,11 +929,11 @@ const PropertyTable<KelofolderView> &KelofolderView::table()
         PropertyTable<C> t;
         t.add(
              "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-             [](C &c, const QVariant &v) { c.d->tree->setEnabled(CBool(v)); })
+             [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
             .add(
                 "Font", [](const C &c) { return QVariant(c.ambientFont()); },
                 [](const C &c) { return QVariant(c.Font()); },
-                [](C &c, const QVariant &v) { c.d->tree->setFont(fontFromVariant(v)); })
+                [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); })
             .add(
                 "BorderStyle", QVariant(0), [](const C &c) { return QVariant(c.d->borderStyle); },
                 [](C &c, const QVariant &v) {
@@ -1106,27 +1109,8 @@ bool KelofolderView::eventFilter(QObject *watched, QEvent *event)
 // ---------------------------------------------------------------------------
 // Properties passed to TreeFolders
 
-bool KelofolderView::Enabled() const
-{
-    return d->tree->isEnabled();
-}
-
-void KelofolderView::setEnabled(bool enabled)
-{
-    d->tree->setEnabled(enabled);
-    propertyChanged("Enabled");
-}
-
-QFont KelofolderView::Font() const
-{
-    return d->tree->font();
-}
-
-void KelofolderView::setFont(const QFont &font)
-{
-    d->tree->setFont(font);
-    propertyChanged("Font");
-}
+KELO_CLASSIC_FORWARD(KelofolderView, Enabled, d->face)
+KELO_CLASSIC_FORWARD(KelofolderView, Font, d->face)
 
 int KelofolderView::BorderStyle() const
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassicFace_p.h"
 #include "DriveInfo.h"
 #include "FileListFilter.h"
 #include "FolderTreeModel_p.h"
@@ -120,6 +121,7 @@ public:
     Kelocontrols::FolderTreeView *tree;
     QMenu *menu;
     QTimer *refreshTimer;
+    Kelocontrols::ClassicFace face; ///< Enabled and Font on TreeFolders
 
     Kelocontrols::FileListFilter rules; ///< AllowHiddenFolders, AllowSystemFolders
     QString pathRoot;
