@@ -7,8 +7,8 @@
 namespace Kelocontrols {
 
 /**
- * The desktop's trash as the freedesktop.org Trash specification lays it
- * out, so that file managers list, restore and empty what the file
+ * The desktop's trash in the layout Linux desktops share (freedesktop.org),
+ * so that file managers list, restore and empty what the file
  * controls put there.
  *
  * An entry on the file system of the home trash ($XDG_DATA_HOME/Trash,
