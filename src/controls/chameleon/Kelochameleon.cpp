@@ -1,5 +1,6 @@
 #include "Kelochameleon.h"
 
+#include "ClassicFaceEntries_p.h"
 #include "ClassicFace_p.h"
 #include "ColorEngine_p.h"
 #include "ControlAccess_p.h"
@@ -163,13 +164,11 @@ const PropertyTable<Kelochameleon> &Kelochameleon::Private::table()
                 [](C &c, const QVariant &v) { c.d->range.maximum = CInt(v); })
             .add(
                 "ColorStepRate", QVariant(10), [](const C &c) { return QVariant(c.ColorStepRate()); },
-                [](C &c, const QVariant &v) { c.d->range.stepRate = CInt(v); })
-            .add(
-                "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-                [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
-            .add(
-                "BackgroundStyle", QVariant(0), [](const C &c) { return QVariant(c.d->backgroundStyle); },
-                [](C &c, const QVariant &v) { c.d->backgroundStyle = CLng(v); })
+                [](C &c, const QVariant &v) { c.d->range.stepRate = CInt(v); });
+        ClassicFaceEntries<C>(t, [](C &c) -> ClassicFace & { return c.d->face; }).enabled();
+        t.add(
+             "BackgroundStyle", QVariant(0), [](const C &c) { return QVariant(c.d->backgroundStyle); },
+             [](C &c, const QVariant &v) { c.d->backgroundStyle = CLng(v); })
             .add(
                 "WandStyle", QVariant(0), [](const C &c) { return QVariant(c.d->wandStyle); },
                 [](C &c, const QVariant &v) { c.d->wandStyle = CLng(v); })

@@ -2,6 +2,7 @@
 
 #include "KelofileView_p.h"
 
+#include "ClassicFaceEntries_p.h"
 #include "Conversions.h"
 #include "ListView.h"
 #include "PropertyValues.h"
@@ -34,18 +35,11 @@ const PropertyTable<KelofileView> &KelofileView::table()
         using C = KelofileView;
         const auto text = [](const QString &s) { return QVariant(s); };
         PropertyTable<C> t;
-        t.add(
-            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.BackColor()); },
-            [](C &c, const QVariant &v) { c.d->face.storeBackColor(colorFromVariant(v)); });
-        t.add(
-            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.ForeColor()); },
-            [](C &c, const QVariant &v) { c.d->face.storeForeColor(colorFromVariant(v)); });
-        t.add(
-            "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-            [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); });
-        t.add(
-            "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
-            [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); });
+        ClassicFaceEntries<C>(t, [](C &c) -> ClassicFace & { return c.d->face; })
+            .backColor(0x80000005)
+            .foreColor(0x80000008)
+            .enabled()
+            .font();
         t.add(
             "BorderStyle", QVariant(1), [](const C &c) { return QVariant(c.BorderStyle()); },
             [](C &c, const QVariant &v) { c.d->list->setBorderStyle(CInt(v)); });

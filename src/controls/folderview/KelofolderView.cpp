@@ -1,5 +1,6 @@
 #include "KelofolderView_p.h"
 
+#include "ClassicFaceEntries_p.h"
 #include "ClipboardFiles.h"
 #include "CommonFile.h"
 #include "Conversions.h"
@@ -927,19 +928,13 @@ const PropertyTable<KelofolderView> &KelofolderView::table()
         const auto text = [](const QString &s) { return QVariant(s); };
         const auto drop = [](C &, const QVariant &) {};
         PropertyTable<C> t;
+        ClassicFaceEntries<C>(t, [](C &c) -> ClassicFace & { return c.d->face; }).enabled().font();
         t.add(
-             "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-             [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
-            .add(
-                "Font", [](const C &c) { return QVariant(c.ambientFont()); },
-                [](const C &c) { return QVariant(c.Font()); },
-                [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); })
-            .add(
-                "BorderStyle", QVariant(0), [](const C &c) { return QVariant(c.d->borderStyle); },
-                [](C &c, const QVariant &v) {
-                    c.d->borderStyle = CInt(v);
-                    c.d->applyFrame();
-                })
+             "BorderStyle", QVariant(0), [](const C &c) { return QVariant(c.d->borderStyle); },
+             [](C &c, const QVariant &v) {
+                 c.d->borderStyle = CInt(v);
+                 c.d->applyFrame();
+             })
             .add(
                 "Appearance", QVariant(1), [](const C &c) { return QVariant(c.d->appearance); },
                 [](C &c, const QVariant &v) {

@@ -3,6 +3,7 @@
 #include "KelolistBox_p.h"
 #include "PropertyValues.h"
 
+#include "ClassicFaceEntries_p.h"
 #include "Conversions.h"
 #include "ItemModelRecordset_p.h"
 #include "ListBoxModel_p.h"
@@ -101,18 +102,11 @@ const PropertyTable<KelolistBox> &KelolistBox::table()
     static const PropertyTable<KelolistBox> properties = [] {
         using C = KelolistBox;
         PropertyTable<C> t;
-        t.add(
-            "BackColor", QVariant(uint(0x80000005)), [](const C &c) { return QVariant(c.BackColor()); },
-            [](C &c, const QVariant &v) { c.d->face.storeBackColor(colorFromVariant(v)); });
-        t.add(
-            "ForeColor", QVariant(uint(0x80000008)), [](const C &c) { return QVariant(c.ForeColor()); },
-            [](C &c, const QVariant &v) { c.d->face.storeForeColor(colorFromVariant(v)); });
-        t.add(
-            "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-            [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); });
-        t.add(
-            "Font", [](const C &c) { return QVariant(c.ambientFont()); }, [](const C &c) { return QVariant(c.Font()); },
-            [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); });
+        ClassicFaceEntries<C>(t, [](C &c) -> ClassicFace & { return c.d->face; })
+            .backColor(0x80000005)
+            .foreColor(0x80000008)
+            .enabled()
+            .font();
         // The list's current text: saved for the form file's reader, never loaded.
         t.add(
             "Text", QVariant(QStringLiteral("listItems")), [](const C &c) { return QVariant(c.listText()); },

@@ -1,5 +1,6 @@
 #include "KeloscoreCard.h"
 
+#include "ClassicFaceEntries_p.h"
 #include "ClassicFace_p.h"
 #include "Conversions.h"
 #include "GaugePainter_p.h"
@@ -70,22 +71,14 @@ const PropertyTable<KeloscoreCard> &KeloscoreCard::table()
     static const PropertyTable<KeloscoreCard> properties = [] {
         using C = KeloscoreCard;
         PropertyTable<C> t;
+        ClassicFaceEntries<C>(t, [](C &c) -> ClassicFace & { return c.d->face; })
+            .backColor(0x8000000F)
+            .foreColor(0x80000012)
+            .enabled()
+            .font();
         t.add(
-             "BackColor", QVariant(uint(0x8000000F)), [](const C &c) { return QVariant(c.BackColor()); },
-             [](C &c, const QVariant &v) { c.d->face.storeBackColor(colorFromVariant(v)); })
-            .add(
-                "ForeColor", QVariant(uint(0x80000012)), [](const C &c) { return QVariant(c.ForeColor()); },
-                [](C &c, const QVariant &v) { c.d->face.storeForeColor(colorFromVariant(v)); })
-            .add(
-                "Enabled", QVariant(true), [](const C &c) { return QVariant(c.Enabled()); },
-                [](C &c, const QVariant &v) { c.d->face.storeEnabled(CBool(v)); })
-            .add(
-                "Font", [](const C &c) { return QVariant(c.ambientFont()); },
-                [](const C &c) { return QVariant(c.Font()); },
-                [](C &c, const QVariant &v) { c.d->face.storeFont(fontFromVariant(v)); })
-            .add(
-                "BorderStyle", QVariant(1), [](const C &c) { return QVariant(c.BorderStyle()); },
-                [](C &c, const QVariant &v) { c.d->picture->setBorderStyle(CInt(v)); })
+             "BorderStyle", QVariant(1), [](const C &c) { return QVariant(c.BorderStyle()); },
+             [](C &c, const QVariant &v) { c.d->picture->setBorderStyle(CInt(v)); })
             .add(
                 "Value", QVariant(0.5f), [](const C &c) { return QVariant(c.d->value); },
                 [](C &c, const QVariant &v) { c.d->value = CSng(v); })
