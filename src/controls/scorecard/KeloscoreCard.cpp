@@ -283,60 +283,42 @@ void KeloscoreCard::setStyle(keloScoreCardStyle style)
 // write alone was clamped against a neighbour the form had not set yet.
 void KeloscoreCard::setScoreStar(double score)
 {
-    noteFirstWrite("ScoreStar");
-    const float s = single(score);
-    d->scale = d->scale.withStar(s);
-    d->written.thresholds.star = s;
-    scaleChanged("ScoreStar");
+    writeScore("ScoreStar", score, &ScoreScale::withStar, d->written.thresholds.star);
 }
 
 void KeloscoreCard::setScoreGood(double score)
 {
-    noteFirstWrite("ScoreGood");
-    const float s = single(score);
-    d->scale = d->scale.withGood(s);
-    d->written.thresholds.good = s;
-    scaleChanged("ScoreGood");
+    writeScore("ScoreGood", score, &ScoreScale::withGood, d->written.thresholds.good);
 }
 
 void KeloscoreCard::setScoreMaybe(double score)
 {
-    noteFirstWrite("ScoreMaybe");
-    const float s = single(score);
-    d->scale = d->scale.withMaybe(s);
-    d->written.thresholds.maybe = s;
-    scaleChanged("ScoreMaybe");
+    writeScore("ScoreMaybe", score, &ScoreScale::withMaybe, d->written.thresholds.maybe);
 }
 
 void KeloscoreCard::setScoreBad(double score)
 {
-    noteFirstWrite("ScoreBad");
-    const float s = single(score);
-    d->scale = d->scale.withBad(s);
-    d->written.thresholds.bad = s;
-    scaleChanged("ScoreBad");
+    writeScore("ScoreBad", score, &ScoreScale::withBad, d->written.thresholds.bad);
 }
 
 void KeloscoreCard::setScoreMin(double score)
 {
-    noteFirstWrite("ScoreMin");
-    const float s = single(score);
-    d->scale = d->scale.withMin(s);
-    d->written.min = s;
-    scaleChanged("ScoreMin");
+    writeScore("ScoreMin", score, &ScoreScale::withMin, d->written.min);
 }
 
 void KeloscoreCard::setScoreMax(double score)
 {
-    noteFirstWrite("ScoreMax");
-    const float s = single(score);
-    d->scale = d->scale.withMax(s);
-    d->written.max = s;
-    scaleChanged("ScoreMax");
+    writeScore("ScoreMax", score, &ScoreScale::withMax, d->written.max);
 }
 
-void KeloscoreCard::scaleChanged(const char *name)
+// `written` is the field of the scale as written that `name` sets.
+void KeloscoreCard::writeScore(
+    const char *name, double score, ScoreScale (ScoreScale::*clamped)(float) const, float &written)
 {
+    noteFirstWrite(name);
+    const float s = single(score);
+    d->scale = (d->scale.*clamped)(s);
+    written = s;
     if (!inFirstWrites()) {
         d->written = d->scale;
     }

@@ -228,7 +228,8 @@ private:
     bool isPictureStyle() const;
     QSize pictureFitSize() const;
     const Kelocontrols::ScoreScale &scale() const;
-    void scaleChanged(const char *name);
+    void writeScore(const char *name, double score,
+        Kelocontrols::ScoreScale (Kelocontrols::ScoreScale::*clamped)(float) const, float &written);
     void redraw();
     void drawPicture();
     void drawFlashCard();
