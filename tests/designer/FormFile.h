@@ -6,7 +6,6 @@
 
 #include "KeloTestSupport.h"
 
-#include <QFile>
 #include <QFont>
 #include <QMetaProperty>
 #include <QRect>

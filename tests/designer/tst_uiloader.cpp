@@ -77,13 +77,6 @@ QByteArray cardForm(const QString &properties)
  <widget class="QWidget" name="Form">
   <widget class="KeloscoreCard" name="card">%1</widget>
  </widget>
- <customwidgets>
-  <customwidget>
-   <class>KeloscoreCard</class>
-   <extends>QWidget</extends>
-   <header>Kelocontrols/KeloscoreCard.h</header>
-  </customwidget>
- </customwidgets>
 </ui>
 )")
         .arg(properties)
@@ -140,8 +133,7 @@ private Q_SLOTS:
     void initTestCase();
     void describesEveryControl();
     void createsDesignModeControlsOnlyForDesigner();
-    void findsThePluginFolder();
-    void createsRunModeControls();
+    void findsThePluginAndCreatesRunModeControls();
     void formsHoldTheirValues_data();
     void formsHoldTheirValues();
     void cardsShowTheirValues_data();
@@ -254,7 +246,7 @@ void tst_UiLoader::createsDesignModeControlsOnlyForDesigner()
 
 // QUiLoader looks for plugins in "<library path>/designer" and takes a path
 // given to addPluginPath() as the plugin folder itself.
-void tst_UiLoader::findsThePluginFolder()
+void tst_UiLoader::findsThePluginAndCreatesRunModeControls()
 {
     const QString className = u"KeloscoreCard"_qs;
     RecordingLoader direct;
@@ -266,23 +258,19 @@ void tst_UiLoader::findsThePluginFolder()
     QCoreApplication::removeLibraryPath(QStringLiteral(KELO_PLUGIN_DIR));
     QVERIFY(viaLibraryPath.pluginPaths().contains(pluginDir));
     QVERIFY(viaLibraryPath.availableWidgets().contains(className));
-}
 
-void tst_UiLoader::createsRunModeControls()
-{
-    RecordingLoader loader;
+    // It creates run-mode controls, InitProperties done.
     QWidget form;
-    auto *card = qobject_cast<KeloscoreCard *>(loader.createWidget(u"KeloscoreCard"_qs, &form, u"scoreCard1"_qs));
+    auto *card = qobject_cast<KeloscoreCard *>(direct.createWidget(u"KeloscoreCard"_qs, &form, u"scoreCard1"_qs));
     QVERIFY(card);
     QCOMPARE(card->parentWidget(), &form);
     QCOMPARE(card->objectName(), u"scoreCard1"_qs);
     QCOMPARE(card->property("UserMode"), QVariant(true));
-    // Freshly created means InitProperties has run.
     QCOMPARE(card->Value(), 0.5);
     QCOMPARE(card->Style(), keloScoreCardStyle::ScoreCardSmall);
     QCOMPARE(card->BackColor(), 0x8000000Fu);
 
-    QCOMPARE(loader.createWidget(u"KeloNoSuchControl"_qs, &form, QString()), nullptr);
+    QCOMPARE(direct.createWidget(u"KeloNoSuchControl"_qs, &form, QString()), nullptr);
 }
 
 void tst_UiLoader::formsHoldTheirValues_data()
@@ -328,8 +316,7 @@ void tst_UiLoader::cardsShowTheirValues_data()
     // Designer writes the geometry before the control's own properties; a
     // redraw while Style is still a picture must not shrink the gauge.
     const FormBuilder scorecard = loaded(u"scorecard.ui"_qs);
-    QTest::newRow("gauge") << scorecard << "qualityGauge" << 4 << QRect(10, 10, 240, 32)
-                           << "Quality of the last build";
+    QTest::newRow("gauge") << scorecard << "qualityGauge" << 4 << QRect(10, 10, 240, 32) << "Quality of the last build";
     QTest::newRow("smiley") << scorecard << "buildSmiley" << 5 << QRect(10, 60, 36, 36) << " 95%";
     QTest::newRow("no tip") << scorecard << "levelGauge" << 2 << QRect(270, 10, 30, 160) << "";
     const FormBuilder uicform = compiled<Ui::UicScoreForm>();
@@ -408,11 +395,12 @@ void tst_UiLoader::survivesBadForms()
     QVERIFY(!loader.errorString().isEmpty());
 
     // Values of the wrong type or out of range leave the defaults in place.
-    const auto form = loader.load(cardForm(QStringLiteral("<property name=\"Value\"><string>abc</string></property>"
-                                                          "<property name=\"BackColor\"><string>red</string></property>"
-                                                          "<property name=\"ShowBlocks\"><number>500</number></property>"
-                                                          "<property name=\"ToolTipStyle\"><number>9</number></property>"
-                                                          "<property name=\"NoSuchProperty\"><number>1</number></property>")));
+    const auto form
+        = loader.load(cardForm(QStringLiteral("<property name=\"Value\"><string>abc</string></property>"
+                                              "<property name=\"BackColor\"><string>red</string></property>"
+                                              "<property name=\"ShowBlocks\"><number>500</number></property>"
+                                              "<property name=\"ToolTipStyle\"><number>9</number></property>"
+                                              "<property name=\"NoSuchProperty\"><number>1</number></property>")));
     QVERIFY2(form, qPrintable(loader.errorString()));
     const auto *card = form->findChild<KeloscoreCard *>(u"card"_qs);
     QVERIFY(card);

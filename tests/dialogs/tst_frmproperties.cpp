@@ -442,8 +442,10 @@ void tst_frmProperties::oddNames()
     QCOMPARE(shown.values.at(3), QStringLiteral("1KB (2 bytes)"));
     // Read-only is written first, so it holds even when the name cannot be hidden.
     QCOMPARE(int(modeOf(item)), 0444);
-    QCOMPARE(boxes.calls(), expectedList != "<none>" ? QStringList() : QStringList{
-        "16|A name with a line break or ending in a blank cannot be listed in '.hidden'|"});
+    QCOMPARE(boxes.calls(),
+        expectedList != "<none>"
+            ? QStringList()
+            : QStringList{"16|A name with a line break or ending in a blank cannot be listed in '.hidden'|"});
     QCOMPARE(readFile(path(QStringLiteral(".hidden"))), expectedList);
 }
 
