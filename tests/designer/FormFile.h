@@ -6,7 +6,6 @@
 
 #include "KeloTestSupport.h"
 
-#include <QFile>
 #include <QFont>
 #include <QMetaProperty>
 #include <QRect>
@@ -33,11 +32,6 @@ struct Widget
     QList<Property> properties;
 };
 
-inline QString read(const QString &path)
-{
-    return KeloTest::readTextFile(path);
-}
-
 /// The value of a property element; a rect or font as "child=text,...".
 inline QString readValue(QXmlStreamReader &xml, QString *type)
 {
@@ -56,7 +50,7 @@ inline QString readValue(QXmlStreamReader &xml, QString *type)
     return text;
 }
 
-/// The Kelocontrols widgets of a form (classes named Kelo...), in file order.
+/// The Kelocontrols widgets of a form file's text (classes named Kelo...), in file order.
 inline QList<Widget> parse(const QString &ui)
 {
     QList<Widget> widgets;
@@ -83,12 +77,6 @@ inline QList<Widget> parse(const QString &ui)
     return widgets;
 }
 
-inline QMetaProperty metaProperty(const QObject *object, const QString &name)
-{
-    const QMetaObject *meta = object->metaObject();
-    return meta->property(meta->indexOfProperty(name.toLatin1().constData()));
-}
-
 /// A widget's current value in the form file's terms; an enumeration as
 /// "scope::key", the spelling Qt Designer writes and uic compiles.
 inline QString valueAsFormText(const QWidget *widget, const Property &property)
@@ -97,7 +85,8 @@ inline QString valueAsFormText(const QWidget *widget, const Property &property)
         const QRect r = widget->geometry();
         return QStringLiteral("x=%1,y=%2,width=%3,height=%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
     }
-    const QMetaProperty meta = metaProperty(widget, property.name);
+    const QMetaProperty meta
+        = widget->metaObject()->property(widget->metaObject()->indexOfProperty(property.name.toLatin1().constData()));
     const QVariant value = meta.read(widget);
     if (property.type == u"enum") {
         const QMetaEnum enumeration = meta.enumerator();
@@ -147,15 +136,15 @@ inline QStringList mismatches(const QWidget *root, const QList<Widget> &form)
     return found;
 }
 
-/// The rows of a data table over the form files saved by the form editor: one "form" column, the file name.
-inline void addSavedFormRows()
+inline QString path(const QString &name)
 {
-    QTest::addColumn<QString>("form");
-    QTest::newRow("three cards") << "scorecard.ui";
-    QTest::newRow("score range 0..100") << "scorerange.ui";
-    QTest::newRow("every enumeration of every control") << "enumerations.ui";
-    QTest::newRow("thresholds away from their defaults") << "thresholds.ui";
-    QTest::newRow("written for uic") << "uicform.ui";
+    return QStringLiteral(KELO_FORMS_DIR "/") + name;
+}
+
+/// The widgets of the form file `name` under forms/.
+inline QList<Widget> parseFile(const QString &name)
+{
+    return parse(KeloTest::readTextFile(path(name)));
 }
 
 } // namespace FormFile

@@ -1,19 +1,28 @@
-// QUiLoader with the Kelocontrols Designer plugin: how the plugin is found,
-// that loaded controls run in run mode, and that forms written by Qt Designer
-// (every enumeration of every control, thresholds far from their defaults)
-// come back with every value.
+// How a form reaches a program, against the plugin of this build tree: the
+// Designer plugin as Qt Designer and QUiLoader load it, forms loaded at run
+// time by QUiLoader, and forms compiled by uic into this test. Loaded or
+// compiled, every control runs in run mode and holds each value of its form
+// file, as Qt Designer wrote it.
 
 #include "FormFile.h"
 #include "KeloEnums.h"
 #include "KeloscoreCard.h"
+#include "ui_enumerations.h"
+#include "ui_thresholds.h"
+#include "ui_uicform.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
+#include <QPluginLoader>
+#include <QRegularExpression>
 #include <QTest>
 #include <QUiLoader>
+#include <QtDesigner/QDesignerFormEditorInterface>
+#include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
+#include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
+#include <functional>
 #include <memory>
 
 using namespace Kelocontrols;
@@ -21,11 +30,6 @@ using namespace Kelocontrols;
 namespace {
 
 const QString pluginDir = QStringLiteral(KELO_PLUGIN_DIR "/designer");
-
-QString formPath(const char *name)
-{
-    return QStringLiteral(KELO_FORMS_DIR "/") + QLatin1String(name);
-}
 
 /// A loader that looks for plugins only in this build tree's plugin folder, so an installed copy of the plugin can
 /// never stand in for the one under test; it records the PropertyChanged signals of every control it creates, from
@@ -49,13 +53,20 @@ public:
         return widget;
     }
 
+    std::unique_ptr<QWidget> load(QByteArray xml)
+    {
+        QBuffer buffer(&xml);
+        buffer.open(QIODevice::ReadOnly);
+        return std::unique_ptr<QWidget>(QUiLoader::load(&buffer));
+    }
+
+    std::unique_ptr<QWidget> loadFile(const QString &name)
+    {
+        return load(KeloTest::readTextFile(FormFile::path(name)).toUtf8());
+    }
+
     QHash<QString, QStringList> changes;
 };
-
-std::unique_ptr<QUiLoader> buildTreeLoader()
-{
-    return std::make_unique<RecordingLoader>();
-}
 
 /// A form holding one score card named "card" with the given property elements.
 QByteArray cardForm(const QString &properties)
@@ -66,50 +77,50 @@ QByteArray cardForm(const QString &properties)
  <widget class="QWidget" name="Form">
   <widget class="KeloscoreCard" name="card">%1</widget>
  </widget>
- <customwidgets>
-  <customwidget>
-   <class>KeloscoreCard</class>
-   <extends>QWidget</extends>
-   <header>Kelocontrols/KeloscoreCard.h</header>
-  </customwidget>
- </customwidgets>
 </ui>
 )")
         .arg(properties)
         .toUtf8();
 }
 
-std::unique_ptr<QWidget> loadForm(QUiLoader &loader, QByteArray xml)
+/// The widget a program builds from uicform.ui, with auto-connected handlers.
+class ScoreForm : public QWidget
 {
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    return std::unique_ptr<QWidget>(loader.load(&buffer));
+    Q_OBJECT
+
+public:
+    ScoreForm() { ui.setupUi(this); }
+
+    Ui::UicScoreForm ui;
+    QStringList trafficLightChanges;
+    QList<short> keyCodes;
+
+public Q_SLOTS:
+    void on_trafficLight_PropertyChanged(const QString &name) { trafficLightChanges.append(name); }
+    void on_trafficLight_KeyDown(short &KeyCode, short &) { keyCodes.append(KeyCode); }
+};
+
+/// Builds a form: loaded by QUiLoader, or compiled by uic.
+using FormBuilder = std::function<std::unique_ptr<QWidget>()>;
+
+FormBuilder loaded(const QString &file)
+{
+    return [file] { return RecordingLoader().loadFile(file); };
 }
 
-std::unique_ptr<QWidget> loadFormFile(QUiLoader &loader, const QString &path)
+template<class Ui>
+FormBuilder compiled()
 {
-    return loadForm(loader, FormFile::read(path).toUtf8());
+    return [] {
+        auto form = std::make_unique<QWidget>();
+        Ui().setupUi(form.get());
+        return form;
+    };
 }
 
-/// The names of the control's own properties (mixed case; QWidget's start
-/// in lower case) that `widgetName` sets in a form file, in file order.
-QStringList controlPropertiesInForm(const QString &path, const QString &widgetName)
+std::unique_ptr<ControlBase> createControl(QDesignerCustomWidgetInterface *widget, QWidget *parent = nullptr)
 {
-    QStringList names;
-    for (const FormFile::Widget &widget : FormFile::parse(FormFile::read(path))) {
-        for (const FormFile::Property &property : widget.properties) {
-            if (widget.name == widgetName && property.name.at(0).isUpper()) {
-                names << property.name;
-            }
-        }
-    }
-    return names;
-}
-
-QString pictureToolTip(const QWidget *card)
-{
-    const auto *picture = card->findChild<QWidget *>(u"Picture1"_qs);
-    return picture ? picture->toolTip() : u"<no Picture1>"_qs;
+    return std::unique_ptr<ControlBase>(qobject_cast<ControlBase *>(widget->createWidget(parent)));
 }
 
 } // namespace
@@ -120,113 +131,211 @@ class tst_UiLoader : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void findsThePluginFolder();
-    void createsRunModeControls();
-    void loadsDesignerForms_data();
-    void loadsDesignerForms();
-    void loadedCardsShowTheirValues();
+    void describesEveryControl();
+    void createsDesignModeControlsOnlyForDesigner();
+    void findsThePluginAndCreatesRunModeControls();
+    void formsHoldTheirValues_data();
+    void formsHoldTheirValues();
+    void cardsShowTheirValues_data();
+    void cardsShowTheirValues();
     void loadingEmitsEachPropertyOnce();
     void acceptsEveryEnumSpelling_data();
     void acceptsEveryEnumSpelling();
     void survivesBadForms();
+    void uicConnectsEventsByName();
+
+private:
+    QDesignerCustomWidgetInterface *widget(const QString &name) const;
+
+    QList<QDesignerCustomWidgetInterface *> m_widgets;
 };
 
+// The plugin as Qt Designer loads it: a custom widget collection.
 void tst_UiLoader::initTestCase()
 {
-    const QString plugin = pluginDir + u"/libKelocontrolsDesigner.so"_qs;
-    QVERIFY2(QFileInfo::exists(plugin), qPrintable(plugin + u" has not been built"_qs));
+    QPluginLoader loader(pluginDir + u"/libKelocontrolsDesigner.so"_qs);
+    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+    QCOMPARE(loader.metaData().value(u"IID"_qs).toString(),
+        u"org.qt-project.Qt.QDesignerCustomWidgetCollectionInterface"_qs);
+    auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
+    QVERIFY(collection);
+    m_widgets = collection->customWidgets();
+    QVERIFY(!m_widgets.isEmpty());
+}
+
+QDesignerCustomWidgetInterface *tst_UiLoader::widget(const QString &name) const
+{
+    for (QDesignerCustomWidgetInterface *w : m_widgets) {
+        if (w->name() == name) {
+            return w;
+        }
+    }
+    return nullptr;
+}
+
+// What holds for every control of the collection, present and future.
+void tst_UiLoader::describesEveryControl()
+{
+    QSet<QString> names;
+    for (QDesignerCustomWidgetInterface *w : std::as_const(m_widgets)) {
+        const QString name = w->name();
+        QVERIFY2(!names.contains(name), qPrintable(name));
+        names.insert(name);
+        QCOMPARE(w->group(), u"Kelocontrols"_qs);
+        QCOMPARE(w->includeFile(), u"Kelocontrols/"_qs + name + u".h"_qs);
+        // The header a generated form includes must exist for consumers.
+        QVERIFY2(QFileInfo::exists(QStringLiteral(KELO_BINARY_DIR "/src/include/") + w->includeFile()),
+            qPrintable(w->includeFile()));
+        QVERIFY(!w->toolTip().isEmpty());
+        QVERIFY(w->whatsThis().size() > w->toolTip().size());
+        QVERIFY(!w->isContainer());
+
+        const QIcon icon = w->icon();
+        QVERIFY(icon.availableSizes().contains(QSize(16, 16)));
+        QVERIFY(icon.availableSizes().contains(QSize(32, 32)));
+        QVERIFY(KeloTest::hasVisiblePixel(icon.pixmap(16, 16).toImage()));
+
+        // The new widget: the class, and a name from it in lower camel case.
+        const auto control = createControl(w);
+        QVERIFY(control);
+        QCOMPARE(QString::fromLatin1(control->metaObject()->className()), name);
+        const QList<FormFile::Widget> dom = FormFile::parse(w->domXml());
+        QCOMPARE(dom.size(), 1);
+        QCOMPARE(dom.first().className, name);
+        QCOMPARE(dom.first().name, name.at(0).toLower() + name.mid(1));
+        QCOMPARE(dom.first().properties.size(), 1);
+        const QString geometry = dom.first().properties.first().text;
+        QVERIFY2(QRegularExpression(u"^x=0,y=0,width=[1-9]\\d*,height=[1-9]\\d*$"_qs).match(geometry).hasMatch(),
+            qPrintable(geometry));
+    }
+    // A new score card shows the 16-pixel picture in its border: the default
+    // geometry is exactly that, so nothing moves once it is dropped.
+    QCOMPARE(KeloscoreCard().sizeHint(), QSize(20, 20));
+    QCOMPARE(FormFile::parse(widget(u"KeloscoreCard"_qs)->domXml()).first().properties.first().text,
+        u"x=0,y=0,width=20,height=20"_qs);
+}
+
+// The plugin instance is shared by Designer and QUiLoader of one process:
+// only a non-null form editor turns design mode on, and only for creation.
+void tst_UiLoader::createsDesignModeControlsOnlyForDesigner()
+{
+    QDesignerCustomWidgetInterface *card = widget(u"KeloscoreCard"_qs);
+    QVERIFY(card);
+    QWidget form;
+
+    QVERIFY(!card->isInitialized());
+    QCOMPARE(createControl(card, &form)->UserMode(), true);
+
+    card->initialize(nullptr);
+    QVERIFY(card->isInitialized());
+    QCOMPARE(createControl(card, &form)->UserMode(), true);
+
+    QDesignerFormEditorInterface core;
+    card->initialize(&core);
+    const auto designed = createControl(card, &form);
+    QCOMPARE(designed->UserMode(), false);
+    QCOMPARE(designed->parentWidget(), &form);
+    QCOMPARE(createControl(card)->UserMode(), false);
+    // Design mode ends with the creation: other code still gets run-mode controls.
+    QCOMPARE(ControlBase::defaultUserMode(), true);
+    QCOMPARE(KeloscoreCard().UserMode(), true);
+
+    card->initialize(nullptr);
+    QCOMPARE(createControl(card, &form)->UserMode(), true);
 }
 
 // QUiLoader looks for plugins in "<library path>/designer" and takes a path
 // given to addPluginPath() as the plugin folder itself.
-void tst_UiLoader::findsThePluginFolder()
+void tst_UiLoader::findsThePluginAndCreatesRunModeControls()
 {
     const QString className = u"KeloscoreCard"_qs;
-
-    QUiLoader parentFolder;
-    parentFolder.clearPluginPaths();
-    parentFolder.addPluginPath(QStringLiteral(KELO_PLUGIN_DIR));
-    QVERIFY(!parentFolder.availableWidgets().contains(className));
-
-    auto direct = buildTreeLoader();
-    QCOMPARE(direct->pluginPaths(), QStringList{pluginDir});
-    QVERIFY(direct->availableWidgets().contains(className));
+    RecordingLoader direct;
+    QCOMPARE(direct.pluginPaths(), QStringList{pluginDir});
+    QVERIFY(direct.availableWidgets().contains(className));
 
     QCoreApplication::addLibraryPath(QStringLiteral(KELO_PLUGIN_DIR));
     QUiLoader viaLibraryPath;
     QCoreApplication::removeLibraryPath(QStringLiteral(KELO_PLUGIN_DIR));
     QVERIFY(viaLibraryPath.pluginPaths().contains(pluginDir));
     QVERIFY(viaLibraryPath.availableWidgets().contains(className));
-}
 
-void tst_UiLoader::createsRunModeControls()
-{
-    auto loader = buildTreeLoader();
+    // It creates run-mode controls, InitProperties done.
     QWidget form;
-    QWidget *widget = loader->createWidget(u"KeloscoreCard"_qs, &form, u"scoreCard1"_qs);
-    auto *card = qobject_cast<KeloscoreCard *>(widget);
+    auto *card = qobject_cast<KeloscoreCard *>(direct.createWidget(u"KeloscoreCard"_qs, &form, u"scoreCard1"_qs));
     QVERIFY(card);
     QCOMPARE(card->parentWidget(), &form);
     QCOMPARE(card->objectName(), u"scoreCard1"_qs);
-    QCOMPARE(card->UserMode(), true);
     QCOMPARE(card->property("UserMode"), QVariant(true));
-    // Freshly created means InitProperties has run.
     QCOMPARE(card->Value(), 0.5);
     QCOMPARE(card->Style(), keloScoreCardStyle::ScoreCardSmall);
     QCOMPARE(card->BackColor(), 0x8000000Fu);
 
-    QCOMPARE(loader->createWidget(u"KeloNoSuchControl"_qs, &form), nullptr);
+    QCOMPARE(direct.createWidget(u"KeloNoSuchControl"_qs, &form, QString()), nullptr);
 }
 
-void tst_UiLoader::loadsDesignerForms_data()
+void tst_UiLoader::formsHoldTheirValues_data()
 {
-    FormFile::addSavedFormRows();
+    QTest::addColumn<FormBuilder>("build");
+    QTest::addColumn<QString>("file");
+    for (const char *file : {"scorecard.ui", "scorerange.ui", "enumerations.ui", "thresholds.ui", "uicform.ui"}) {
+        QTest::addRow("loaded %s", file) << loaded(QString::fromLatin1(file)) << QString::fromLatin1(file);
+    }
+    QTest::newRow("compiled enumerations.ui") << compiled<Ui::EnumerationsForm>() << "enumerations.ui";
+    QTest::newRow("compiled thresholds.ui") << compiled<Ui::ThresholdsForm>() << "thresholds.ui";
+    QTest::newRow("compiled uicform.ui") << compiled<Ui::UicScoreForm>() << "uicform.ui";
 }
 
-// Every property a form file sets comes back with the value in the file.
-void tst_UiLoader::loadsDesignerForms()
+// Every property a form file sets comes back with the value in the file,
+// and stays when the form is shown.
+void tst_UiLoader::formsHoldTheirValues()
 {
-    QFETCH(QString, form);
-    auto loader = buildTreeLoader();
-    const auto widget = loadFormFile(*loader, formPath(form.toLatin1().constData()));
-    QVERIFY2(widget, qPrintable(loader->errorString()));
-    const QList<FormFile::Widget> controls = FormFile::parse(FormFile::read(formPath(form.toLatin1().constData())));
+    QFETCH(FormBuilder, build);
+    QFETCH(QString, file);
+    const auto form = build();
+    QVERIFY(form);
+    const QList<FormFile::Widget> controls = FormFile::parseFile(file);
     QVERIFY(!controls.isEmpty());
-    const QStringList mismatches = FormFile::mismatches(widget.get(), controls);
+    QStringList mismatches = FormFile::mismatches(form.get(), controls);
     QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(u'\n')));
-    for (const auto *control : widget->findChildren<ControlBase *>()) {
+    for (const auto *control : form->findChildren<ControlBase *>()) {
         QCOMPARE(control->UserMode(), true);
     }
+    form->show();
+    QVERIFY(QTest::qWaitForWindowExposed(form.get()));
+    mismatches = FormFile::mismatches(form.get(), controls);
+    QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(u'\n')));
 }
 
-// What the loaded score cards of scorecard.ui show besides their properties.
-void tst_UiLoader::loadedCardsShowTheirValues()
+void tst_UiLoader::cardsShowTheirValues_data()
 {
-    auto loader = buildTreeLoader();
-    const auto form = loadFormFile(*loader, formPath("scorecard.ui"));
-    QVERIFY2(form, qPrintable(loader->errorString()));
-    QCOMPARE(form->windowTitle(), u"Build scores"_qs);
-
-    const auto *quality = form->findChild<KeloscoreCard *>(u"qualityGauge"_qs);
-    QVERIFY(quality);
-    QCOMPARE(quality->grade(), 4);
-    QCOMPARE(pictureToolTip(quality), u"Quality of the last build"_qs);
+    QTest::addColumn<FormBuilder>("build");
+    QTest::addColumn<QString>("card");
+    QTest::addColumn<int>("grade");
+    QTest::addColumn<QRect>("geometry");
+    QTest::addColumn<QString>("pictureTip");
     // Designer writes the geometry before the control's own properties; a
     // redraw while Style is still a picture must not shrink the gauge.
-    QCOMPARE(quality->size(), QSize(240, 32));
+    const FormBuilder scorecard = loaded(u"scorecard.ui"_qs);
+    QTest::newRow("gauge") << scorecard << "qualityGauge" << 4 << QRect(10, 10, 240, 32) << "Quality of the last build";
+    QTest::newRow("smiley") << scorecard << "buildSmiley" << 5 << QRect(10, 60, 36, 36) << " 95%";
+    QTest::newRow("no tip") << scorecard << "levelGauge" << 2 << QRect(270, 10, 30, 160) << "";
+    const FormBuilder uicform = compiled<Ui::UicScoreForm>();
+    QTest::newRow("compiled gauge") << uicform << "coverageGauge" << 3 << QRect(10, 10, 40, 200) << "63%";
+    QTest::newRow("compiled light") << uicform << "trafficLight" << 1 << QRect(60, 10, 36, 36) << " 13%";
+}
 
-    const auto *smiley = form->findChild<KeloscoreCard *>(u"buildSmiley"_qs);
-    QVERIFY(smiley);
-    QCOMPARE(smiley->isEnabled(), false);
-    QCOMPARE(smiley->grade(), 5);
-    QCOMPARE(smiley->size(), QSize(36, 36));
-    QCOMPARE(smiley->ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
-    QCOMPARE(pictureToolTip(smiley), u" 95%"_qs);
-
-    const auto *level = form->findChild<KeloscoreCard *>(u"levelGauge"_qs);
-    QVERIFY(level);
-    QCOMPARE(pictureToolTip(level), QString());
-    QCOMPARE(level->size(), QSize(30, 160));
+void tst_UiLoader::cardsShowTheirValues()
+{
+    QFETCH(FormBuilder, build);
+    QFETCH(QString, card);
+    const auto form = build();
+    const auto *control = form->findChild<KeloscoreCard *>(card);
+    QVERIFY(control);
+    QTEST(control->grade(), "grade");
+    QTEST(control->geometry(), "geometry");
+    const auto *picture = control->findChild<QWidget *>(u"Picture1"_qs);
+    QVERIFY(picture);
+    QTEST(picture->toolTip(), "pictureTip");
 }
 
 // Each property in the form is written once, in file order, under its exact
@@ -234,20 +343,21 @@ void tst_UiLoader::loadedCardsShowTheirValues()
 void tst_UiLoader::loadingEmitsEachPropertyOnce()
 {
     RecordingLoader loader;
-    const QString path = formPath("scorecard.ui");
-    const auto form = loadFormFile(loader, path);
+    const auto form = loader.loadFile(u"scorecard.ui"_qs);
     QVERIFY2(form, qPrintable(loader.errorString()));
-
-    for (const char *widget : {"qualityGauge", "buildSmiley", "levelGauge"}) {
-        const QString name = QString::fromLatin1(widget);
-        const QStringList expected = controlPropertiesInForm(path, name);
+    for (const FormFile::Widget &widget : FormFile::parseFile(u"scorecard.ui"_qs)) {
+        QStringList expected;
+        for (const FormFile::Property &property : widget.properties) {
+            if (property.name.at(0).isUpper()) {
+                expected << property.name;
+            }
+        }
         QVERIFY(expected.size() >= 3);
-        QCOMPARE(loader.changes.value(name), expected);
+        QCOMPARE(loader.changes.value(widget.name), expected);
     }
 
-    auto *quality = form->findChild<KeloscoreCard *>(u"qualityGauge"_qs);
     loader.changes.clear();
-    quality->setProperty("Value", 0.3);
+    form->findChild<KeloscoreCard *>(u"qualityGauge"_qs)->setProperty("Value", 0.3);
     QCOMPARE(loader.changes.value(u"qualityGauge"_qs), QStringList{u"Value"_qs});
 }
 
@@ -267,41 +377,52 @@ void tst_UiLoader::acceptsEveryEnumSpelling_data()
 void tst_UiLoader::acceptsEveryEnumSpelling()
 {
     QFETCH(QString, element);
-    QFETCH(int, expected);
-
-    auto loader = buildTreeLoader();
-    const auto form = loadForm(*loader, cardForm(u"<property name=\"Style\">%1</property>"_qs.arg(element)));
-    QVERIFY2(form, qPrintable(loader->errorString()));
+    RecordingLoader loader;
+    const auto form = loader.load(cardForm(u"<property name=\"Style\">%1</property>"_qs.arg(element)));
+    QVERIFY2(form, qPrintable(loader.errorString()));
     const auto *card = form->findChild<KeloscoreCard *>(u"card"_qs);
     QVERIFY(card);
-    QCOMPARE(int(card->Style()), expected);
-    QCOMPARE(card->property("Style").toInt(), expected);
-    QCOMPARE(card->UserMode(), true);
+    QTEST(int(card->Style()), "expected");
+    QTEST(card->property("Style").toInt(), "expected");
 }
 
 void tst_UiLoader::survivesBadForms()
 {
-    auto loader = buildTreeLoader();
-
+    RecordingLoader loader;
     QByteArray truncated = cardForm(QString());
     truncated.chop(40);
-    QVERIFY(!loadForm(*loader, truncated));
-    QVERIFY(!loader->errorString().isEmpty());
+    QVERIFY(!loader.load(truncated));
+    QVERIFY(!loader.errorString().isEmpty());
 
     // Values of the wrong type or out of range leave the defaults in place.
-    const auto form = loadForm(*loader,
-        cardForm(QStringLiteral("<property name=\"Value\"><string>abc</string></property>"
-                                "<property name=\"BackColor\"><string>red</string></property>"
-                                "<property name=\"ShowBlocks\"><number>500</number></property>"
-                                "<property name=\"ToolTipStyle\"><number>9</number></property>"
-                                "<property name=\"NoSuchProperty\"><number>1</number></property>")));
-    QVERIFY2(form, qPrintable(loader->errorString()));
+    const auto form
+        = loader.load(cardForm(QStringLiteral("<property name=\"Value\"><string>abc</string></property>"
+                                              "<property name=\"BackColor\"><string>red</string></property>"
+                                              "<property name=\"ShowBlocks\"><number>500</number></property>"
+                                              "<property name=\"ToolTipStyle\"><number>9</number></property>"
+                                              "<property name=\"NoSuchProperty\"><number>1</number></property>")));
+    QVERIFY2(form, qPrintable(loader.errorString()));
     const auto *card = form->findChild<KeloscoreCard *>(u"card"_qs);
     QVERIFY(card);
-    QCOMPARE(card->Value(), 0.5);
-    QCOMPARE(card->BackColor(), 0x8000000Fu);
-    QCOMPARE(card->ShowBlocks(), 0);
-    QCOMPARE(card->ToolTipStyle(), keloToolTipStyle::ShowBothAsTip);
+    QCOMPARE(KeloTest::propertyTexts(card, {"Value", "BackColor", "ShowBlocks", "ToolTipStyle"}),
+        (QStringList{"Value=0.5", "BackColor=2147483663", "ShowBlocks=0", "ToolTipStyle=3"}));
+}
+
+// uic connects on_<object>_<event> slots to the controls' events by name.
+void tst_UiLoader::uicConnectsEventsByName()
+{
+    ScoreForm form;
+    KeloscoreCard *light = form.ui.trafficLight;
+    QVERIFY(form.trafficLightChanges.isEmpty());
+    light->setValue(0.9);
+    light->setProperty("ShowBlocks", 5);
+    QCOMPARE(form.trafficLightChanges, (QStringList{QStringLiteral("Value"), QStringLiteral("ShowBlocks")}));
+
+    auto *picture = light->findChild<QWidget *>(QStringLiteral("Picture1"));
+    QVERIFY(picture);
+    QTest::keyPress(picture, Qt::Key_A);
+    QTest::keyPress(picture, Qt::Key_Return);
+    QCOMPARE(form.keyCodes, (QList<short>{65, 13}));
 }
 
 QTEST_MAIN(tst_UiLoader)

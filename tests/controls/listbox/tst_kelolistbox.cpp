@@ -9,12 +9,11 @@
 #include <QLabel>
 #include <QListView>
 #include <QSignalSpy>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QStandardItemModel>
 #include <QTest>
 
 using Kelocontrols::PropertyBag;
+using KeloTest::errorNumberOf;
 using KeloTest::listTexts;
 using KeloTest::listValues;
 
@@ -40,6 +39,29 @@ void fillFruit(KelolistBox &box)
     box.AddItem(QStringLiteral("Fig"), 0);
 }
 
+// A model of `rows` (text, value) under the header labels given (none: Qt's "1", "2").
+void fillModel(QStandardItemModel &model, const QStringList &headers, const QList<QVariantList> &rows)
+{
+    model.setColumnCount(2);
+    model.setRowCount(int(rows.size()));
+    if (!headers.isEmpty()) {
+        model.setHorizontalHeaderLabels(headers);
+    }
+    for (int row = 0; row < rows.size(); ++row) {
+        model.setData(model.index(row, 0), rows.at(row).at(0));
+        model.setData(model.index(row, 1), rows.at(row).at(1));
+    }
+}
+
+PropertyBag bagOf(const QList<QPair<const char *, QVariant>> &values)
+{
+    PropertyBag bag;
+    for (const auto &[name, value] : values) {
+        bag.WriteProperty(QString::fromLatin1(name), value);
+    }
+    return bag;
+}
+
 } // namespace
 
 class TestKelolistBox : public QObject
@@ -48,11 +70,10 @@ class TestKelolistBox : public QObject
 
 private Q_SLOTS:
     void initialState();
-    void publishedInterface();
     void settersMarkChanged_data();
     void settersMarkChanged();
-    void textAndValueSelection();
-    void defaultFallback();
+    void selection_data();
+    void selection();
     void valueAtDesignTime();
     void clickAndLabel();
     void userSelectionAndStockEvents();
@@ -66,8 +87,7 @@ private Q_SLOTS:
     void writeProperties();
     void readProperties();
     void initProperties();
-    void populateDefaultsFromModel();
-    void populateErrorsFromModel();
+    void populateFromModel();
     void lateBoundCalls();
 };
 
@@ -94,10 +114,8 @@ void TestKelolistBox::initialState()
         QCOMPARE(listOf(box)->geometry(), QRect(QPoint(0, 0), geometry.size()));
         QCOMPARE(labelOf(box)->geometry(), QRect(QPoint(0, 0), geometry.size()));
     }
-}
 
-void TestKelolistBox::publishedInterface()
-{
+    // What a host reads from the class.
     const QMetaObject &meta = KelolistBox::staticMetaObject;
     const QList<QPair<const char *, const char *>> infos = {{"Interface", "_KelolistBox"},
         {"EventInterface", "__KelolistBox"},
@@ -122,84 +140,70 @@ void TestKelolistBox::publishedInterface()
 
 void TestKelolistBox::settersMarkChanged_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QVariant>("value");
-    QTest::newRow("BackColor") << "BackColor" << QVariant(0xFFu);
-    QTest::newRow("ForeColor") << "ForeColor" << QVariant(0x80000012u);
-    QTest::newRow("Enabled") << "Enabled" << QVariant(false);
-    QTest::newRow("Font") << "Font" << QVariant(QFont(QStringLiteral("DejaVu Serif"), 15));
-    QTest::newRow("Text") << "Text" << QVariant(QStringLiteral("PEAR"));
-    QTest::newRow("Locked") << "Locked" << QVariant(true);
-    QTest::newRow("Value") << "Value" << QVariant(3);
-    QTest::newRow("Appearance") << "Appearance" << QVariant(0);
-    QTest::newRow("LockedAlways") << "LockedAlways" << QVariant(true);
-    QTest::newRow("DefaultValue") << "DefaultValue" << QVariant(-5);
-    QTest::newRow("ToolTipText") << "ToolTipText" << QVariant(QStringLiteral("Pick one"));
-    QTest::newRow("DefaultText") << "DefaultText" << QVariant(QStringLiteral("(none)"));
+    QTest::addColumn<QVariant>("value"); // the row's name is the property's
+    QTest::newRow("BackColor") << QVariant(0xFFu);
+    QTest::newRow("ForeColor") << QVariant(0x80000012u);
+    QTest::newRow("Enabled") << QVariant(false);
+    QTest::newRow("Font") << QVariant(QFont(QStringLiteral("DejaVu Serif"), 15));
+    QTest::newRow("Text") << QVariant(QStringLiteral("PEAR")); // reads back as the entry's "Pear"
+    QTest::newRow("Locked") << QVariant(true);
+    QTest::newRow("Value") << QVariant(3);
+    QTest::newRow("Appearance") << QVariant(0);
+    QTest::newRow("LockedAlways") << QVariant(true);
+    QTest::newRow("DefaultValue") << QVariant(-5);
+    QTest::newRow("ToolTipText") << QVariant(QStringLiteral("Pick one"));
+    QTest::newRow("DefaultText") << QVariant(QStringLiteral("(none)"));
 }
 
 // Late-bound writes store, read back and emit the exact name once.
 void TestKelolistBox::settersMarkChanged()
 {
-    QFETCH(QString, name);
     QFETCH(QVariant, value);
+    const QByteArray name = QTest::currentDataTag();
     KelolistBox box;
     fillFruit(box);
     QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
-    QVERIFY(box.setProperty(name.toLatin1(), value));
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.first().first().toString(), name);
-    const QVariant stored = box.property(name.toLatin1());
-    if (name == QLatin1String("Text")) {
-        QCOMPARE(stored.toString(), QStringLiteral("Pear"));
-    } else {
-        QCOMPARE(stored, value);
-    }
+    QVERIFY(box.setProperty(name, value));
+    QCOMPARE(KeloTest::firstArguments(changes), QStringList{QString::fromLatin1(name)});
+    QCOMPARE(box.property(name), name == "Text" ? QVariant(QStringLiteral("Pear")) : value);
 }
 
-void TestKelolistBox::textAndValueSelection()
+void TestKelolistBox::selection_data()
 {
+    QTest::addColumn<int>("defaultValue");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("argument");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("value");
+    QTest::newRow("text: the first of equals, any case")
+        << 0 << QByteArray("Text") << QVariant("APPLE") << "Apple" << 1;
+    QTest::newRow("value: the first of equals") << 0 << QByteArray("Value") << QVariant(3) << "Pear" << 3;
+    QTest::newRow("text of the second of equal values") << 0 << QByteArray("Text") << QVariant("plum") << "Plum" << 3;
+    QTest::newRow("no prefix match: the default entry") << 0 << QByteArray("Text") << QVariant("Plu") << "Fig" << 0;
+    QTest::newRow("value missing: the default entry") << 0 << QByteArray("Value") << QVariant(7) << "Fig" << 0;
+    // Neither the text or value nor the default value is there: the selection stays.
+    QTest::newRow("text and default missing") << 42 << QByteArray("Text") << QVariant("Seven") << "apple" << 2;
+    QTest::newRow("value and default missing") << 42 << QByteArray("Value") << QVariant(7) << "apple" << 2;
+}
+
+// Text and Value select the matching entry; the label and the list's
+// current entry follow.
+void TestKelolistBox::selection()
+{
+    QFETCH(int, defaultValue);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, argument);
+    QFETCH(QString, text);
     KelolistBox box;
     fillFruit(box);
-    box.setText(QStringLiteral("APPLE"));
-    QCOMPARE(box.Text(), QStringLiteral("Apple")); // the first of two equal texts
-    QCOMPARE(box.Value(), 1);
-    QCOMPARE(labelOf(box)->text(), QStringLiteral("Apple"));
-
-    box.setValue(3);
-    QCOMPARE(box.Text(), QStringLiteral("Pear")); // the first of two equal values
-    QCOMPARE(box.Value(), 3);
-    QCOMPARE(labelOf(box)->text(), QStringLiteral("Pear"));
-
-    box.setText(QStringLiteral("plum"));
-    QCOMPARE(box.Value(), 3);
-    QCOMPARE(listOf(box)->currentIndex().row(), 3);
-    box.setText(QStringLiteral("Plu")); // no prefix matching
-    QCOMPARE(box.Text(), QStringLiteral("Fig")); // not found: the default entry (value 0)
-}
-
-void TestKelolistBox::defaultFallback()
-{
-    KelolistBox box;
     box.setDefaultText(QStringLiteral("(nothing)"));
-    box.setDefaultValue(42);
-    QCOMPARE(box.Text(), QStringLiteral("(nothing)"));
-    QCOMPARE(box.Value(), 42);
-
-    box.AddItem(QStringLiteral("One"), 1);
-    box.AddItem(QStringLiteral("Two"), 2);
     box.setValue(2);
-    // Neither the value nor the default value is there: the selection stays.
-    box.setValue(7);
-    QCOMPARE(box.Text(), QStringLiteral("Two"));
-    box.setText(QStringLiteral("Seven"));
-    QCOMPARE(box.Value(), 2);
-    QCOMPARE(labelOf(box)->text(), QStringLiteral("Two"));
-
-    box.AddItem(QStringLiteral("Any"), 42);
-    box.setText(QStringLiteral("Seven"));
-    QCOMPARE(box.Text(), QStringLiteral("Any"));
-    QCOMPARE(labelOf(box)->text(), QStringLiteral("Any"));
+    box.setDefaultValue(defaultValue);
+    QVERIFY(box.setProperty(property, argument));
+    QCOMPARE(box.Text(), text);
+    QTEST(box.Value(), "value");
+    QCOMPARE(labelOf(box)->text(), text);
+    QCOMPARE(listOf(box)->currentIndex().data().toString(), text);
 }
 
 void TestKelolistBox::valueAtDesignTime()
@@ -209,8 +213,8 @@ void TestKelolistBox::valueAtDesignTime()
     box.setUserMode(false);
     QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
     QSignalSpy clicks(&box, &KelolistBox::Click);
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.setValue(3); }), 387);
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.setProperty("Value", 3); }), 387);
+    QCOMPARE(errorNumberOf([&] { box.setValue(3); }), 387);
+    QCOMPARE(errorNumberOf([&] { box.setProperty("Value", 3); }), 387);
     QCOMPARE(changes.count(), 0);
     QCOMPARE(clicks.count(), 0);
     QCOMPARE(box.Text(), QString());
@@ -233,9 +237,7 @@ void TestKelolistBox::clickAndLabel()
     connect(&box, &KelolistBox::Click, this, [&] { labelAtClick << labelOf(box)->text(); });
 
     box.setValue(3);
-    QCOMPARE(clicks.count(), 1);
     box.setText(QStringLiteral("fig"));
-    QCOMPARE(clicks.count(), 2);
     QCOMPARE(labelAtClick, (QStringList{"Pear", "Fig"}));
     QCOMPARE(labelOf(box)->text(), QStringLiteral("Fig"));
 
@@ -246,12 +248,8 @@ void TestKelolistBox::clickAndLabel()
     QCOMPARE(labelOf(box)->text(), QStringLiteral("Fig"));
 
     // Populate selects its default entry without a click; the label follows.
-    QStandardItemModel model(2, 2);
-    model.setHorizontalHeaderLabels({QStringLiteral("name"), QStringLiteral("id")});
-    model.setData(model.index(0, 0), QStringLiteral("Red"));
-    model.setData(model.index(0, 1), 10);
-    model.setData(model.index(1, 0), QStringLiteral("Blue"));
-    model.setData(model.index(1, 1), 20);
+    QStandardItemModel model;
+    fillModel(model, {"name", "id"}, {{"Red", 10}, {"Blue", 20}});
     QCOMPARE(box.Populate(&model, QStringLiteral("name"), QStringLiteral("id"), QStringLiteral("(any)"), 0), QString());
     QCOMPARE(clicks.count(), 2);
     QCOMPARE(labelOf(box)->text(), QStringLiteral("(any)"));
@@ -310,25 +308,24 @@ void TestKelolistBox::lockDisplay_data()
 {
     QTest::addColumn<bool>("locked");
     QTest::addColumn<bool>("lockedAlways");
-    QTest::addColumn<bool>("labelShown");
-    QTest::newRow("open") << false << false << false;
-    QTest::newRow("locked") << true << false << true;
-    QTest::newRow("locked always") << false << true << true;
-    QTest::newRow("both") << true << true << true;
+    QTest::newRow("open") << false << false;
+    QTest::newRow("locked") << true << false;
+    QTest::newRow("locked always") << false << true;
+    QTest::newRow("both") << true << true;
 }
 
+// Either lock shows the label instead of the list.
 void TestKelolistBox::lockDisplay()
 {
     QFETCH(bool, locked);
     QFETCH(bool, lockedAlways);
-    QFETCH(bool, labelShown);
     KelolistBox box;
     fillFruit(box);
     box.setValue(3);
     box.setLocked(locked);
     box.setLockedAlways(lockedAlways);
-    QCOMPARE(labelOf(box)->isVisibleTo(&box), labelShown);
-    QCOMPARE(listOf(box)->isVisibleTo(&box), !labelShown);
+    QCOMPARE(labelOf(box)->isVisibleTo(&box), locked || lockedAlways);
+    QCOMPARE(listOf(box)->isVisibleTo(&box), !(locked || lockedAlways));
     QCOMPARE(labelOf(box)->text(), QStringLiteral("Pear"));
 
     // Order does not matter: LockedAlways wins over a later Locked = false.
@@ -349,7 +346,6 @@ void TestKelolistBox::addItemValues_data()
     QTest::newRow("largest") << QVariant(2147483647LL) << 2147483647;
     QTest::newRow("overflow") << QVariant(2147483648LL) << 0;
     QTest::newRow("letters") << QVariant(QStringLiteral("abc")) << 0;
-    QTest::newRow("empty text") << QVariant(QString()) << 0;
     QTest::newRow("nothing") << QVariant() << 0;
     QTest::newRow("true") << QVariant(true) << -1;
 }
@@ -358,12 +354,11 @@ void TestKelolistBox::addItemValues_data()
 void TestKelolistBox::addItemValues()
 {
     QFETCH(QVariant, value);
-    QFETCH(int, stored);
     KelolistBox box;
     box.AddItem(QStringLiteral("first"), 5);
     box.AddItem(QStringLiteral("entry"), value);
     QCOMPARE(listTexts(box), (QStringList{"first", "entry"}));
-    QCOMPARE(listValues(box).last(), stored);
+    QTEST(listValues(box).last(), "stored");
 }
 
 void TestKelolistBox::removeItemByValue()
@@ -379,7 +374,7 @@ void TestKelolistBox::removeItemByValue()
     QVERIFY(!box.RemoveItem(0.5));
     QVERIFY(box.RemoveItem(QVariant())); // nothing counts as 0
     QCOMPARE(listTexts(box), (QStringList{"Apple", "Plum"}));
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.RemoveItem(QStringLiteral("abc")); }), 13);
+    QCOMPARE(errorNumberOf([&] { box.RemoveItem(QStringLiteral("abc")); }), 13);
     QCOMPARE(box.ListCount(), 2);
 }
 
@@ -387,12 +382,13 @@ void TestKelolistBox::clearAndSorted()
 {
     KelolistBox box;
     box.setDefaultText(QStringLiteral("(none)"));
+    box.setDefaultValue(42);
     fillFruit(box);
     box.setValue(3);
-    const QVariant cleared = box.Clear();
-    QVERIFY(!cleared.isValid());
+    QVERIFY(!box.Clear().isValid());
     QCOMPARE(box.ListCount(), 0);
     QCOMPARE(box.Text(), QStringLiteral("(none)"));
+    QCOMPARE(box.Value(), 42);
 
     // Sorting is a setting of the list's model (whose order the model's own
     // test covers); the control reports it.
@@ -412,7 +408,7 @@ void TestKelolistBox::appearanceAndColors()
     box.setAppearance(1);
     QCOMPARE(listOf(box)->frameShape(), QFrame::StyledPanel);
     QSignalSpy changes(&box, &KelolistBox::PropertyChanged);
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.setAppearance(2); }), 380);
+    QCOMPARE(errorNumberOf([&] { box.setAppearance(2); }), 380);
     QCOMPARE(box.Appearance(), 1);
     QCOMPARE(changes.count(), 0);
 
@@ -433,18 +429,12 @@ void TestKelolistBox::writeProperties()
     QCOMPARE(bag.names(), QStringList{QStringLiteral("Text")});
     QCOMPARE(bag.ReadProperty(QStringLiteral("Text")), QVariant(QString()));
 
-    box.setBackColor(0xFF);
-    box.setForeColor(0xFF00);
-    box.setEnabled(false);
-    box.setFont(QFont(QStringLiteral("DejaVu Serif"), 17));
-    box.setLocked(true);
-    box.setAppearance(0);
-    box.setLockedAlways(true);
-    box.setDefaultValue(9);
-    box.setToolTipText(QStringLiteral("tip"));
-    box.setDefaultText(QStringLiteral("(none)"));
     fillFruit(box);
-    box.setValue(3);
+    QVERIFY(KeloTest::setProperties(&box,
+        {{"DefaultText", QStringLiteral("(none)")}, {"ToolTipText", QStringLiteral("tip")}, {"DefaultValue", 9},
+            {"LockedAlways", true}, {"Appearance", 0}, {"Locked", true},
+            {"Font", QFont(QStringLiteral("DejaVu Serif"), 17)}, {"Enabled", false}, {"ForeColor", 0xFF00u},
+            {"BackColor", 0xFFu}, {"Value", 3}}));
     bag.clear();
     box.WriteProperties(bag);
     // The saved Value is the loaded one (still the default), not the selection.
@@ -463,45 +453,27 @@ void TestKelolistBox::writeProperties()
 
 void TestKelolistBox::readProperties()
 {
-    PropertyBag bag;
-    bag.WriteProperty(QStringLiteral("Text"), QStringLiteral("Pear"));
-    bag.WriteProperty(QStringLiteral("Value"), QStringLiteral("kept as it is"));
-    bag.WriteProperty(QStringLiteral("Locked"), true);
-    bag.WriteProperty(QStringLiteral("DefaultValue"), 3);
-    bag.WriteProperty(QStringLiteral("DefaultText"), QStringLiteral("(none)"));
-    bag.WriteProperty(QStringLiteral("BackColor"), -2147483643); // 0x80000005 saved as a signed number
-    const PropertyBag loaded = PropertyBag::fromText(bag.toText());
-
+    // Through text, as a form file holds it; 0x80000005 saved as a signed number.
+    const PropertyBag loaded = PropertyBag::fromText(bagOf(
+        {{"Text", "Pear"}, {"Value", "kept as it is"}, {"Locked", true}, {"DefaultValue", 3}, {"DefaultText", "(none)"},
+            {"BackColor", -2147483643}}).toText());
     KelolistBox box;
     fillFruit(box);
     QSignalSpy clicks(&box, &KelolistBox::Click);
     box.ReadProperties(loaded);
-    QVERIFY(box.Locked());
     QVERIFY(labelOf(box)->isVisibleTo(&box));
-    QCOMPARE(box.DefaultValue(), 3);
-    QCOMPARE(box.BackColor(), 0x80000005u);
-    // Neither the saved Text nor the saved Value selects anything.
-    QCOMPARE(box.Text(), QStringLiteral("(none)"));
-    QCOMPARE(box.Value(), 3);
-    QCOMPARE(clicks.count(), 0);
-
+    QCOMPARE(KeloTest::propertyTexts(&box, {"Locked", "DefaultValue", "BackColor", "Text", "Value"}),
+        (QStringList{"Locked=true", "DefaultValue=3", "BackColor=2147483653", "Text=(none)", "Value=3"}));
+    QCOMPARE(clicks.count(), 0); // neither the saved Text nor the saved Value selects anything
     PropertyBag saved;
     box.WriteProperties(saved);
     QCOMPARE(saved.ReadProperty(QStringLiteral("Value")), QVariant(QStringLiteral("kept as it is")));
 
-    PropertyBag bad;
-    bad.WriteProperty(QStringLiteral("Appearance"), 7);
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 380);
-    bad.clear();
-    bad.WriteProperty(QStringLiteral("Locked"), QStringLiteral("maybe"));
-    QCOMPARE(KeloTest::errorNumberOf([&] { box.ReadProperties(bad); }), 13);
-
+    QCOMPARE(errorNumberOf([&] { box.ReadProperties(bagOf({{"Appearance", 7}})); }), 380);
+    QCOMPARE(errorNumberOf([&] { box.ReadProperties(bagOf({{"Locked", "maybe"}})); }), 13);
     // The lock shows once DefaultValue is in, before a bad DefaultText stops the load.
     KelolistBox fresh;
-    bad.clear();
-    bad.WriteProperty(QStringLiteral("Locked"), true);
-    bad.WriteProperty(QStringLiteral("DefaultText"), QVariant(QSize(1, 1)));
-    QCOMPARE(KeloTest::errorNumberOf([&] { fresh.ReadProperties(bad); }), 13);
+    QCOMPARE(errorNumberOf([&] { fresh.ReadProperties(bagOf({{"Locked", true}, {"DefaultText", QSize(1, 1)}})); }), 13);
     QVERIFY(labelOf(fresh)->isVisibleTo(&fresh));
 }
 
@@ -509,103 +481,67 @@ void TestKelolistBox::readProperties()
 void TestKelolistBox::initProperties()
 {
     KelolistBox box;
-    box.setBackColor(0xFF);
-    box.setAppearance(0);
-    box.setLocked(true);
-    box.setLockedAlways(true);
-    box.setDefaultValue(4);
-    box.setDefaultText(QStringLiteral("x"));
+    QVERIFY(KeloTest::setProperties(&box,
+        {{"BackColor", 0xFFu}, {"Appearance", 0}, {"Locked", true}, {"LockedAlways", true}, {"DefaultValue", 4},
+            {"DefaultText", QStringLiteral("x")}}));
     box.InitProperties();
-    QVERIFY(!box.Locked());
-    QVERIFY(!box.LockedAlways());
-    QCOMPARE(box.DefaultValue(), 0);
-    QCOMPARE(box.DefaultText(), QString());
+    QCOMPARE(KeloTest::propertyTexts(
+                 &box, {"Locked", "LockedAlways", "DefaultValue", "DefaultText", "BackColor", "Appearance"}),
+        (QStringList{
+            "Locked=false", "LockedAlways=false", "DefaultValue=0", "DefaultText=", "BackColor=255", "Appearance=0"}));
     QVERIFY(listOf(box)->isVisibleTo(&box));
-    QCOMPARE(box.BackColor(), 0xFFu);
-    QCOMPARE(box.Appearance(), 0);
 }
 
-void TestKelolistBox::populateDefaultsFromModel()
+void TestKelolistBox::populateFromModel()
 {
-    QStandardItemModel model(3, 2);
-    model.setHorizontalHeaderLabels({QStringLiteral("Label"), QStringLiteral("Key")});
-    const QList<QPair<QVariant, QVariant>> rows
-        = {{QStringLiteral("One"), 1}, {QVariant(), 2}, {QStringLiteral("Three"), QStringLiteral("x")}};
-    for (int row = 0; row < rows.size(); ++row) {
-        model.setData(model.index(row, 0), rows.at(row).first);
-        model.setData(model.index(row, 1), rows.at(row).second);
-    }
+    QStandardItemModel model;
+    fillModel(model, {"Label", "Key"}, {{"One", 1}, {QVariant(), 2}, {"Three", "x"}});
     KelolistBox box;
     box.setDefaultValue(5);
     QCOMPARE(box.Populate(&model, QStringLiteral("label"), QStringLiteral("key"), QStringLiteral("(pick)")), QString());
     QCOMPARE(listTexts(box), (QStringList{"(pick)", "One", "Three"}));
     QCOMPARE(listValues(box), (QList<int>{5, 1, 0}));
-    QCOMPARE(box.DefaultValue(), 5);
     QCOMPARE(box.Text(), QStringLiteral("(pick)"));
 
     // A DefaultValue that does not convert keeps the property.
     QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(pick)"), QStringLiteral("n/a")), QString());
     QCOMPARE(box.DefaultValue(), 5);
     QCOMPARE(listValues(box).first(), 5);
-    // An empty model with its columns: only the default entry.
-    model.removeRows(0, 3);
-    QCOMPARE(box.Populate(&model, 0, 1, QStringLiteral("(empty)"), -2), QString());
+
+    // Failures return the reason and leave the list.
+    const QString notFound
+        = QStringLiteral("Item cannot be found in the collection corresponding to the requested name or ordinal.");
+    QCOMPARE(box.Populate(static_cast<QAbstractItemModel *>(nullptr), 0, 1),
+        QStringLiteral("Operation is not allowed when the object is closed."));
+    QCOMPARE(box.Populate(&model, 1.5, 1), QStringLiteral("TextColumn=1.5 - ") + notFound);
+    QCOMPARE(box.Populate(&model, 0, QStringLiteral("Value")), QStringLiteral("ValueColumn=Value - ") + notFound);
+    QCOMPARE(listTexts(box), (QStringList{"(pick)", "One", "Three"}));
+
+    // An empty model without header labels: its columns are named "1" and "2".
+    QStandardItemModel empty;
+    fillModel(empty, {}, {});
+    QCOMPARE(box.Populate(&empty, QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("(empty)"), -2), QString());
     QCOMPARE(listTexts(box), QStringList{QStringLiteral("(empty)")});
     QCOMPARE(box.Value(), -2);
 }
 
-void TestKelolistBox::populateErrorsFromModel()
-{
-    KelolistBox box;
-    box.AddItem(QStringLiteral("Kept"), 1);
-    QCOMPARE(box.Populate(static_cast<QAbstractItemModel *>(nullptr), 0, 1),
-        QStringLiteral("Operation is not allowed when the object is closed."));
-    QStandardItemModel model(1, 2);
-    const QString notFound
-        = QStringLiteral("Item cannot be found in the collection corresponding to the requested name or ordinal.");
-    QCOMPARE(box.Populate(&model, 2, 1), QStringLiteral("TextColumn=2 - ") + notFound);
-    QCOMPARE(box.Populate(&model, -1, 1), QStringLiteral("TextColumn=-1 - ") + notFound);
-    QCOMPARE(box.Populate(&model, 1.5, 1), QStringLiteral("TextColumn=1.5 - ") + notFound);
-    QCOMPARE(box.Populate(&model, 0, QStringLiteral("Key")), QStringLiteral("ValueColumn=Key - ") + notFound);
-    QCOMPARE(listTexts(box), QStringList{QStringLiteral("Kept")});
-    // Without header labels the columns are named "1" and "2".
-    QCOMPARE(box.Populate(&model, QStringLiteral("1"), QStringLiteral("2")), QString());
-}
-
-// A host calls every method by name, the query by reference.
+// A host calls every method by name (Populate with a query: see the database test).
 void TestKelolistBox::lateBoundCalls()
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("late-bound"));
-    db.setDatabaseName(QStringLiteral(":memory:"));
-    QVERIFY(db.open());
-    {
-        QSqlQuery query(db);
-        QVERIFY(query.exec(QStringLiteral("SELECT 'Alpha' AS name, 7 AS id UNION ALL SELECT 'Beta', 8")));
-        KelolistBox box;
-        QString result = QStringLiteral("unset");
-        QVERIFY(QMetaObject::invokeMethod(&box, "Populate", Q_RETURN_ARG(QString, result), Q_ARG(QSqlQuery &, query),
-            Q_ARG(QVariant, QStringLiteral("name")), Q_ARG(QVariant, QStringLiteral("id"))));
-        QCOMPARE(result, QString());
-        QCOMPARE(result.isNull(), false);
-        QCOMPARE(listTexts(box), (QStringList{"Alpha", "Beta"}));
-
-        QVERIFY(QMetaObject::invokeMethod(
-            &box, "AddItem", Q_ARG(QString, QStringLiteral("Gamma")), Q_ARG(QVariant, QVariant(9))));
-        bool removed = false;
-        QVERIFY(QMetaObject::invokeMethod(&box, "RemoveItem", Q_RETURN_ARG(bool, removed), Q_ARG(QVariant, 8)));
-        QVERIFY(removed);
-        QVERIFY(box.setProperty("Value", 9));
-        QCOMPARE(box.property("Text").toString(), QStringLiteral("Gamma"));
-        QCOMPARE(box.property("ListCount").toInt(), 2);
-        QVariant cleared = QStringLiteral("unset");
-        QVERIFY(QMetaObject::invokeMethod(&box, "Clear", Q_RETURN_ARG(QVariant, cleared)));
-        QVERIFY(!cleared.isValid());
-        QVERIFY(QMetaObject::invokeMethod(&box, "setUserMode", Q_ARG(bool, false)));
-        QCOMPARE(KeloTest::errorNumberOf([&] { box.setProperty("Value", 9); }), 387);
-    }
-    db.close();
-    db = QSqlDatabase();
-    QSqlDatabase::removeDatabase(QStringLiteral("late-bound"));
+    KelolistBox box;
+    QVERIFY(QMetaObject::invokeMethod(
+        &box, "AddItem", Q_ARG(QString, QStringLiteral("Gamma")), Q_ARG(QVariant, QVariant(9))));
+    QVERIFY(QMetaObject::invokeMethod(&box, "AddItem", Q_ARG(QString, QStringLiteral("Beta")), Q_ARG(QVariant, 8)));
+    bool removed = false;
+    QVERIFY(QMetaObject::invokeMethod(&box, "RemoveItem", Q_RETURN_ARG(bool, removed), Q_ARG(QVariant, 8)));
+    QVERIFY(removed);
+    QVERIFY(box.setProperty("Value", 9));
+    QCOMPARE(KeloTest::propertyTexts(&box, {"Text", "ListCount"}), (QStringList{"Text=Gamma", "ListCount=1"}));
+    QVariant cleared = QStringLiteral("unset");
+    QVERIFY(QMetaObject::invokeMethod(&box, "Clear", Q_RETURN_ARG(QVariant, cleared)));
+    QVERIFY(!cleared.isValid());
+    QVERIFY(QMetaObject::invokeMethod(&box, "setUserMode", Q_ARG(bool, false)));
+    QVERIFY(!box.UserMode());
 }
 
 QTEST_MAIN(TestKelolistBox)
