@@ -123,9 +123,8 @@ void TestFileListModel::textsAndRawValuesOfEachKind()
     const QList<QStringList> expected = {file, sub, driveTexts, gone};
     QCOMPARE(model.rowCount(), 4);
     for (int r = 0; r < 4; ++r) {
-        for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+        for (int c = 0; c < FileListModel::ColumnCount; ++c)
             QCOMPARE(model.data(model.index(r, c)).toString(), expected[r][c]);
-        }
     }
     QVERIFY(!driveType.isEmpty());
     QCOMPARE(model.data(model.index(0, Column::Modified), FileListModel::RawValueRole).toDateTime(),
@@ -341,13 +340,11 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
         }
     };
     FileListModel model;
-    for (int i = 0; i < 120; ++i) {
+    for (int i = 0; i < 120; ++i)
         model.append(makeRow(i));
-    }
     QStringList before;
-    for (int r = 0; r < model.count(); ++r) {
+    for (int r = 0; r < model.count(); ++r)
         before << model.text(r, column);
-    }
     const QPersistentModelIndex tracked = model.index(7, 0);
     const QString trackedName = model.text(7, Column::RealName);
 
@@ -368,9 +365,8 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
         const int c = QString::compare(a, b, Qt::CaseInsensitive);
         return order == 0 ? c < 0 : c > 0;
     });
-    for (int r = 0; r < model.count(); ++r) {
+    for (int r = 0; r < model.count(); ++r)
         QCOMPARE(model.text(r, column), before[r]);
-    }
     for (int i = 0; i < 10; ++i) {
         const int at = model.append(makeRow(i));
         QCOMPARE(model.rowCount(), model.count());
@@ -378,9 +374,8 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
     }
     {
         FileListModel::Batch batch(&model);
-        for (int i = 0; i < 10; ++i) {
+        for (int i = 0; i < 10; ++i)
             model.append(makeRow(i));
-        }
     }
     expectTextOrder();
 }

@@ -71,18 +71,16 @@ QString cell(KelofileView &view, int row, int column)
 QString cells(KelofileView &view, int row, std::initializer_list<int> columns)
 {
     QStringList texts;
-    for (int column : columns) {
+    for (int column : columns)
         texts << cell(view, row, column);
-    }
     return texts.join(QLatin1Char('|'));
 }
 
 QStringList names(KelofileView &view)
 {
     QStringList list;
-    for (int r = 0; r < view.ItemCount(); ++r) {
+    for (int r = 0; r < view.ItemCount(); ++r)
         list << cell(view, r, Name);
-    }
     return list;
 }
 
@@ -137,9 +135,8 @@ struct Recorder
     void hit(const char *name, int &cancel)
     {
         events << QString::fromLatin1(name);
-        if (cancelAt == events.size()) {
+        if (cancelAt == events.size())
             cancel = -1;
-        }
     }
     QStringList events;
     int cancelAt = 0;
@@ -182,7 +179,6 @@ private Q_SLOTS:
     void searchOrderAndSafety();
     void searchSkipsUnreadableFolders();
     void refreshUpdatesInPlace();
-    void refreshOfPseudoPaths();
     void refreshTimerRunsOnlyAtRunTime();
     void handlersMayChangeTheListDuringARefresh_data();
     void handlersMayChangeTheListDuringARefresh();
@@ -251,9 +247,8 @@ void TestKelofileView::freshControlAndImages()
     // The fixed pictures; the sort arrows are in the small list only.
     const auto keys = [](ImageList *images) {
         QStringList all;
-        for (int i = 1; i <= images->count(); ++i) {
+        for (int i = 1; i <= images->count(); ++i)
             all << images->key(i) + (images->picture(i).isNull() ? QStringLiteral(" (no picture)") : QString());
-        }
         return all;
     };
     QCOMPARE(keys(view.image32()), (QStringList{"Drive Unavailable", "FolderUnavailable"}));
@@ -526,6 +521,20 @@ void TestKelofileView::pseudoFolders()
     view.setPathRoot(QStringLiteral("my folders"));
     QCOMPARE(asked, 1); // the set is filled now
     QCOMPARE(view.ItemCount(), 2);
+    view.Refresh();
+    view.Refresh();
+    QCOMPARE(asked, 3); // a refresh asks the host afresh every time
+    QCOMPARE(view.ItemCount(), 2);
+
+    // A refresh of My Computer leaves the list as it is.
+    view.setPathRoot(KelofileView::MyComputer);
+    view.setItemIndex(1);
+    view.setItemDisplayName(QStringLiteral("renamed"));
+    recorder.events.clear();
+    view.Refresh();
+    QCOMPARE(recorder.events, QStringList());
+    QCOMPARE(view.ItemCount(), int(drives.size()));
+    QCOMPARE(view.ItemDisplayName(), QStringLiteral("renamed"));
 }
 
 void TestKelofileView::programImagesAreDroppedAtTheNextFill()
@@ -626,9 +635,8 @@ void TestKelofileView::persistenceRoundTrip()
     // The run-time counts come back as the contents give them, never as saved.
     const QStringList counts{"ItemIndex", "ItemCount", "ImageIndex", "ImageCount"};
     PropertyBag saved;
-    for (const QString &name : counts) {
+    for (const QString &name : counts)
         saved.WriteProperty(name, 7);
-    }
     KelofileView loaded;
     loaded.ReadProperties(saved);
     QCOMPARE(KeloTest::propertyTexts(&loaded, counts),
@@ -784,9 +792,8 @@ void TestKelofileView::headerClicksSort()
     FileListModel *model = list->model();
     QTEST(model->columnIcon(Name), "nameIcon");
     QTEST(model->columnIcon(Size), "sizeIcon");
-    for (int c = Type; c < FileListModel::ColumnCount; ++c) {
+    for (int c = Type; c < FileListModel::ColumnCount; ++c)
         QCOMPARE(model->columnIcon(c), QString());
-    }
     QCOMPARE(model->headerData(clicks.last(), Qt::Horizontal, Qt::DecorationRole).isNull(), false);
 
     // An item added while sorted goes to its sorted place, and AfterAddItem tells that place.
@@ -832,13 +839,11 @@ void TestKelofileView::goUpRules_data()
 void TestKelofileView::goUpRules()
 {
     QFETCH(bool, limit);
-    for (const char *folder : {"data/sub", "DATA/sub", "data2/x"}) {
+    for (const char *folder : {"data/sub", "DATA/sub", "data2/x"})
         mkpath(QString::fromLatin1(folder));
-    }
     const auto resolve = [this](const QString &p) {
-        if (p == QLatin1String("~")) {
+        if (p == QLatin1String("~"))
             return m_dir->path();
-        }
         const bool special = p.isEmpty() || p.startsWith(QLatin1Char('/')) || p.startsWith(QLatin1String("My "));
         return special ? p : path(p);
     };
@@ -923,9 +928,8 @@ void TestKelofileView::openingItemsByMouseAndKeys()
 
     // A drive of "My Computer" opens its root.
     view.setPathRoot(KelofileView::MyComputer);
-    if (view.ItemCount() == 0) {
+    if (view.ItemCount() == 0)
         QSKIP("no drives listed on this machine");
-    }
     view.setItemIndex(1);
     const QString root = view.ItemName();
     doubleClickRow(0);
@@ -938,9 +942,8 @@ static QStringList foundBelow(KelofileView &view, const QString &root)
     QStringList found;
     for (int r = 0; r < view.ItemCount(); ++r) {
         QString name = cell(view, r, RealName);
-        if (name.startsWith(QLatin1String("caf"))) {
+        if (name.startsWith(QLatin1String("caf")))
             name = QStringLiteral("caf?");
-        }
         found << QDir(root).relativeFilePath(FileSystem::buildPath(cell(view, r, Folder), name));
     }
     return found;
@@ -1010,9 +1013,8 @@ void TestKelofileView::searchOrderAndSafety()
 void TestKelofileView::searchSkipsUnreadableFolders()
 {
     const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
-    if (::geteuid() != 0 || setpriv.isEmpty()) {
+    if (::geteuid() != 0 || setpriv.isEmpty())
         QSKIP("needs root and setpriv to run a child as nobody");
-    }
     const auto removeRaw = makeSearchTree(m_dir->path());
     writeFile(path("locked/l7.txt"), 1);
     QCOMPARE(::chmod(QFile::encodeName(m_dir->path()).constData(), 0755), 0);
@@ -1073,32 +1075,6 @@ void TestKelofileView::refreshUpdatesInPlace()
     QCOMPARE(errorNumberOf([&] { view.Refresh(); }), ErrorNumber::PathNotFound);
 }
 
-void TestKelofileView::refreshOfPseudoPaths()
-{
-    KelofileView view;
-    int asked = 0;
-    connect(&view, &KelofileView::NeedMyFolders, [&](QStringList &folders) {
-        ++asked;
-        folders << m_dir->path();
-    });
-    view.setPathRoot(KelofileView::MyFolders);
-    QCOMPARE(asked, 1);
-    view.Refresh();
-    view.Refresh();
-    QCOMPARE(asked, 3); // the host is asked afresh every time
-    QCOMPARE(view.ItemCount(), 1);
-
-    view.setPathRoot(KelofileView::MyComputer);
-    const int drives = view.ItemCount();
-    Recorder recorder(view);
-    view.setItemIndex(1);
-    view.setItemDisplayName(QStringLiteral("renamed"));
-    view.Refresh();
-    QCOMPARE(recorder.events, QStringList());
-    QCOMPARE(view.ItemCount(), drives);
-    QCOMPARE(view.ItemDisplayName(), QStringLiteral("renamed"));
-}
-
 void TestKelofileView::refreshTimerRunsOnlyAtRunTime()
 {
     writeFile(path("a.txt"), 1);
@@ -1146,9 +1122,8 @@ void TestKelofileView::handlersMayChangeTheListDuringARefresh()
     writeFile(path("a.txt"), 1); // met first by the next pass, before the items the list holds
     bool done = false;
     connect(&view, &KelofileView::AfterAddItem, [&](int &) {
-        if (std::exchange(done, true)) {
+        if (std::exchange(done, true))
             return;
-        }
         if (action == QLatin1String("ItemClear")) {
             view.ItemClear();
         } else if (action == QLatin1String("ItemRemove")) {
@@ -1229,9 +1204,8 @@ void TestKelofileView::namesDifferingInCaseKeepTheirItems()
     view.setPathRoot(m_dir->path());
     QSignalSpy found(&view, &KelofileView::RefreshFoundChanges);
     for (int pass = 0; pass <= 3; ++pass) {
-        if (pass > 0) {
+        if (pass > 0)
             view.Refresh();
-        }
         QCOMPARE(names(view), (QStringList{"A.TXT", "a.txt"}));
         QCOMPARE(cell(view, 0, Size) + cell(view, 1, Size), QStringLiteral("2KB1KB"));
     }
@@ -1393,23 +1367,20 @@ void TestKelofileView::aRealWatchLimitRefusesWatches()
         {QStringLiteral("-Ur"), QStringLiteral("sh"), QStringLiteral("-c"),
             QStringLiteral("echo 1 > /proc/sys/user/max_inotify_watches || exit 77; exec \"$0\" realWatchLimitChild"),
             QCoreApplication::applicationFilePath()});
-    if (!child.waitForStarted()) {
+    if (!child.waitForStarted())
         QSKIP("unshare is not available");
-    }
     QVERIFY(child.waitForFinished(120000));
     const QByteArray output = child.readAllStandardOutput() + child.readAllStandardError();
-    if (child.exitCode() == 77 || (child.exitCode() != 0 && output.startsWith("unshare:"))) {
+    if (child.exitCode() == 77 || (child.exitCode() != 0 && output.startsWith("unshare:")))
         QSKIP("no user namespace with its own watch limit here");
-    }
     QVERIFY2(child.exitCode() == 0, output.constData());
     QVERIFY2(output.contains("PASS   : TestKelofileView::realWatchLimitChild()"), output.constData());
 }
 
 void TestKelofileView::realWatchLimitChild()
 {
-    if (!qEnvironmentVariableIsSet("KELO_REAL_WATCH_LIMIT")) {
+    if (!qEnvironmentVariableIsSet("KELO_REAL_WATCH_LIMIT"))
         QSKIP("run by aRealWatchLimitRefusesWatches, in a user namespace allowed one watch");
-    }
     makeShown();
     FolderWatcher &watcher = FolderWatcher::instance();
     KelofileView view;
@@ -1507,9 +1478,8 @@ void TestKelofileView::theFolderShownIsDeletedAndMadeAgain()
 void TestKelofileView::listViewsShareModelAndSelection()
 {
     ListView list;
-    for (const char *n : {"a", "b", "c"}) {
+    for (const char *n : {"a", "b", "c"})
         list.model()->append(fileNamed(QString::fromLatin1(n)));
-    }
     QCOMPARE(list.viewMode(), int(ListView::Report));
     QCOMPARE(list.currentView(), static_cast<QAbstractItemView *>(list.reportView()));
     QVERIFY(list.iconView()->model() != list.model()); // the hidden view does not lay the list out
@@ -1578,17 +1548,15 @@ static int runSearchChild(int argc, char **argv)
     const QString root = qEnvironmentVariable("KELO_SEARCH_CHILD");
     KelofileView view;
     view.Search(QStringLiteral("*7*.txt"), root, true);
-    for (const QString &found : foundBelow(view, root)) {
+    for (const QString &found : foundBelow(view, root))
         std::fputs(qPrintable(found + QLatin1Char('\n')), stdout);
-    }
     return 0;
 }
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsSet("KELO_SEARCH_CHILD")) {
+    if (qEnvironmentVariableIsSet("KELO_SEARCH_CHILD"))
         return runSearchChild(argc, argv);
-    }
     QApplication app(argc, argv);
     TestKelofileView test;
     QTEST_SET_MAIN_SOURCE_PATH
