@@ -192,10 +192,8 @@ private Q_SLOTS:
     void aRealWatchLimitRefusesWatches();
     void realWatchLimitChild();
     void settingsAndHostEditsStillTakeEffectOnTheNextTick();
-    void aLinkIsFollowedToItsTarget();
-    void theFolderShownIsDeletedAndMadeAgain();
-    void listViewsShareModelAndSelection();
-    void listColumnWidthsAndRefusedValues();
+    void linksAndAFolderMadeAgain();
+    void listControl();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -1438,8 +1436,7 @@ void TestKelofileView::settingsAndHostEditsStillTakeEffectOnTheNextTick()
     QVERIFY(!FolderWatcher::instance().trustworthy(path("shown")));
 }
 
-// A link is described by its target, which no watch of the folder covers.
-void TestKelofileView::aLinkIsFollowedToItsTarget()
+void TestKelofileView::linksAndAFolderMadeAgain()
 {
     makeShown();
     writeFile(path("far/target.txt"), 10);
@@ -1447,22 +1444,17 @@ void TestKelofileView::aLinkIsFollowedToItsTarget()
     KelofileView view;
     view.setPathRoot(path("shown"));
     QVERIFY(settle(view) >= 1);
+    QSignalSpy foundChanges(&view, &KelofileView::RefreshFoundChanges);
+    // A link is described by its target, which no watch of the folder covers.
     const int link = int(names(view).indexOf(QStringLiteral("link.txt")));
     QCOMPARE(cell(view, link, Size), QStringLiteral("1KB"));
     writeFile(path("far/target.txt"), 3000);
-    QSignalSpy foundChanges(&view, &KelofileView::RefreshFoundChanges);
     tick(view);
     QCOMPARE(cell(view, link, Size), QStringLiteral("3KB"));
     QCOMPARE(foundChanges.count(), 1);
     QCOMPARE(settle(view), 0);
-}
 
-void TestKelofileView::theFolderShownIsDeletedAndMadeAgain()
-{
-    makeShown();
-    KelofileView view;
-    view.setPathRoot(path("shown"));
-    QVERIFY(settle(view) >= 1);
+    // The folder shown deleted: every tick tries, until it is made again and watched again.
     QVERIFY(QDir(path("shown")).removeRecursively());
     QCOMPARE(passesIn(view, 2), 2); // the passes fail: the message line tells why, as it always did
     writeFile(path("shown/again.txt"), 1);
@@ -1475,7 +1467,7 @@ void TestKelofileView::theFolderShownIsDeletedAndMadeAgain()
     QCOMPARE(names(view), (QStringList{"again.txt", "more.txt"}));
 }
 
-void TestKelofileView::listViewsShareModelAndSelection()
+void TestKelofileView::listControl()
 {
     ListView list;
     for (const char *n : {"a", "b", "c"})
@@ -1505,11 +1497,8 @@ void TestKelofileView::listViewsShareModelAndSelection()
     QCOMPARE(list.iconView()->selectionMode(), QAbstractItemView::ExtendedSelection);
     list.selectRow(-1);
     QCOMPARE(list.selectedRow(), -1);
-}
 
-void TestKelofileView::listColumnWidthsAndRefusedValues()
-{
-    ListView list;
+    list.setViewMode(ListView::Report);
     QCOMPARE(list.reportView()->columnWidth(1), list.himetricToPixels(2540));
     QCOMPARE(list.himetricToPixels(2540), list.logicalDpiX()); // 2540 HIMETRIC is one inch
     list.reportView()->setColumnWidth(0, 300); // as a user dragging the divider
