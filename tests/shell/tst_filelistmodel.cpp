@@ -7,12 +7,8 @@
 #include <Kelocontrols/FileTypes.h>
 
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QPersistentModelIndex>
 #include <QRandomGenerator>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Kelocontrols;
@@ -29,6 +25,19 @@ FileEntry fileEntry(const QString &name, qint64 size, qint64 modified, qint64 cr
     e.created = created;
     e.attributes = FileAttribute::Archive;
     return e;
+}
+
+FileListRow file(const QString &name, qint64 size)
+{
+    return FileListRow::file(fileEntry(name, size, 0, 0), u"/d"_qs);
+}
+
+QStringList names(const FileListModel &model)
+{
+    QStringList list;
+    for (int r = 0; r < model.count(); ++r)
+        list << model.row(r).text();
+    return list;
 }
 
 } // namespace
@@ -50,6 +59,8 @@ private Q_SLOTS:
     void folderCountIsAFactOfItsStamp();
     void filterRules_data();
     void filterRules();
+    void sortingAgainGivesTheOrderOfTheTexts();
+    void aSortThatMovesNothingTellsNoView();
 };
 
 void TestFileListModel::sizeTexts_data()
@@ -73,7 +84,7 @@ void TestFileListModel::sizeTexts()
     QFETCH(qint64, bytes);
     QFETCH(QString, size);
     QFETCH(QString, sorted);
-    const FileListRow row = FileListRow::file(fileEntry(u"a.bin"_qs, bytes, 0, 0), u"/d"_qs);
+    const FileListRow row = file(u"a.bin"_qs, bytes);
     QCOMPARE(row.columnText(Column::Size), size);
     QCOMPARE(row.columnText(Column::SortedSize), sorted);
     QCOMPARE(row.rawValue(Column::Size).toLongLong(), bytes);
@@ -112,9 +123,8 @@ void TestFileListModel::textsAndRawValuesOfEachKind()
     const QList<QStringList> expected = {file, sub, driveTexts, gone};
     QCOMPARE(model.rowCount(), 4);
     for (int r = 0; r < 4; ++r) {
-        for (int c = 0; c < FileListModel::ColumnCount; ++c) {
+        for (int c = 0; c < FileListModel::ColumnCount; ++c)
             QCOMPARE(model.data(model.index(r, c)).toString(), expected[r][c]);
-        }
     }
     QVERIFY(!driveType.isEmpty());
     QCOMPARE(model.data(model.index(0, Column::Modified), FileListModel::RawValueRole).toDateTime(),
@@ -330,13 +340,11 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
         }
     };
     FileListModel model;
-    for (int i = 0; i < 120; ++i) {
+    for (int i = 0; i < 120; ++i)
         model.append(makeRow(i));
-    }
     QStringList before;
-    for (int r = 0; r < model.count(); ++r) {
+    for (int r = 0; r < model.count(); ++r)
         before << model.text(r, column);
-    }
     const QPersistentModelIndex tracked = model.index(7, 0);
     const QString trackedName = model.text(7, Column::RealName);
 
@@ -357,9 +365,8 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
         const int c = QString::compare(a, b, Qt::CaseInsensitive);
         return order == 0 ? c < 0 : c > 0;
     });
-    for (int r = 0; r < model.count(); ++r) {
+    for (int r = 0; r < model.count(); ++r)
         QCOMPARE(model.text(r, column), before[r]);
-    }
     for (int i = 0; i < 10; ++i) {
         const int at = model.append(makeRow(i));
         QCOMPARE(model.rowCount(), model.count());
@@ -367,11 +374,71 @@ void TestFileListModel::sortGivesTheOrderOfTheTexts()
     }
     {
         FileListModel::Batch batch(&model);
-        for (int i = 0; i < 10; ++i) {
+        for (int i = 0; i < 10; ++i)
             model.append(makeRow(i));
-        }
     }
     expectTextOrder();
+}
+
+// Sorting again by a text column reuses what the last sort by it learnt, and must give exactly the order
+// a sort of the texts gives: ties (names equal without regard to case) keep the order they had before.
+void TestFileListModel::sortingAgainGivesTheOrderOfTheTexts()
+{
+    FileListModel model;
+    for (const auto &[name, size] : {std::pair{"B", 1}, {"a", 3}, {"A", 2}, {"c", 0}})
+        model.append(file(QString::fromLatin1(name), size));
+    model.sort(Column::SortName);
+    QCOMPARE(names(model), (QStringList{"a", "A", "B", "c"}));
+    model.sort(Column::SortedSize);
+    QCOMPARE(names(model), (QStringList{"c", "B", "A", "a"}));
+    model.sort(Column::SortName); // the tie a / A keeps the order the size sort left
+    QCOMPARE(names(model), (QStringList{"A", "a", "B", "c"}));
+    model.sort(Column::SortName, Qt::DescendingOrder);
+    QCOMPARE(names(model), (QStringList{"c", "B", "A", "a"}));
+    model.sort(Column::SortedSize, Qt::DescendingOrder);
+    QCOMPARE(names(model), (QStringList{"a", "A", "B", "c"}));
+
+    // A row removed: the others keep their places in the name order.
+    model.remove(2); // B
+    model.sort(Column::SortName, Qt::DescendingOrder);
+    QCOMPARE(names(model), (QStringList{"c", "a", "A"}));
+
+    // The Name column (the item's text) sorted once, then a text changed by the host and a row added:
+    // the texts decide again.
+    model.sort(Column::Name);
+    QCOMPARE(names(model), (QStringList{"a", "A", "c"}));
+    model.setText(2, QStringLiteral("0 first"));
+    model.append(file(QStringLiteral("b"), 9));
+    model.sort(Column::SortedSize);
+    QCOMPARE(names(model), (QStringList{"0 first", "A", "a", "b"}));
+    model.sort(Column::Name);
+    QCOMPARE(names(model), (QStringList{"0 first", "A", "a", "b"}));
+    model.setText(3, QStringLiteral("Z last"));
+    model.sort(Column::SortedSize);
+    model.sort(Column::Name, Qt::DescendingOrder);
+    QCOMPARE(names(model), (QStringList{"Z last", "A", "a", "0 first"}));
+}
+
+void TestFileListModel::aSortThatMovesNothingTellsNoView()
+{
+    FileListModel model;
+    for (const char *name : {"d", "b", "a", "c"})
+        model.append(file(QString::fromLatin1(name), 1));
+    model.setSortKey(Column::SortName);
+    model.setSortOrder(0);
+    model.setSorted(true);
+    QCOMPARE(names(model), (QStringList{"a", "b", "c", "d"}));
+    const QPersistentModelIndex c = model.index(2, 0);
+    QSignalSpy layout(&model, &QAbstractItemModel::layoutChanged);
+    // A header click sets all three in turn: one sort, one layout change.
+    model.setSortKey(Column::SortName);
+    model.setSortOrder(1);
+    model.setSorted(true);
+    QCOMPARE(layout.count(), 1);
+    QCOMPARE(names(model), (QStringList{"d", "c", "b", "a"}));
+    QCOMPARE(c.row(), 1); // a persistent index follows its row
+    model.setSorted(true);
+    QCOMPARE(layout.count(), 1);
 }
 
 QTEST_MAIN(TestFileListModel)

@@ -1,9 +1,12 @@
-// The file view's popup menus and commands on real temporary folders: the
-// menus' entries, delete with each question and answer, a refusal of the
-// file system, the inert entries, new folders, renaming in place, cut /
-// copy / paste between two lists, and deleting to the desktop's trash on
-// the home file system and on a second one (a tmpfs mounted in a private
-// mount namespace).
+// The file view's popup menus, commands and drag and drop on real temporary
+// folders: the menus' entries, delete with each question and answer, a
+// refusal of the file system, the inert entries, new folders, renaming in
+// place, cut / copy / paste between two lists, deleting to the desktop's trash
+// on the home file system and on a second one (a tmpfs mounted in a private
+// mount namespace), drops in each OLEDropMode (events built by hand), the drag
+// source's events, a real drag between two lists and pasting what another
+// program (xclip) put on the X clipboard. Without a display the test starts
+// itself again under xvfb-run.
 
 #include "KeloTestSupport.h"
 #include "shell/FileTreeFixture.h"
@@ -20,10 +23,14 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
+#include <QHBoxLayout>
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QRubberBand>
 #include <QScopeGuard>
 #include <QTest>
 
@@ -60,24 +67,21 @@ void select(KelofileView &view, const QStringList &wanted)
     }
 }
 
-QStringList captions(const QMenu *menu)
+QMenu *menu(KelofileView &view, const char *name)
 {
-    QStringList list;
-    for (const QAction *action : menu->actions())
-        list << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    return list;
+    return view.findChild<QMenu *>(QString::fromLatin1(name));
 }
 
-QAction *entry(KelofileView &view, const char *menu, int index)
+QAction *entry(KelofileView &view, const char *name, int index)
 {
-    return view.findChild<QMenu *>(QString::fromLatin1(menu))->actions().at(index);
+    return menu(view, name)->actions().at(index);
 }
 
 /// Chooses an entry the way the user does: the menu is about to show (entries are greyed), then the entry.
-void choose(KelofileView &view, const char *menu, int index)
+void choose(KelofileView &view, const char *name, int index)
 {
-    Q_EMIT view.findChild<QMenu *>(QString::fromLatin1(menu))->aboutToShow();
-    QAction *action = entry(view, menu, index);
+    Q_EMIT menu(view, name)->aboutToShow();
+    QAction *action = entry(view, name, index);
     QVERIFY2(action->isEnabled(), qPrintable(action->text()));
     action->trigger();
 }
@@ -87,14 +91,59 @@ QAbstractItemView *inner(KelofileView &view)
     return view.listFiles()->currentView();
 }
 
+/// The centre of @p row's item, or a point of the background below the items for -1.
+QPoint pointAt(KelofileView &view, int row)
+{
+    if (row < 0)
+        return QPoint(5, inner(view)->viewport()->height() - 5);
+    return inner(view)->visualRect(view.listFiles()->model()->index(row, 0)).center();
+}
+
+/// Sends a context menu event at @p row (-1: the background) and answers whether popup @p name shows.
+bool showsMenuAt(KelofileView &view, int row, const char *name)
+{
+    const QPoint at = pointAt(view, row);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, inner(view)->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(inner(view)->viewport(), &event);
+    const bool shown = QTest::qWaitFor([&] { return menu(view, name)->isVisible(); });
+    menu(view, name)->close();
+    return shown;
+}
+
+/// Sends a drag over (DragEnter) and, when @p drop, the drop; answers "accepted action" of the last event.
+QString dragTo(KelofileView &view, QMimeData *data, const QPoint &at, bool ctrl, bool drop)
+{
+    const Qt::KeyboardModifiers modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
+    const Qt::DropActions allowed = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(at, allowed, data, Qt::LeftButton, modifiers);
+    QDropEvent dropped(at, allowed, data, Qt::LeftButton, modifiers);
+    QDropEvent &event = drop ? dropped : enter;
+    if (drop)
+        QApplication::sendEvent(inner(view)->viewport(), &enter);
+    QApplication::sendEvent(inner(view)->viewport(), &event);
+    return event.isAccepted() ? QString::number(event.dropAction()) : QStringLiteral("refused");
+}
+
+/// The values as texts, separated by spaces.
+template<typename... Values>
+QString joined(const Values &...values)
+{
+    return QStringList{QVariant::fromValue(values).toString()...}.join(QLatin1Char(' '));
+}
+
+/// A real drag (X11) runs its own event loop until a release or Escape: this ends it should nothing else.
+void cancelDragSoon(QWidget *widget, int msecs = 300)
+{
+    QTimer::singleShot(msecs, widget, [widget] { QTest::keyClick(widget, Qt::Key_Escape); });
+}
+
 /// The entries a file manager would restore from @p trash: "original path=contents" for each info file read back.
 QStringList restorable(const QString &trash, const QString &topDir)
 {
     QStringList found;
     const QStringList infos = QDir(trash + "/info").entryList({"*.trashinfo"}, QDir::Files);
     for (const QString &info : infos) {
-        const QString text = KeloTest::readTextFile(trash + "/info/" + info);
-        const QStringList lines = text.split('\n');
+        const QStringList lines = KeloTest::readTextFile(trash + "/info/" + info).split('\n');
         if (lines.value(0) != "[Trash Info]" || !lines.value(2).startsWith("DeletionDate="))
             return {"bad info file " + info};
         QString original = QString::fromUtf8(QByteArray::fromPercentEncoding(lines.value(1).mid(5).toUtf8()));
@@ -120,9 +169,7 @@ private Q_SLOTS:
         QVERIFY(m_dir->isValid());
     }
 
-    void menus_data();
     void menus();
-    void greyedEntries();
     void deleteAsks_data();
     void deleteAsks();
     void refusedDeleteRaisesAndKeepsWhatWasDone();
@@ -134,36 +181,37 @@ private Q_SLOTS:
     void copyCutPasteBetweenLists();
     void deleteToTrash_data();
     void deleteToTrash();
-    void deleteToTrashIsPersisted();
+    void drops_data();
+    void drops();
+    void manualModePassesTheArguments();
+    void dragSourceEvents();
+    void pasteWhatAnotherProgramCopied();
+    void realDragBetweenTwoLists();
 
 private:
     QString root() const { return m_dir->path(); }
     std::unique_ptr<QTemporaryDir> m_dir;
 };
 
-void TestFileViewCommands::menus_data()
-{
-    QTest::addColumn<QString>("menu");
-    QTest::addColumn<QStringList>("entries");
-    QTest::newRow("popOnFile") << "popOnFile"
-                               << QStringList{"&Open", "&Print", "-", "Cu&t", "&Copy", "-", "Create &Shortcut",
-                                      "&Delete", "Rena&me", "-", "Prope&rties"};
-    QTest::newRow("popOnBack") << "popOnBack"
-                               << QStringList{"&View", "-", "R&efresh", "-", "&Paste", "Paste &Shortcut", "&Undo", "-",
-                                      "Ne&w Folder", "-", "P&roperties"};
-    QTest::newRow("popView") << "popView" << QStringList{"Lar&ge Icons", "S&mall Icons", "&List", "&Details"};
-}
-
 void TestFileViewCommands::menus()
 {
-    QFETCH(QString, menu);
-    QFETCH(QStringList, entries);
     KelofileView view;
-    auto *popup = view.findChild<QMenu *>(menu);
-    QVERIFY(popup);
-    QCOMPARE(popup->parent(), &view);
-    QCOMPARE(captions(popup), entries);
-    QCOMPARE(entry(view, "popOnBack", 0)->menu(), view.findChild<QMenu *>("popView"));
+    const auto captions = [&](const char *name) {
+        QStringList list;
+        for (const QAction *action : menu(view, name)->actions())
+            list << (action->isSeparator() ? QStringLiteral("-") : action->text());
+        return list;
+    };
+    for (const char *name : {"popOnFile", "popOnBack", "popView"})
+        QCOMPARE(menu(view, name)->parent(), &view);
+    QCOMPARE(captions("popOnFile"),
+        (QStringList{"&Open", "&Print", "-", "Cu&t", "&Copy", "-", "Create &Shortcut", "&Delete", "Rena&me", "-",
+            "Prope&rties"}));
+    QCOMPARE(captions("popOnBack"),
+        (QStringList{"&View", "-", "R&efresh", "-", "&Paste", "Paste &Shortcut", "&Undo", "-", "Ne&w Folder", "-",
+            "P&roperties"}));
+    QCOMPARE(captions("popView"), (QStringList{"Lar&ge Icons", "S&mall Icons", "&List", "&Details"}));
+    QCOMPARE(entry(view, "popOnBack", 0)->menu(), menu(view, "popView"));
 
     // The right click: on an item it selects it and opens popOnFile, on the background popOnBack.
     QVERIFY(makeTree(root(), {"a.txt=a", "b.txt=b"}));
@@ -171,30 +219,15 @@ void TestFileViewCommands::menus()
     view.resize(400, 300);
     view.show();
     QVERIFY(QTest::qWaitForWindowExposed(&view));
-    const QRect second = inner(view)->visualRect(view.listFiles()->model()->index(1, 0));
-    QContextMenuEvent onItem(
-        QContextMenuEvent::Mouse, second.center(), inner(view)->viewport()->mapToGlobal(second.center()));
-    QApplication::sendEvent(inner(view)->viewport(), &onItem);
+    QVERIFY(showsMenuAt(view, 1, "popOnFile"));
     QCOMPARE(view.ItemSelected(), 2);
-    QTRY_VERIFY(view.findChild<QMenu *>("popOnFile")->isVisible());
-    view.findChild<QMenu *>("popOnFile")->close();
-    const QPoint empty(5, inner(view)->viewport()->height() - 5);
-    QContextMenuEvent onBack(QContextMenuEvent::Mouse, empty, inner(view)->viewport()->mapToGlobal(empty));
-    QApplication::sendEvent(inner(view)->viewport(), &onBack);
-    QTRY_VERIFY(view.findChild<QMenu *>("popOnBack")->isVisible());
-    view.findChild<QMenu *>("popOnBack")->close();
-
-    // popView sets View.
-    choose(view, "popView", 1);
+    QVERIFY(showsMenuAt(view, -1, "popOnBack"));
+    choose(view, "popView", 1); // popView sets View
     QCOMPARE(view.View(), 1);
-}
 
-void TestFileViewCommands::greyedEntries()
-{
-    QVERIFY(makeTree(root(), {"a.txt=a"}));
-    KelofileView view;
-    view.setPathRoot(root());
+    // Greyed entries: nothing selected, nothing to paste; My Computer takes no new folder.
     auto *commands = view.findChild<FileViewCommands *>();
+    select(view, {});
     QGuiApplication::clipboard()->clear();
     commands->updateMenus();
     for (int index : {FileViewCommands::Open, FileViewCommands::Delete, FileViewCommands::Rename})
@@ -219,24 +252,25 @@ void TestFileViewCommands::deleteAsks_data()
     QTest::addColumn<int>("answer");
     QTest::addColumn<QString>("box");
     QTest::addColumn<QStringList>("diskAfter");
-    const QStringList tree = {"a.txt=a", "b.txt=b", "d/", "d/in.txt=i", "ro/", "ro/x=x"};
+    const QStringList tree = {"a.txt", "b.txt", "d/", "d/in.txt", "ro/", "ro/x"};
     const QString oneFile = "Confirm File Delete|52|Are you sure you want to send 'a.txt' to the Recycle Bin?";
     const QString folder = "Confirm Folder Delete|52|Are you sure you want to remove the folder 'd' and\r\n"
                            "move all its contents to the Recycle Bin?";
     const QString readOnly = "Confirm Folder Delete|52|The folder 'ro' is a read-only folder.  Are you sure you\r\n"
                              "want to remove it and move all its contents to the Recycle Bin?";
     const QString three = "Confirm File Delete|52|Are you sure you want to send these 3 items to the Recycle Bin?";
+    const QStringList all{"a.txt", "d", "ro"};
     QTest::newRow("one file, Yes") << QStringList{"a.txt"} << true << 6 << oneFile
-                                   << QStringList{"b.txt=b", "d/", "d/in.txt=i", "ro/", "ro/x=x"};
+                                   << QStringList{"b.txt", "d/", "d/in.txt", "ro/", "ro/x"};
     QTest::newRow("one file, No") << QStringList{"a.txt"} << false << 7 << oneFile << tree;
     QTest::newRow("one folder, Yes") << QStringList{"d"} << false << 6 << folder
-                                     << QStringList{"a.txt=a", "b.txt=b", "ro/", "ro/x=x"};
+                                     << QStringList{"a.txt", "b.txt", "ro/", "ro/x"};
     QTest::newRow("read-only folder, Yes")
-        << QStringList{"ro"} << true << 6 << readOnly << QStringList{"a.txt=a", "b.txt=b", "d/", "d/in.txt=i"};
+        << QStringList{"ro"} << true << 6 << readOnly << QStringList{"a.txt", "b.txt", "d/", "d/in.txt"};
     QTest::newRow("read-only folder, No") << QStringList{"ro"} << false << 7 << readOnly << tree;
-    QTest::newRow("three, Yes") << QStringList{"a.txt", "d", "ro"} << true << 6 << three << QStringList{"b.txt=b"};
-    QTest::newRow("three, No") << QStringList{"a.txt", "d", "ro"} << false << 7 << three << tree;
-    QTest::newRow("three, Cancel is not Yes") << QStringList{"a.txt", "d", "ro"} << false << 2 << three << tree;
+    QTest::newRow("three, Yes") << all << true << 6 << three << QStringList{"b.txt"};
+    QTest::newRow("three, No") << all << false << 7 << three << tree;
+    QTest::newRow("three, Cancel is not Yes") << all << false << 2 << three << tree;
 }
 
 void TestFileViewCommands::deleteAsks()
@@ -258,14 +292,10 @@ void TestFileViewCommands::deleteAsks()
     else
         choose(view, "popOnFile", FileViewCommands::Delete);
     QCOMPARE(boxes.titled(), QStringList{box});
-    QStringList disk = readTree(root());
-    disk.replaceInStrings(QRegularExpression("=.*"), "");
-    QStringList expected = diskAfter;
-    expected.replaceInStrings(QRegularExpression("=.*"), "");
-    QCOMPARE(disk, sorted(expected));
+    QCOMPARE(readTree(root()).replaceInStrings(QRegularExpression("=.*"), ""), sorted(diskAfter));
     // The list lost exactly the deleted items.
     QStringList listed;
-    for (const QString &e : expected)
+    for (const QString &e : diskAfter)
         if (!e.contains('/') || (e.endsWith('/') && e.count('/') == 1))
             listed << (e.endsWith('/') ? e.chopped(1) : e);
     QCOMPARE(sorted(names(view)), sorted(listed));
@@ -323,9 +353,10 @@ void TestFileViewCommands::newFolders()
     view.setPathRoot(root());
     view.show();
     choose(view, "popOnBack", FileViewCommands::NewFolder);
-    QVERIFY(inner(view)->findChild<QLineEdit *>("labelEditor")); // the new folder is put into rename
+    auto *editor = inner(view)->findChild<QLineEdit *>("labelEditor");
+    QVERIFY(editor); // the new folder is put into rename
     QCOMPARE(view.ItemSelected(), 2);
-    QTest::keyClick(inner(view)->findChild<QLineEdit *>("labelEditor"), Qt::Key_Escape);
+    QTest::keyClick(editor, Qt::Key_Escape);
     choose(view, "popOnBack", FileViewCommands::NewFolder);
     QCOMPARE(readTree(root()), (QStringList{"New folder (2)/", "New folder (3)/", "New folder/"}));
     QCOMPARE(names(view), (QStringList{"New folder (2)", "New folder", "New folder (3)"}));
@@ -410,8 +441,8 @@ void TestFileViewCommands::editsRefusedAndCancelled()
     QCOMPARE(names(view), QStringList{"a.txt"});
     // The keyboard's menu key opens the menu that fits the selection.
     QTest::keyClick(inner(view), Qt::Key_F10, Qt::ShiftModifier);
-    QTRY_VERIFY(view.findChild<QMenu *>("popOnFile")->isVisible());
-    view.findChild<QMenu *>("popOnFile")->close();
+    QTRY_VERIFY(menu(view, "popOnFile")->isVisible());
+    menu(view, "popOnFile")->close();
 }
 
 void TestFileViewCommands::copyCutPasteBetweenLists()
@@ -469,10 +500,12 @@ void TestFileViewCommands::deleteToTrash()
         if (otherFileSystem)
             ::umount2(mountPoint.constData(), MNT_DETACH);
     });
-    QVERIFY(makeTree(folder, {"a b%.txt=1", "d/", "d/in=2"}));
-    QVERIFY(makeTree(folder, {"again/", "again/a b%.txt=3"}));
+    QVERIFY(makeTree(folder, {"a b%.txt=1", "d/", "d/in=2", "again/", "again/a b%.txt=3"}));
 
     KelofileView view;
+    QCOMPARE(view.DeleteToTrash(), false);
+    QCOMPARE(KeloTest::helpString(*view.metaObject(), "DeleteToTrash"),
+        QString("Moves deleted items to the desktop's trash instead of removing them from the disk."));
     view.setDeleteToTrash(true);
     view.setPathRoot(folder);
     MsgBoxRecorder boxes({6, 6});
@@ -496,32 +529,216 @@ void TestFileViewCommands::deleteToTrash()
     const QString encoded
         = otherFileSystem ? QString("a%20b%25.txt") : QString(DesktopTrash::encodePath(folder) + "/a%20b%25.txt");
     QVERIFY2(first.startsWith("[Trash Info]\nPath=" + encoded + "\nDeletionDate=20"), qPrintable(first));
-
     QCOMPARE(sorted(restorable(trash, otherFileSystem ? folder : QString())),
         sorted({folder + "/a b%.txt=1", folder + "/again/a b%.txt=3", folder + "/d="}));
     QCOMPARE(withoutTrash(readTree(folder)), (QStringList{"a b%.txt=1", "again/", "again/a b%.txt=3", "d/", "d/in=2"}));
-}
 
-void TestFileViewCommands::deleteToTrashIsPersisted()
-{
-    KelofileView view;
-    QCOMPARE(view.DeleteToTrash(), false);
-    QCOMPARE(KeloTest::helpString(*view.metaObject(), "DeleteToTrash"),
-        QString("Moves deleted items to the desktop's trash instead of removing them from the disk."));
+    // The opt-in is saved after the other properties, only when on.
     PropertyBag bag;
-    view.WriteProperties(bag);
-    QVERIFY(!bag.contains("DeleteToTrash")); // the default is not written
-    view.setDeleteToTrash(true);
     view.setOLEDropMode(1); // the last of the other properties
     view.WriteProperties(bag);
     QCOMPARE(bag.names().mid(bag.names().indexOf("OLEDropMode")).constLast(), QString("DeleteToTrash"));
     KelofileView loaded;
     loaded.ReadProperties(bag);
     QCOMPARE(loaded.DeleteToTrash(), true);
+    PropertyBag defaults;
+    loaded.setDeleteToTrash(false);
+    loaded.WriteProperties(defaults);
+    QVERIFY(!defaults.contains("DeleteToTrash"));
+}
+
+void TestFileViewCommands::drops_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<int>("onRow"); // -1: the background
+    QTest::addColumn<bool>("ctrl");
+    QTest::addColumn<QString>("answer"); // of the drag over and of the drop
+    QTest::addColumn<QStringList>("diskAfter");
+    const QStringList untouched = {"dst/", "dst/sub/", "src/", "src/x.txt=x"};
+    const QString copy = QString::number(Qt::CopyAction), move = QString::number(Qt::MoveAction);
+    QTest::newRow("2: no Ctrl moves") << 2 << "dst" << -1 << false << move
+                                      << QStringList{"dst/", "dst/sub/", "dst/x.txt=x", "src/"};
+    QTest::newRow("2: Ctrl copies") << 2 << "dst" << -1 << true << copy
+                                    << QStringList{"dst/", "dst/sub/", "dst/x.txt=x", "src/", "src/x.txt=x"};
+    QTest::newRow("2: onto a folder item")
+        << 2 << "dst" << 0 << true << copy << QStringList{"dst/", "dst/sub/", "dst/sub/x.txt=x", "src/", "src/x.txt=x"};
+    QTest::newRow("2: no folder shown") << 2 << "" << -1 << false << "refused" << untouched;
+    QTest::newRow("2: moving to where it is") << 2 << "src" << -1 << false << "refused" << untouched;
+    QTest::newRow("2: copying to where it is")
+        << 2 << "src" << -1 << true << copy
+        << QStringList{"dst/", "dst/sub/", "src/", "src/Copy (2) of x.txt=x", "src/x.txt=x"};
+    QTest::newRow("1: the host decides") << 1 << "dst" << -1 << false << move << untouched;
+    QTest::newRow("0: refused") << 0 << "dst" << -1 << true << "refused" << untouched;
+}
+
+void TestFileViewCommands::drops()
+{
+    QFETCH(int, mode);
+    QFETCH(QString, shown);
+    QFETCH(int, onRow);
+    QFETCH(bool, ctrl);
+    QFETCH(QString, answer);
+    QVERIFY(makeTree(root(), {"dst/", "dst/sub/", "src/", "src/x.txt=x"}));
+    KelofileView view;
+    view.setOLEDropMode(mode);
+    view.resize(400, 300);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    if (!shown.isEmpty())
+        view.setPathRoot(root() + '/' + shown);
+    std::unique_ptr<QMimeData> data(fileListMimeData({root() + "/src/x.txt"}));
+    QCOMPARE(dragTo(view, data.get(), pointAt(view, onRow), ctrl, false), answer);
+    auto *outline = view.findChild<QRubberBand *>("dropTarget");
+    QCOMPARE(outline && outline->isVisible(), mode == 2 && onRow == 0);
+    QCOMPARE(dragTo(view, data.get(), pointAt(view, onRow), ctrl, true), answer);
+    QTEST(readTree(root()), "diskAfter");
+
+    // Data that holds no files is refused in the automatic mode.
+    QMimeData text;
+    text.setText("hello");
+    if (mode == 2 && !shown.isEmpty())
+        QCOMPARE(dragTo(view, &text, pointAt(view, -1), ctrl, false), QString("refused"));
+}
+
+void TestFileViewCommands::manualModePassesTheArguments()
+{
+    QVERIFY(makeTree(root(), {"a.txt=a"}));
+    KelofileView view;
+    view.setOLEDropMode(1);
+    view.setPathRoot(root());
+    view.resize(300, 200);
+    view.show();
+    QStringList events;
+    connect(&view, &KelofileView::OLEDragOver,
+        [&](QMimeData *data, int &effect, short &button, short &shift, float &x, float &y, short &state) {
+            events << joined(QString("Over"), int(data->hasUrls()), effect, button, shift, x, y, state);
+            effect = 1;
+        });
+    connect(&view, &KelofileView::OLEDragDrop,
+        [&](QMimeData *data, int &effect, short &button, short &shift, float &x, float &y) {
+            events << joined(QString("Drop"), int(data->hasUrls()), effect, button, shift, x, y);
+            effect = 0;
+        });
+    std::unique_ptr<QMimeData> data(fileListMimeData({root() + "/a.txt"}));
+    QCOMPARE(dragTo(view, data.get(), QPoint(7, 9), true, false), QString::number(Qt::CopyAction));
+    QCOMPARE(dragTo(view, data.get(), QPoint(7, 9), true, true), QString("refused")); // the handler's Effect 0
+    QCOMPARE(events, (QStringList{"Over 1 3 1 2 7 9 0", "Over 1 3 1 2 7 9 0", "Drop 1 3 1 2 7 9"}));
+    QCOMPARE(readTree(root()), QStringList{"a.txt=a"});
+}
+
+void TestFileViewCommands::dragSourceEvents()
+{
+    QVERIFY(makeTree(root(), {"a.txt=a", "b.txt=b"}));
+    KelofileView view;
+    view.setPathRoot(root());
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    view.setItemSelected(2);
+    QStringList events;
+    bool hostCancels = false;
+    connect(&view, &KelofileView::OLEStartDrag, [&](QMimeData *data, int &allowed) {
+        events << "Start " + filesOfMimeData(data).join(',').remove(root() + '/') + ' ' + QString::number(allowed);
+        if (hostCancels)
+            allowed = 0;
+    });
+    connect(&view, &KelofileView::OLESetData, [&](QMimeData *data, short &format) {
+        events << "SetData " + QString::number(format) + ' ' + QString::number(data->hasFormat(kHdropMimeType));
+    });
+    connect(&view, &KelofileView::OLEGiveFeedback,
+        [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
+    connect(
+        &view, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+    cancelDragSoon(&view);
+    view.OLEDrag(); // nobody takes the drop here
+    QCOMPARE(events.mid(0, 2), (QStringList{"Start b.txt 3", "SetData 15 1"}));
+    QCOMPARE(events.constLast(), QString("Complete 0"));
+    events.clear();
+    hostCancels = true;
+    view.OLEDrag();
+    QCOMPARE(events, (QStringList{"Start b.txt 3", "Complete 0"}));
+    view.setOLEDragMode(0);
+    events.clear();
+    view.OLEDrag();
+    QCOMPARE(events, QStringList());
+}
+
+void TestFileViewCommands::pasteWhatAnotherProgramCopied()
+{
+    if (QGuiApplication::platformName() != "xcb" || QStandardPaths::findExecutable("xclip").isEmpty())
+        QSKIP("needs an X display (xvfb-run) and xclip");
+    QVERIFY(makeTree(root(), {"a/", "a/one.txt=1", "b/"}));
+    QGuiApplication::clipboard()->clear(); // what the other tests put there is not the other program's
+    QProcess xclip;
+    xclip.start("xclip", {"-i", "-selection", "clipboard", "-t", "text/uri-list"});
+    QVERIFY(xclip.waitForStarted());
+    xclip.write(QUrl::fromLocalFile(root() + "/a/one.txt").toEncoded() + "\r\n");
+    xclip.closeWriteChannel();
+    const auto stop = qScopeGuard([&xclip] {
+        xclip.kill();
+        xclip.waitForFinished();
+    });
+    KelofileView view;
+    view.setPathRoot(root() + "/b");
+    auto *commands = view.findChild<FileViewCommands *>();
+    // The clipboard changes hands asynchronously: wait until Paste can act.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (commands->updateMenus(), entry(view, "popOnBack", FileViewCommands::Paste)->isEnabled()), 20000);
+    QTest::keyClick(inner(view), Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(
+        readTree(root()), (QStringList{"a/", "a/one.txt=1", "b/", "b/one.txt=1"})); // another program's list copies
+    QCOMPARE(view.ItemCount(), 1);
+}
+
+// The mouse drives a drag the way the user's does: Qt's X11 drag watches the application's mouse events and
+// finds the target window under the pointer on the X server, so the lists must be real, mapped windows.
+void TestFileViewCommands::realDragBetweenTwoLists()
+{
+    if (QGuiApplication::platformName() != "xcb")
+        QSKIP("needs an X display (xvfb-run): the offscreen platform has no drag and drop");
+    QVERIFY(makeTree(root(), {"dst/", "src/", "src/x.txt=x"}));
+    QWidget window;
+    auto *layout = new QHBoxLayout(&window);
+    auto *left = new KelofileView(&window);
+    auto *right = new KelofileView(&window);
+    layout->addWidget(left);
+    layout->addWidget(right);
+    left->setOLEDragMode(2);
+    left->setPathRoot(root() + "/src");
+    right->setPathRoot(root() + "/dst");
+    window.setGeometry(20, 20, 640, 300);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QStringList events;
+    connect(left, &KelofileView::OLEStartDrag, [&](QMimeData *, int &) { events << "Start"; });
+    connect(left, &KelofileView::OLEGiveFeedback,
+        [&](int &effect, bool &) { events << "Feedback " + QString::number(effect); });
+    connect(
+        left, &KelofileView::OLECompleteDrag, [&](int &effect) { events << "Complete " + QString::number(effect); });
+
+    QWidget *from = inner(*left)->viewport();
+    QWidget *to = inner(*right)->viewport();
+    const QPoint item = pointAt(*left, 0);
+    QTimer::singleShot(200, to, [to] {
+        for (int x = 20; x <= 120; x += 20) {
+            QTest::mouseMove(to, QPoint(x, 60));
+            QTest::qWait(30);
+        }
+        QTest::mouseRelease(to, Qt::LeftButton, Qt::NoModifier, QPoint(120, 60));
+    });
+    cancelDragSoon(from, 5000);
+    QTest::mousePress(from, Qt::LeftButton, Qt::NoModifier, item);
+    QTest::mouseMove(from, item + QPoint(30, 0)); // starts the drag and returns when it is over
+    QTRY_COMPARE(events.constLast(), QString("Complete 2"));
+    QCOMPARE(events.constFirst(), QString("Start"));
+    QVERIFY2(events.contains("Feedback 2"), qPrintable(events.join(", ")));
+    QCOMPARE(readTree(root()), (QStringList{"dst/", "dst/x.txt=x", "src/"}));
+    QCOMPARE(left->ItemCount(), 0); // a completed move refreshes the source list
 }
 
 int main(int argc, char **argv)
 {
+    KeloTest::restartUnderXvfb(argc, argv);
     // Mounts for the refusal and the second file system, private to this process; before any thread starts.
     g_privateMounts = ::geteuid() == 0 && ::unshare(CLONE_NEWNS) == 0
         && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;

@@ -187,16 +187,14 @@ void TestKelofolderView::roots_data()
 {
     QTest::addColumn<QString>("pathRoot");
     QTest::addColumn<QString>("rootKey");
-    QTest::newRow("My Computer") << "My Computer"
-                                 << "My Computer";
-    QTest::newRow("mixed case") << "mY cOMPUTER"
-                                << "My Computer";
-    QTest::newRow("My Folders") << "MY FOLDERS"
-                                << "My Folders";
-    QTest::newRow("missing folder") << "/no/such/folder/here"
-                                    << "My Computer";
-    QTest::newRow("folder") << "<root>"
-                            << "<root>";
+    const auto row = [](const char *name, const char *pathRoot, const char *rootKey) {
+        QTest::newRow(name) << QString(pathRoot) << QString(rootKey);
+    };
+    row("My Computer", "My Computer", "My Computer");
+    row("mixed case", "mY cOMPUTER", "My Computer");
+    row("My Folders", "MY FOLDERS", "My Folders");
+    row("missing folder", "/no/such/folder/here", "My Computer");
+    row("folder", "<root>", "<root>");
 }
 
 void TestKelofolderView::roots()
@@ -326,29 +324,25 @@ void TestKelofolderView::favourites()
     view.AddNewFolder(at("later"));
     QCOMPARE(view.GetMyFolders(), QStringList({at("docs"), at("later")}));
     QCOMPARE(indexes, QList<int>({2, 3, 4})); // docs, its sub-folder one level ahead, the unavailable one
-    QVERIFY(goTo(view, at("docs")));
-    QCOMPARE(view.ItemDisplayName(), QStringLiteral("docs"));
-    const auto checkOf = [&](const QString &key) { return indexOfKey(view, key).data(Qt::CheckStateRole); };
-    QCOMPARE(checkOf(at("docs")), QVariant());
-
-    QVERIFY(goTo(view, at("later")));
-    QCOMPARE(view.ItemDisplayName(), at("later") + QStringLiteral(" (Unavailable)"));
-    QCOMPARE(view.ItemIcon(), QStringLiteral("FolderUnavailable"));
-    QCOMPARE(checkOf(at("later")).toInt(), int(Qt::Checked));
+    // A node as "display name|image|check state", "-" without one.
+    const auto node = [&](const QString &key) {
+        const QVariant check = indexOfKey(view, key).data(Qt::CheckStateRole);
+        return goTo(view, key) ? view.ItemDisplayName() + '|' + view.ItemIcon() + '|'
+                + (check.isValid() ? QString::number(check.toInt()) : QStringLiteral("-"))
+                               : QStringLiteral("no node");
+    };
+    const QString unavailable = at("later") + QStringLiteral(" (Unavailable)|FolderUnavailable|2");
+    QCOMPARE(node(at("docs")), "docs|" + folderType() + "|-");
+    QCOMPARE(node(at("later")), unavailable);
 
     // Made on disk, it becomes a normal node at the next refresh; removed again, unavailable again.
     QVERIFY(makeTree(m_root, {"later/", "later/sub/"}));
     view.Refresh();
-    QVERIFY(goTo(view, at("later")));
-    QCOMPARE(view.ItemDisplayName(), QStringLiteral("later"));
-    QCOMPARE(view.ItemIcon(), folderType());
-    QCOMPARE(checkOf(at("later")).toInt(), int(Qt::Unchecked));
+    QCOMPARE(node(at("later")), "later|" + folderType() + "|0");
     QVERIFY(goTo(view, at("later/sub")));
     QVERIFY(FileOperations::deleteFolder(at("later")));
     view.Refresh();
-    QVERIFY(goTo(view, at("later")));
-    QCOMPARE(view.ItemDisplayName(), at("later") + QStringLiteral(" (Unavailable)"));
-    QCOMPARE(checkOf(at("later")).toInt(), int(Qt::Checked));
+    QCOMPARE(node(at("later")), unavailable);
     QVERIFY(!goTo(view, at("later/sub")));
     QCOMPARE(view.GetMyFolders().size(), 2);
 }
@@ -434,20 +428,19 @@ void TestKelofolderView::keys_data()
     const QString confirm
         = QStringLiteral("Confirm Folder Delete|Are you sure you want to remove the folder 'src' and\r\n"
                          "move all its contents to the Recycle Bin?");
-    const int ctrl = int(Qt::ControlModifier);
-    QTest::newRow("Delete, Yes") << int(Qt::Key_Delete) << 0 << QList<int>{6} << QStringList{"dst/"}
-                                 << QStringList{confirm};
-    QTest::newRow("Delete, No") << int(Qt::Key_Delete) << 0 << QList<int>{7} << untouched << QStringList{confirm};
-    QTest::newRow("Ctrl+C, Ctrl+V") << int(Qt::Key_C) << ctrl << QList<int>{}
-                                    << QStringList{"dst/", "dst/src/", "dst/src/f.txt=x", "src/", "src/f.txt=x"}
-                                    << QStringList{};
-    QTest::newRow("Ctrl+X, Ctrl+V") << int(Qt::Key_X) << ctrl << QList<int>{}
-                                    << QStringList{"dst/", "dst/src/", "dst/src/f.txt=x"} << QStringList{};
-    QTest::newRow("C alone") << int(Qt::Key_C) << 0 << QList<int>{} << untouched << QStringList{};
-    QTest::newRow("Ctrl+Shift+X") << int(Qt::Key_X) << int(Qt::ControlModifier | Qt::ShiftModifier) << QList<int>{}
-                                  << untouched << QStringList{};
-    QTest::newRow("Alt+X") << int(Qt::Key_X) << int(Qt::AltModifier) << QList<int>{} << untouched << QStringList{};
-    QTest::newRow("Ctrl+D") << int(Qt::Key_D) << ctrl << QList<int>{} << untouched << QStringList{};
+    const auto row = [](const char *name, Qt::Key key, Qt::KeyboardModifiers modifiers, QList<int> answers,
+                         const QStringList &disk, const QStringList &boxes = {}) {
+        QTest::newRow(name) << int(key) << int(modifiers) << answers << disk << boxes;
+    };
+    const Qt::KeyboardModifiers ctrl = Qt::ControlModifier;
+    row("Delete, Yes", Qt::Key_Delete, {}, {6}, {"dst/"}, {confirm});
+    row("Delete, No", Qt::Key_Delete, {}, {7}, untouched, {confirm});
+    row("Ctrl+C, Ctrl+V", Qt::Key_C, ctrl, {}, {"dst/", "dst/src/", "dst/src/f.txt=x", "src/", "src/f.txt=x"});
+    row("Ctrl+X, Ctrl+V", Qt::Key_X, ctrl, {}, {"dst/", "dst/src/", "dst/src/f.txt=x"});
+    row("C alone", Qt::Key_C, {}, {}, untouched);
+    row("Ctrl+Shift+X", Qt::Key_X, ctrl | Qt::ShiftModifier, {}, untouched);
+    row("Alt+X", Qt::Key_X, Qt::AltModifier, {}, untouched);
+    row("Ctrl+D", Qt::Key_D, ctrl, {}, untouched);
 }
 
 void TestKelofolderView::keys()
@@ -583,27 +576,23 @@ void TestKelofolderView::drops()
     QCOMPARE(view.Path(), at("target"));
     const QPoint point = tree->visualRect(indexOfKey(view, at("target"))).center();
     std::unique_ptr<QMimeData> data(fileListMimeData({at("f.txt")}));
+    const auto accepted = [&](auto &&event) {
+        QApplication::sendEvent(tree->viewport(), &event);
+        return event.isAccepted();
+    };
     const Qt::KeyboardModifiers modifiers = ctrl ? Qt::ControlModifier : Qt::NoModifier;
-    QDragEnterEvent enter(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
-    QApplication::sendEvent(tree->viewport(), &enter);
-    QVERIFY(enter.isAccepted());
-    QDragMoveEvent move(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
-    QApplication::sendEvent(tree->viewport(), &move);
-    QVERIFY(move.isAccepted());
+    const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+    QVERIFY(accepted(QDragEnterEvent(point, actions, data.get(), Qt::LeftButton, modifiers)));
+    QVERIFY(accepted(QDragMoveEvent(point, actions, data.get(), Qt::LeftButton, modifiers)));
     QCOMPARE(tree->currentIndex(), indexOfKey(view, at("target")));
     QVERIFY(tree->isExpanded(indexOfKey(view, at("target"))));
-    QDropEvent drop(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
-    QApplication::sendEvent(tree->viewport(), &drop);
+    accepted(QDropEvent(point, actions, data.get(), Qt::LeftButton, modifiers));
     QStringList expected{"f.txt=data", "other/", "target/", "target/f.txt=data", "target/sub/"};
     if (!ctrl)
         expected.removeFirst();
     QCOMPARE(readTree(m_root), expected);
-
-    // No drops at all in mode 0.
-    view.setOLEDropMode(0);
-    QDragMoveEvent refused(point, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, modifiers);
-    QApplication::sendEvent(tree->viewport(), &refused);
-    QVERIFY(!refused.isAccepted());
+    view.setOLEDropMode(0); // no drops at all
+    QVERIFY(!accepted(QDragMoveEvent(point, actions, data.get(), Qt::LeftButton, modifiers)));
 }
 
 void TestKelofolderView::itemAndImageMembers()
