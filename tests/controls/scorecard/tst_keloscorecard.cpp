@@ -230,9 +230,6 @@ private Q_SLOTS:
             << "FontColor" << QVariant(qint64(0x80000012)) << true << QVariant(0x80000012u) << true;
         QTest::newRow("RGB colour from int")
             << "TickLineColor" << QVariant(0x00FF8040) << true << QVariant(0x00FF8040u) << true;
-        QTest::newRow("enum from int") << "Style" << QVariant(7) << true << QVariant(7) << true;
-        QTest::newRow("enum from key") << "Style" << QVariant(QStringLiteral("GaugeRainbow")) << true << QVariant(9)
-                                       << true;
         QTest::newRow("enum at current value is silent") << "Style" << QVariant(0) << true << QVariant(0) << false;
         QTest::newRow("ShowValue last member") << "ShowValue" << QVariant(6) << true << QVariant(6) << true;
         QTest::newRow("ToolTipStyle out of range ignored")
