@@ -83,6 +83,7 @@ struct Pool
         pool.advance();
         pool.movement(surface.get(), x, y, style);
     }
+
     void ticks(int count)
     {
         for (int i = 0; i < count; ++i) {

@@ -79,6 +79,7 @@ private:
     {
         return m_config->path() + QStringLiteral("/Kelocontrols/") + appName + QStringLiteral(".ini");
     }
+
     // The store's accesses for `keys` of one theme, as the access hook records them.
     static QStringList accesses(const char *kind, const QString &theme, const QStringList &keys)
     {
@@ -336,24 +337,14 @@ private Q_SLOTS:
         QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("Kelochameleon"));
         QVERIFY(QFileInfo::exists(iniPath(QStringLiteral("Kelochameleon"))));
 
-        // Fetched afresh at each call: a renamed chameleon uses its new name.
+        // Fetched afresh at each call: a renamed chameleon uses its new name
+        // (chameleons of one name on other forms share their themes, see the first test).
         unnamed->setObjectName(QStringLiteral("frmMain_Chameleon"));
         QVERIFY(!unnamed->GetTheme());
         QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("frmMain_Chameleon"));
         unnamed->setObjectName(QString());
         QVERIFY(unnamed->GetTheme());
         QCOMPARE(unnamed->settingsApplicationName(), QStringLiteral("Kelochameleon"));
-
-        // Chameleons with the same name share their themes, whatever their form.
-        QWidget formA;
-        QWidget formB;
-        Kelochameleon *a = chameleonFor(QStringLiteral("Shared"), &formA);
-        Kelochameleon *b = chameleonFor(QStringLiteral("Shared"), &formB);
-        a->setColorStepRate(99);
-        a->SaveTheme();
-        QVERIFY(b->GetTheme());
-        QCOMPARE(b->ColorStepRate(), 99);
-        QVERIFY(!chameleonFor(QStringLiteral("Shared"), &formB, QStringLiteral("Kelochameleon2"))->GetTheme());
     }
 
     void showReadsTheThemeWhenUsedOrReportsItMissing()

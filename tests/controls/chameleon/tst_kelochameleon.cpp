@@ -90,16 +90,19 @@ struct Form
         widget->resize(250, 250);
         chameleon->setObjectName(QStringLiteral("Kelochameleon1"));
     }
+
     void fixedColour(OleColor colour)
     {
         chameleon->setBackgroundStyle(keloBackgroundStyle::FixedColor);
         chameleon->setNewBackColor(colour);
     }
+
     void changeFont(const QFont &font)
     {
         chameleon->setFontStyle(keloFontStyle::ChangeFont);
         chameleon->setNewFont(font);
     }
+
     void picture(const QString &path, keloPictureStyle style)
     {
         chameleon->setBackgroundStyle(keloBackgroundStyle::Picture);
