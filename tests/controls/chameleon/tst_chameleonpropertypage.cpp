@@ -240,10 +240,6 @@ private Q_SLOTS:
             (QStringList{"ThemeIsUsed=false", "ThemeName=Oceanx", "BackgroundPicture=/a.pngx", "ColorStepRate=12",
                 "ColorMaximum=90", "ColorMinimum=30", "ColorMaximum=90", "Interval=2500"}));
         QVERIFY(!page.changed());
-        // Applying an untouched page writes the same set again.
-        control.log.clear();
-        page.ApplyChanges();
-        QCOMPARE(control.log.size(), 8);
     }
 
     void slidersKeepTheRangeInOrder()
@@ -424,7 +420,7 @@ private Q_SLOTS:
         ChameleonPropertyPage page;
         page.setSelectedControls({&control});
         slider(page, "ColorStepRate")->setValue(21);
-        page.Commands(ChameleonPropertyPage::SaveThemeCommand)->click();
+        page.Commands(ChameleonPropertyPage::SaveThemeCommand)->click(); // an untouched field is written as well
         QCOMPARE(control.log,
             (QStringList{"ThemeIsUsed=true", "ThemeName=Ocean", "BackgroundPicture=/a.png", "ColorStepRate=21",
                 "ColorMaximum=240", "ColorMinimum=10", "ColorMaximum=240", "Interval=1200", "SaveTheme()"}));

@@ -245,10 +245,6 @@ private Q_SLOTS:
         QTest::newRow("step rate -1") << QStringList{"ColorStepRate=-1"} << "0 255 0";
         QTest::newRow("minimum -10") << QStringList{"ColorMinimum=-10"} << "0 255 10";
         QTest::newRow("maximum 999") << QStringList{"ColorMaximum=999"} << "0 255 10";
-        QTest::newRow("maximum first, then minimum above it")
-            << QStringList{"ColorMaximum=100", "ColorMinimum=150"} << "100 100 10";
-        QTest::newRow("minimum first, then maximum below it")
-            << QStringList{"ColorMinimum=150", "ColorMaximum=100"} << "150 150 10";
         QTest::newRow("maximum, minimum, maximum again") << QStringList{"ColorMaximum=100", "ColorMinimum=150",
             "ColorMaximum=200", "ColorMinimum=150"} << "150 200 10";
     }
