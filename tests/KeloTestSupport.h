@@ -204,15 +204,10 @@ public:
     }
     QList<int> styles() const
     {
-        QList<int> result;
-        for (const Box &box : boxes)
-            result << box.style;
-        return result;
+        return collect([](const Box &box) { return box.style; });
     }
-
     /// The answers for the next boxes; boxes beyond them are answered OK.
     void setAnswers(QList<int> answers) { m_answers = std::move(answers); }
-
     /// Each box as "<title>|<style>|<prompt>", in the order shown.
     QStringList titled() const
     {
@@ -237,9 +232,9 @@ public:
 
 private:
     template<typename Field>
-    QStringList collect(Field field) const
+    auto collect(Field field) const
     {
-        QStringList result;
+        QList<std::decay_t<decltype(field(Box()))>> result;
         for (const Box &box : boxes)
             result << field(box);
         return result;
