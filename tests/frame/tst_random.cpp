@@ -65,25 +65,20 @@ private Q_SLOTS:
         }
     }
 
-    void zeroRepeatsWithoutAdvancing()
+    void zeroRepeatsAndPositiveAdvances()
     {
-        // Before any number is drawn, Rnd(0) gives the start-up seed's value.
+        // Before any number is drawn, Rnd(0) gives the start-up seed's value; NaN is no reason to reseed or repeat.
         QCOMPARE(Rnd(0.0f), 0.01953125f);
         QCOMPARE(Rnd(-0.0f), 0.01953125f);
-        const float first = Rnd();
-        QCOMPARE(Rnd(0.0f), first);
-        QCOMPARE(Rnd(0.0f), first);
-        QCOMPARE(Rnd(), valueOf(nextSeed(nextSeed(0x50000))));
-    }
-
-    void positiveArgumentAdvances()
-    {
-        QCOMPARE(Rnd(1.0f), valueOf(nextSeed(0x50000)));
-        QCOMPARE(Rnd(std::numeric_limits<float>::denorm_min()), valueOf(nextSeed(nextSeed(0x50000))));
-        QCOMPARE(Rnd(1e30f), valueOf(nextSeed(nextSeed(nextSeed(0x50000)))));
-        // NaN is no reason to reseed or repeat: it advances like a positive number.
-        QCOMPARE(
-            Rnd(std::numeric_limits<float>::quiet_NaN()), valueOf(nextSeed(nextSeed(nextSeed(nextSeed(0x50000))))));
+        std::uint32_t seed = 0x50000;
+        using F = std::numeric_limits<float>;
+        for (float number : {1.0f, F::denorm_min(), 1e30f, F::quiet_NaN()}) {
+            seed = nextSeed(seed);
+            QCOMPARE(Rnd(number), valueOf(seed));
+            QCOMPARE(Rnd(0.0f), valueOf(seed));
+            QCOMPARE(Rnd(0.0f), valueOf(seed));
+        }
+        QCOMPARE(Rnd(), valueOf(nextSeed(seed)));
     }
 
     void negativeArgumentReseeds_data()
@@ -91,13 +86,11 @@ private Q_SLOTS:
         // The seed is the float's low 24 bits plus its top byte; the value comes from the seed after it.
         QTest::addColumn<float>("number");
         QTest::addColumn<uint>("seed");
-        QTest::newRow("-1") << -1.0f << 0x395886u;
-        QTest::newRow("-0.5") << -0.5f << 0xB95886u;
-        QTest::newRow("-123.456") << -123.456f << 0x658C12u;
-        QTest::newRow("-1e10") << -1e10f << 0x2AF768u;
-        QTest::newRow("-denormal") << -std::numeric_limits<float>::denorm_min() << 0x62E140u;
-        QTest::newRow("-max") << std::numeric_limits<float>::lowest() << 0x8D13C9u;
-        QTest::newRow("-infinity") << -std::numeric_limits<float>::infinity() << 0x8A57C6u;
+        using F = std::numeric_limits<float>;
+        for (const auto &[number, seed] :
+            {std::pair{-1.0f, 0x395886u}, {-0.5f, 0xB95886u}, {-123.456f, 0x658C12u}, {-1e10f, 0x2AF768u},
+                {-F::denorm_min(), 0x62E140u}, {F::lowest(), 0x8D13C9u}, {-F::infinity(), 0x8A57C6u}})
+            QTest::addRow("%g", double(number)) << number << seed;
     }
 
     void negativeArgumentReseeds()
@@ -118,11 +111,9 @@ private Q_SLOTS:
         // top 32 bits, combined, in the middle.
         QTest::addColumn<double>("number");
         QTest::addColumn<uint>("seed");
-        QTest::newRow("0") << 0.0 << 0x000086u;
-        QTest::newRow("1") << 1.0 << 0x3FF086u;
-        QTest::newRow("-1") << -1.0 << 0xBFF086u;
-        QTest::newRow("12345.678") << 12345.678 << 0x5C1E86u;
-        QTest::newRow("1e300") << 1e300 << 0x9A0B86u;
+        for (const auto &[number, seed] : {std::pair{0.0, 0x000086u}, {1.0, 0x3FF086u}, {-1.0, 0xBFF086u},
+                 {12345.678, 0x5C1E86u}, {1e300, 0x9A0B86u}})
+            QTest::addRow("%g", number) << number << seed;
     }
 
     void randomizeReplacesMiddleBytes()

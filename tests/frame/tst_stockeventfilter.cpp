@@ -1,6 +1,7 @@
 #include "StockEventFilter.h"
 
 #include <QApplication>
+#include <QKeySequence>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QRegularExpression>
@@ -213,31 +214,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("code");
         QTest::addColumn<int>("ascii"); // -1: no KeyPress
 
-        QTest::newRow("a") << Qt::Key_A << u"a"_qs << 65 << 97;
-        QTest::newRow("A") << Qt::Key_A << u"A"_qs << 65 << 65;
-        QTest::newRow("Z") << Qt::Key_Z << u"z"_qs << 90 << 122;
-        QTest::newRow("0") << Qt::Key_0 << u"0"_qs << 48 << 48;
-        QTest::newRow("9") << Qt::Key_9 << u"9"_qs << 57 << 57;
-        QTest::newRow("Return") << Qt::Key_Return << u"\r"_qs << 13 << 13;
-        QTest::newRow("keypad Enter") << Qt::Key_Enter << u"\r"_qs << 13 << 13;
-        QTest::newRow("Escape") << Qt::Key_Escape << u"\x1b"_qs << 27 << 27;
-        QTest::newRow("Backspace") << Qt::Key_Backspace << u"\b"_qs << 8 << 8;
-        QTest::newRow("Tab") << Qt::Key_Tab << u"\t"_qs << 9 << 9;
-        QTest::newRow("Space") << Qt::Key_Space << u" "_qs << 32 << 32;
-        QTest::newRow("F1") << Qt::Key_F1 << QString() << 112 << -1;
-        QTest::newRow("F12") << Qt::Key_F12 << QString() << 123 << -1;
-        QTest::newRow("Left") << Qt::Key_Left << QString() << 37 << -1;
-        QTest::newRow("Up") << Qt::Key_Up << QString() << 38 << -1;
-        QTest::newRow("Right") << Qt::Key_Right << QString() << 39 << -1;
-        QTest::newRow("Down") << Qt::Key_Down << QString() << 40 << -1;
-        QTest::newRow("PageUp") << Qt::Key_PageUp << QString() << 33 << -1;
-        QTest::newRow("PageDown") << Qt::Key_PageDown << QString() << 34 << -1;
-        QTest::newRow("End") << Qt::Key_End << QString() << 35 << -1;
-        QTest::newRow("Home") << Qt::Key_Home << QString() << 36 << -1;
-        QTest::newRow("Insert") << Qt::Key_Insert << QString() << 45 << -1;
-        QTest::newRow("Delete") << Qt::Key_Delete << u"\x7f"_qs << 46 << -1;
-        QTest::newRow("e acute") << Qt::Key_Eacute << u"\u00e9"_qs << 0 << 233;
-        QTest::newRow("euro sign, no 8-bit code") << Qt::Key_unknown << u"\u20ac"_qs << 0 << -1;
+        for (const auto &[key, text, code, ascii] :
+            {std::tuple<Qt::Key, const char16_t *, int, int>{Qt::Key_A, u"a", 65, 97}, {Qt::Key_A, u"A", 65, 65},
+                {Qt::Key_Z, u"z", 90, 122}, {Qt::Key_0, u"0", 48, 48}, {Qt::Key_9, u"9", 57, 57},
+                {Qt::Key_Return, u"\r", 13, 13}, {Qt::Key_Enter, u"\r", 13, 13}, {Qt::Key_Escape, u"\x1b", 27, 27},
+                {Qt::Key_Backspace, u"\b", 8, 8}, {Qt::Key_Tab, u"\t", 9, 9}, {Qt::Key_Space, u" ", 32, 32},
+                {Qt::Key_F1, u"", 112, -1}, {Qt::Key_F12, u"", 123, -1}, {Qt::Key_Left, u"", 37, -1},
+                {Qt::Key_Up, u"", 38, -1}, {Qt::Key_Right, u"", 39, -1}, {Qt::Key_Down, u"", 40, -1},
+                {Qt::Key_PageUp, u"", 33, -1}, {Qt::Key_PageDown, u"", 34, -1}, {Qt::Key_End, u"", 35, -1},
+                {Qt::Key_Home, u"", 36, -1}, {Qt::Key_Insert, u"", 45, -1}, {Qt::Key_Delete, u"\x7f", 46, -1},
+                {Qt::Key_Eacute, u"\u00e9", 0, 233}, {Qt::Key_unknown, u"\u20ac", 0, -1}})
+            QTest::addRow("%s %d %d", qPrintable(QKeySequence(key).toString()), code, ascii)
+                << key << QString::fromUtf16(text) << code << ascii;
     }
 
     void keyCodes()
