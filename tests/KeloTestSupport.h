@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -231,10 +232,10 @@ public:
     QList<Box> boxes;
 
 private:
-    template<typename Field>
-    auto collect(Field field) const
+    template<typename Field, typename T = std::decay_t<std::invoke_result_t<Field, const Box &>>>
+    QList<T> collect(Field field) const
     {
-        QList<std::decay_t<decltype(field(Box()))>> result;
+        QList<T> result;
         for (const Box &box : boxes)
             result << field(box);
         return result;
