@@ -110,21 +110,24 @@ inline QStringList firstArguments(const QSignalSpy &spy)
     return texts;
 }
 
-/// Points XDG_CONFIG_HOME at a fresh temporary folder for its lifetime, then puts the old value back.
+/// Points XDG_CONFIG_HOME (or the environment variable `variable`) at a fresh temporary folder for its lifetime, then
+/// puts the old value back.
 class ScopedConfigHome
 {
 public:
-    ScopedConfigHome()
-        : m_saved(qgetenv("XDG_CONFIG_HOME"))
+    explicit ScopedConfigHome(const char *variable = "XDG_CONFIG_HOME")
+        : m_variable(variable)
+        , m_saved(qgetenv(variable))
     {
-        qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
+        qputenv(variable, m_dir.path().toUtf8());
     }
-    ~ScopedConfigHome() { qputenv("XDG_CONFIG_HOME", m_saved); }
+    ~ScopedConfigHome() { qputenv(m_variable, m_saved); }
     QString path() const { return m_dir.path(); }
     bool isValid() const { return m_dir.isValid(); }
 
 private:
     QTemporaryDir m_dir;
+    const char *m_variable;
     QByteArray m_saved;
 };
 

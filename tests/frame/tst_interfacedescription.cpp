@@ -27,14 +27,7 @@ QStringList section(const QString &description, const QString &title)
 {
     const QStringList lines = description.split(QLatin1Char('\n'));
     const qsizetype start = lines.indexOf(title);
-    if (start < 0) {
-        return {};
-    }
-    QStringList result;
-    for (qsizetype i = start + 1; i < lines.size() && !lines.at(i).isEmpty(); ++i) {
-        result << lines.at(i);
-    }
-    return result;
+    return start < 0 ? QStringList() : lines.mid(start + 1, lines.indexOf(QString(), start) - start - 1);
 }
 
 /// The member lines of a section, without the help lines under them.

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <optional>
 #include <tuple>
 
 using namespace Kelocontrols;
@@ -22,19 +23,15 @@ class TestSettingsStore : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_savedXdg = qgetenv("XDG_CONFIG_HOME");
-        m_savedHome = qgetenv("HOME");
-        m_config = std::make_unique<QTemporaryDir>();
-        m_home = std::make_unique<QTemporaryDir>();
+        m_config.emplace();
+        m_home.emplace("HOME");
         QVERIFY(m_config->isValid() && m_home->isValid());
-        qputenv("XDG_CONFIG_HOME", m_config->path().toUtf8());
-        qputenv("HOME", m_home->path().toUtf8());
     }
 
     void cleanup()
     {
-        qputenv("XDG_CONFIG_HOME", m_savedXdg);
-        qputenv("HOME", m_savedHome);
+        m_home.reset();
+        m_config.reset();
         setSettingsAccessHook({});
     }
 
@@ -238,10 +235,8 @@ private:
         return m_config->path() + u"/Kelocontrols/"_qs + appName + u".ini"_qs;
     }
 
-    std::unique_ptr<QTemporaryDir> m_config;
-    std::unique_ptr<QTemporaryDir> m_home;
-    QByteArray m_savedXdg;
-    QByteArray m_savedHome;
+    std::optional<KeloTest::ScopedConfigHome> m_config;
+    std::optional<KeloTest::ScopedConfigHome> m_home;
 };
 
 QTEST_GUILESS_MAIN(TestSettingsStore)
