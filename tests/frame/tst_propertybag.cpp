@@ -201,11 +201,9 @@ private Q_SLOTS:
                                                                       "Count=int:5\r\n"
                                                                       "\tLimit   =   double:  2.5   \r\n"
                                                                       "Last = bool:False"));
-        QCOMPARE(read.names(), (QStringList{u"Caption"_qs, u"Count"_qs, u"Limit"_qs, u"Last"_qs}));
-        QCOMPARE(read.ReadProperty(u"Caption"_qs), QVariant(u"# not a comment = int:1"_qs));
-        QCOMPARE(read.ReadProperty(u"Count"_qs), QVariant(5));
-        QCOMPARE(read.ReadProperty(u"Limit"_qs), QVariant(2.5));
-        QCOMPARE(read.ReadProperty(u"Last"_qs), QVariant(false));
+        QCOMPARE(read.toText(),
+            QStringLiteral("Caption = string:\"# not a comment = int:1\"\nCount = int:5\n"
+                           "Limit = double:2.5\nLast = bool:False\n"));
 
         // An empty bag is an empty text, and an empty text an empty bag.
         QCOMPARE(PropertyBag().toText(), QString());
