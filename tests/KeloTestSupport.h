@@ -19,6 +19,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
 #include <initializer_list>
 #include <type_traits>
 #include <utility>
@@ -198,18 +199,9 @@ public:
     MsgBoxRecorder(const MsgBoxRecorder &) = delete;
     MsgBoxRecorder &operator=(const MsgBoxRecorder &) = delete;
 
-    QStringList prompts() const
-    {
-        return collect([](const Box &box) { return box.prompt; });
-    }
-    QStringList titles() const
-    {
-        return collect([](const Box &box) { return box.title; });
-    }
-    QList<int> styles() const
-    {
-        return collect([](const Box &box) { return box.style; });
-    }
+    QStringList prompts() const { return collect(&Box::prompt); }
+    QStringList titles() const { return collect(&Box::title); }
+    QList<int> styles() const { return collect(&Box::style); }
     /// The answers for the next boxes; boxes beyond them are answered OK.
     void setAnswers(QList<int> answers) { m_answers = std::move(answers); }
     /// Each box as "<title>|<style>|<prompt>", in the order shown.
@@ -240,7 +232,7 @@ private:
     {
         QList<T> result;
         for (const Box &box : boxes)
-            result << field(box);
+            result << std::invoke(field, box);
         return result;
     }
 
