@@ -19,7 +19,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -109,21 +111,24 @@ inline QStringList firstArguments(const QSignalSpy &spy)
     return texts;
 }
 
-/// Points XDG_CONFIG_HOME at a fresh temporary folder for its lifetime, then puts the old value back.
+/// Points XDG_CONFIG_HOME (or the environment variable `variable`) at a fresh temporary folder for its lifetime, then
+/// puts the old value back.
 class ScopedConfigHome
 {
 public:
-    ScopedConfigHome()
-        : m_saved(qgetenv("XDG_CONFIG_HOME"))
+    explicit ScopedConfigHome(const char *variable = "XDG_CONFIG_HOME")
+        : m_variable(variable)
+        , m_saved(qgetenv(variable))
     {
-        qputenv("XDG_CONFIG_HOME", m_dir.path().toUtf8());
+        qputenv(variable, m_dir.path().toUtf8());
     }
-    ~ScopedConfigHome() { qputenv("XDG_CONFIG_HOME", m_saved); }
+    ~ScopedConfigHome() { qputenv(m_variable, m_saved); }
     QString path() const { return m_dir.path(); }
     bool isValid() const { return m_dir.isValid(); }
 
 private:
     QTemporaryDir m_dir;
+    const char *m_variable;
     QByteArray m_saved;
 };
 
@@ -194,25 +199,11 @@ public:
     MsgBoxRecorder(const MsgBoxRecorder &) = delete;
     MsgBoxRecorder &operator=(const MsgBoxRecorder &) = delete;
 
-    QStringList prompts() const
-    {
-        return collect([](const Box &box) { return box.prompt; });
-    }
-    QStringList titles() const
-    {
-        return collect([](const Box &box) { return box.title; });
-    }
-    QList<int> styles() const
-    {
-        QList<int> result;
-        for (const Box &box : boxes)
-            result << box.style;
-        return result;
-    }
-
+    QStringList prompts() const { return collect(&Box::prompt); }
+    QStringList titles() const { return collect(&Box::title); }
+    QList<int> styles() const { return collect(&Box::style); }
     /// The answers for the next boxes; boxes beyond them are answered OK.
     void setAnswers(QList<int> answers) { m_answers = std::move(answers); }
-
     /// Each box as "<title>|<style>|<prompt>", in the order shown.
     QStringList titled() const
     {
@@ -236,12 +227,12 @@ public:
     QList<Box> boxes;
 
 private:
-    template<typename Field>
-    QStringList collect(Field field) const
+    template<typename Field, typename T = std::decay_t<std::invoke_result_t<Field, const Box &>>>
+    QList<T> collect(Field field) const
     {
-        QStringList result;
+        QList<T> result;
         for (const Box &box : boxes)
-            result << field(box);
+            result << std::invoke(field, box);
         return result;
     }
 

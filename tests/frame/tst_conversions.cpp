@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 using namespace Kelocontrols;
 using KeloTest::errorNumberOf;
@@ -17,21 +18,25 @@ namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr int overflow = ErrorNumber::Overflow;
+constexpr int mismatch = ErrorNumber::TypeMismatch;
 
 // Sets the process locale for one test and puts the previous one back.
-class LocaleScope
+struct LocaleScope
 {
-public:
-    explicit LocaleScope(const QLocale &locale)
-        : m_saved(QLocale())
+    explicit LocaleScope(QLocale::Language language, QLocale::Country country)
     {
-        QLocale::setDefault(locale);
+        QLocale::setDefault(QLocale(language, country));
     }
-    ~LocaleScope() { QLocale::setDefault(m_saved); }
-
-private:
-    QLocale m_saved;
+    ~LocaleScope() { QLocale::setDefault(saved); }
+    const QLocale saved;
 };
+
+/// A row tag naming a variant by its type and value.
+QByteArray tagOf(const QVariant &value)
+{
+    return QByteArray(value.typeName() ? value.typeName() : "Empty") + ' ' + value.toString().toUtf8();
+}
 
 } // namespace
 
@@ -40,307 +45,200 @@ class TestConversions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void roundHalfEvenRounds_data();
-    void roundHalfEvenRounds();
-    void wholeNumbersFromDouble_data();
-    void wholeNumbersFromDouble();
-    void variantsConvert_data();
-    void variantsConvert();
-    void textsInTheProcessLocale();
-    void cSngRange();
-    void cBool_data();
-    void cBool();
-    void percentFormat_data();
-    void percentFormat();
-    void percentFormatFollowsLocale();
-    void dateTexts();
-};
+    void roundHalfEvenRounds_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<double>("expected");
+        // Halves go to the even neighbour; a hair off a half does not.
+        for (const auto &[value, expected] :
+            {std::pair{2.5, 2.0}, {3.5, 4.0}, {-2.5, -2.0}, {-3.5, -4.0}, {0.5, 0.0}, {-0.5, 0.0},
+                {0.49999999999999994, 0.0}, {2.5000000000000004, 3.0}, {3.4999999999999996, 3.0},
+                {-0.49999999999999994, 0.0}, {-0.5000000000000001, -1.0}, {-2.6, -3.0}, {-2.4, -2.0}, {7.0, 7.0},
+                {4503599627370497.0, 4503599627370497.0}, {4503599627370496.5, 4503599627370496.0},
+                {4503599627370497.5, 4503599627370498.0}, {1e300, 1e300}, {Infinity, Infinity}, {-Infinity, -Infinity}})
+            QTest::addRow("%.17g", value) << value << expected;
+    }
 
-void TestConversions::roundHalfEvenRounds_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("expected");
+    void roundHalfEvenRounds()
+    {
+        QFETCH(double, value);
+        QFETCH(double, expected);
+        QCOMPARE(roundHalfEven(value), expected);
+    }
 
-    QTest::newRow("2.5") << 2.5 << 2.0;
-    QTest::newRow("3.5") << 3.5 << 4.0;
-    QTest::newRow("-2.5") << -2.5 << -2.0;
-    QTest::newRow("-3.5") << -3.5 << -4.0;
-    QTest::newRow("0.5") << 0.5 << 0.0;
-    QTest::newRow("1.5") << 1.5 << 2.0;
-    QTest::newRow("-0.5") << -0.5 << 0.0;
-    QTest::newRow("-1.5") << -1.5 << -2.0;
-    QTest::newRow("just below half") << 0.49999999999999994 << 0.0;
-    QTest::newRow("just above 2.5") << 2.5000000000000004 << 3.0;
-    QTest::newRow("just below 3.5") << 3.4999999999999996 << 3.0;
-    QTest::newRow("just above -0.5") << -0.49999999999999994 << 0.0;
-    QTest::newRow("just below -0.5") << -0.5000000000000001 << -1.0;
-    QTest::newRow("-2.6") << -2.6 << -3.0;
-    QTest::newRow("-2.4") << -2.4 << -2.0;
-    QTest::newRow("whole") << 7.0 << 7.0;
-    QTest::newRow("2^52 + 1") << 4503599627370497.0 << 4503599627370497.0;
-    QTest::newRow("2^52 + 0.5") << 4503599627370496.5 << 4503599627370496.0;
-    QTest::newRow("2^52 + 1.5") << 4503599627370497.5 << 4503599627370498.0;
-    QTest::newRow("huge") << 1e300 << 1e300;
-    QTest::newRow("infinity") << Infinity << Infinity;
-    QTest::newRow("-infinity") << -Infinity << -Infinity;
-}
+    void wholeNumbersFromDouble_data()
+    {
+        QTest::addColumn<bool>("isLong"); // CLng (32 bits), else CInt (16 bits)
+        QTest::addColumn<double>("value");
+        QTest::addColumn<qint32>("expected");
+        QTest::addColumn<int>("error");
+        const qint32 max = std::numeric_limits<qint32>::max();
+        const qint32 min = std::numeric_limits<qint32>::min();
+        for (const auto &[value, expected, error] : {std::tuple{2.5, 2, 0}, {3.5, 4, 0}, {-0.5, 0, 0},
+                 {32767.0, 32767, 0}, {32767.4, 32767, 0}, {32766.5, 32766, 0}, {32767.5, 0, overflow},
+                 {32768.0, 0, overflow}, {-32768.0, -32768, 0}, {-32768.5, -32768, 0}, {-32768.6, 0, overflow},
+                 {-32769.5, 0, overflow}, {NaN, 0, overflow}, {Infinity, 0, overflow}, {-Infinity, 0, overflow}})
+            QTest::addRow("CInt %.17g", value) << false << value << expected << error;
+        for (const auto &[value, expected, error] : {std::tuple{2.5, 2, 0}, {-3.5, -4, 0}, {40000.5, 40000, 0},
+                 {2147483647.0, max, 0}, {2147483647.4, max, 0}, {2147483647.5, 0, overflow}, {-2147483648.5, min, 0},
+                 {-2147483649.0, 0, overflow}, {1e10, 0, overflow}, {NaN, 0, overflow}})
+            QTest::addRow("CLng %.17g", value) << true << value << expected << error;
+    }
 
-void TestConversions::roundHalfEvenRounds()
-{
-    QFETCH(double, value);
-    QFETCH(double, expected);
-    QCOMPARE(roundHalfEven(value), expected);
-}
+    void wholeNumbersFromDouble()
+    {
+        QFETCH(bool, isLong);
+        QFETCH(double, value);
+        QFETCH(qint32, expected);
+        QFETCH(int, error);
+        qint32 result = 0;
+        QCOMPARE(errorNumberOf([&] { result = isLong ? CLng(value) : qint32(CInt(value)); }), error);
+        QCOMPARE(result, expected);
+    }
 
-void TestConversions::wholeNumbersFromDouble_data()
-{
-    QTest::addColumn<bool>("isLong"); // CLng (32 bits), else CInt (16 bits)
-    QTest::addColumn<double>("value");
-    QTest::addColumn<qint32>("expected");
-    QTest::addColumn<int>("error");
+    void variantsConvert_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<double>("number"); // CDbl, and CInt / CLng of it unless an error is expected
+        QTest::addColumn<int>("cintError");
+        QTest::addColumn<int>("cdblError");
+        // Empty and every number type, then texts in the C locale; True is -1.
+        for (const auto &[value, number, cintError] : {std::tuple<QVariant, double, int>{QVariant(), 0.0, 0},
+                 {QVariant::fromValue(nullptr), 0.0, 0}, {true, -1.0, 0}, {false, 0.0, 0}, {42, 42.0, 0}, {7u, 7.0, 0},
+                 {qlonglong(-1234), -1234.0, 0}, {qulonglong(99), 99.0, 0}, {QVariant::fromValue(short(-5)), -5.0, 0},
+                 {QVariant::fromValue(uchar(200)), 200.0, 0}, {2.5f, 2.5, 0}, {3.5, 3.5, 0}, {40000, 40000.0, overflow},
+                 {u"0.5"_qs, 0.5, 0}, {u" 12 "_qs, 12.0, 0}, {u"\t-7\t"_qs, -7.0, 0}, {u"1e3"_qs, 1000.0, 0},
+                 {u"1.5"_qs, 1.5, 0}, {u"32768"_qs, 32768.0, overflow}, {QByteArray("42"), 42.0, 0},
+                 {QChar(u'7'), 7.0, 0}})
+            QTest::addRow("%s", tagOf(value).constData()) << value << number << cintError << 0;
+        // What holds no number is a type mismatch for every conversion.
+        for (const QVariant &value :
+            {QVariant(u"abc"_qs), QVariant(u"12abc"_qs), QVariant(QString()), QVariant(u"   "_qs), QVariant(u"nan"_qs),
+                QVariant(u"inf"_qs), QVariant(u"True"_qs), QVariant(QFont()), QVariant(QStringList{u"1"_qs})})
+            QTest::addRow("%s", tagOf(value).constData()) << value << 0.0 << mismatch << mismatch;
+    }
 
-    const int overflow = ErrorNumber::Overflow;
-    const qint32 max = std::numeric_limits<qint32>::max();
-    const qint32 min = std::numeric_limits<qint32>::min();
-    const auto cint = [](const char *name, double value, qint32 expected, int error = 0) {
-        QTest::addRow("CInt %s", name) << false << value << expected << error;
-    };
-    const auto clng = [](const char *name, double value, qint32 expected, int error = 0) {
-        QTest::addRow("CLng %s", name) << true << value << expected << error;
-    };
-    cint("2.5", 2.5, 2);
-    cint("3.5", 3.5, 4);
-    cint("-0.5", -0.5, 0);
-    cint("32767", 32767.0, 32767);
-    cint("32767.4", 32767.4, 32767);
-    cint("32766.5", 32766.5, 32766);
-    cint("32767.5 overflows", 32767.5, 0, overflow);
-    cint("32768 overflows", 32768.0, 0, overflow);
-    cint("-32768", -32768.0, -32768);
-    cint("-32768.5", -32768.5, -32768);
-    cint("-32768.6 overflows", -32768.6, 0, overflow);
-    cint("-32769.5 overflows", -32769.5, 0, overflow);
-    cint("NaN overflows", NaN, 0, overflow);
-    cint("infinity overflows", Infinity, 0, overflow);
-    cint("-infinity overflows", -Infinity, 0, overflow);
-    clng("2.5", 2.5, 2);
-    clng("-3.5", -3.5, -4);
-    clng("40000.5", 40000.5, 40000);
-    clng("max", 2147483647.0, max);
-    clng("max + 0.4", 2147483647.4, max);
-    clng("max + 0.5 overflows", 2147483647.5, 0, overflow);
-    clng("min - 0.5", -2147483648.5, min);
-    clng("min - 1 overflows", -2147483649.0, 0, overflow);
-    clng("1e10 overflows", 1e10, 0, overflow);
-    clng("NaN overflows", NaN, 0, overflow);
-}
+    void variantsConvert()
+    {
+        QFETCH(QVariant, value);
+        QFETCH(double, number);
+        QFETCH(int, cintError);
+        QFETCH(int, cdblError);
 
-void TestConversions::wholeNumbersFromDouble()
-{
-    QFETCH(bool, isLong);
-    QFETCH(double, value);
-    QFETCH(qint32, expected);
-    QFETCH(int, error);
-    qint32 result = 0;
-    QCOMPARE(errorNumberOf([&] { result = isLong ? CLng(value) : qint32(CInt(value)); }), error);
-    QCOMPARE(result, expected);
-}
-
-void TestConversions::variantsConvert_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<double>("number"); // CDbl, and CInt / CLng of it unless an error is expected
-    QTest::addColumn<int>("cintError");
-    QTest::addColumn<int>("cdblError");
-
-    const int none = 0;
-    const int mismatch = ErrorNumber::TypeMismatch;
-    const int overflow = ErrorNumber::Overflow;
-
-    QTest::newRow("invalid is Empty") << QVariant() << 0.0 << none << none;
-    QTest::newRow("null pointer") << QVariant::fromValue(nullptr) << 0.0 << none << none;
-    QTest::newRow("True") << QVariant(true) << -1.0 << none << none;
-    QTest::newRow("False") << QVariant(false) << 0.0 << none << none;
-    QTest::newRow("int") << QVariant(42) << 42.0 << none << none;
-    QTest::newRow("uint") << QVariant(7u) << 7.0 << none << none;
-    QTest::newRow("long long") << QVariant(qlonglong(-1234)) << -1234.0 << none << none;
-    QTest::newRow("unsigned long long") << QVariant(qulonglong(99)) << 99.0 << none << none;
-    QTest::newRow("short") << QVariant::fromValue(short(-5)) << -5.0 << none << none;
-    QTest::newRow("unsigned char") << QVariant::fromValue(uchar(200)) << 200.0 << none << none;
-    QTest::newRow("float") << QVariant(2.5f) << 2.5 << none << none;
-    QTest::newRow("double") << QVariant(3.5) << 3.5 << none << none;
-    QTest::newRow("int beyond 16 bits") << QVariant(40000) << 40000.0 << overflow << none;
-    QTest::newRow("string 0.5") << QVariant(u"0.5"_qs) << 0.5 << none << none;
-    QTest::newRow("string blanks") << QVariant(u" 12 "_qs) << 12.0 << none << none;
-    QTest::newRow("string tab") << QVariant(u"\t-7\t"_qs) << -7.0 << none << none;
-    QTest::newRow("string exponent") << QVariant(u"1e3"_qs) << 1000.0 << none << none;
-    QTest::newRow("string 1.5") << QVariant(u"1.5"_qs) << 1.5 << none << none;
-    QTest::newRow("string 32768") << QVariant(u"32768"_qs) << 32768.0 << overflow << none;
-    QTest::newRow("byte array") << QVariant(QByteArray("42")) << 42.0 << none << none;
-    QTest::newRow("char") << QVariant(QChar(u'7')) << 7.0 << none << none;
-    QTest::newRow("string abc") << QVariant(u"abc"_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string 12abc") << QVariant(u"12abc"_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("empty string") << QVariant(QString()) << 0.0 << mismatch << mismatch;
-    QTest::newRow("blank string") << QVariant(u"   "_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string nan") << QVariant(u"nan"_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string inf") << QVariant(u"inf"_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string True") << QVariant(u"True"_qs) << 0.0 << mismatch << mismatch;
-    QTest::newRow("font") << QVariant(QFont()) << 0.0 << mismatch << mismatch;
-    QTest::newRow("string list") << QVariant(QStringList{u"1"_qs}) << 0.0 << mismatch << mismatch;
-}
-
-void TestConversions::variantsConvert()
-{
-    QFETCH(QVariant, value);
-    QFETCH(double, number);
-    QFETCH(int, cintError);
-    QFETCH(int, cdblError);
-
-    double asDouble = -99.0;
-    QCOMPARE(errorNumberOf([&] { asDouble = CDbl(value); }), cdblError);
-    if (cdblError == 0)
+        double asDouble = -99.0;
+        QCOMPARE(errorNumberOf([&] { asDouble = CDbl(value); }), cdblError);
+        qint16 asInt = -99;
+        QCOMPARE(errorNumberOf([&] { asInt = CInt(value); }), cintError);
+        if (cdblError != 0) {
+            QCOMPARE(errorNumberOf([&] { CLng(value); }), cdblError);
+            QCOMPARE(errorNumberOf([&] { CSng(value); }), cdblError);
+            return;
+        }
         QCOMPARE(asDouble, number);
-
-    qint16 asInt = -99;
-    QCOMPARE(errorNumberOf([&] { asInt = CInt(value); }), cintError);
-    if (cintError == 0)
-        QCOMPARE(asInt, CInt(number));
-
-    if (cdblError == 0) {
+        if (cintError == 0)
+            QCOMPARE(asInt, CInt(number));
         QCOMPARE(CLng(value), CLng(number));
         QCOMPARE(CSng(value), float(number));
-    } else {
-        QCOMPARE(errorNumberOf([&] { CLng(value); }), cdblError);
-        QCOMPARE(errorNumberOf([&] { CSng(value); }), cdblError);
     }
-}
 
-void TestConversions::textsInTheProcessLocale()
-{
-    LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
-    QCOMPARE(CDbl(u"0,5"_qs), 0.5);
-    QCOMPARE(CInt(u"2,5"_qs), qint16(2));
-    // Texts written by programs keep working in any locale.
-    QCOMPARE(CDbl(u"1.5"_qs), 1.5);
-    QCOMPARE(CDbl(u"1e3"_qs), 1000.0);
-    QCOMPARE(errorNumberOf([] { CDbl(u"0;5"_qs); }), ErrorNumber::TypeMismatch);
-}
-
-void TestConversions::cSngRange()
-{
-    QCOMPARE(CSng(QVariant(0.1)), 0.1f);
-    QCOMPARE(CSng(QVariant(3.4e38)), 3.4e38f);
-    QCOMPARE(CSng(QVariant(double(std::numeric_limits<float>::max()))), std::numeric_limits<float>::max());
-    QCOMPARE(CSng(QVariant(std::numeric_limits<float>::lowest())), std::numeric_limits<float>::lowest());
-    QCOMPARE(errorNumberOf([] { CSng(QVariant(1e39)); }), ErrorNumber::Overflow);
-    QCOMPARE(errorNumberOf([] { CSng(QVariant(-1e39)); }), ErrorNumber::Overflow);
-    QCOMPARE(errorNumberOf([] { CSng(u"1e39"_qs); }), ErrorNumber::Overflow);
-    QCOMPARE(errorNumberOf([] { CSng(QVariant(Infinity)); }), ErrorNumber::Overflow);
-    QVERIFY(std::isnan(CSng(QVariant(NaN))));
-    // Tiny values lose precision but do not overflow.
-    QCOMPARE(CSng(QVariant(1e-50)), 0.0f);
-}
-
-void TestConversions::cBool_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<bool>("expected");
-    QTest::addColumn<int>("error");
-
-    QTest::newRow("True") << QVariant(u"True"_qs) << true << 0;
-    QTest::newRow("FALSE") << QVariant(u"FALSE"_qs) << false << 0;
-    QTest::newRow("tRuE with blanks") << QVariant(u" tRuE "_qs) << true << 0;
-    QTest::newRow("false bytes") << QVariant(QByteArray("false")) << false << 0;
-    QTest::newRow("string 0") << QVariant(u"0"_qs) << false << 0;
-    QTest::newRow("string 2") << QVariant(u"2"_qs) << true << 0;
-    QTest::newRow("string -0.0001") << QVariant(u"-0.0001"_qs) << true << 0;
-    QTest::newRow("zero") << QVariant(0) << false << 0;
-    QTest::newRow("-1") << QVariant(-1) << true << 0;
-    QTest::newRow("small double") << QVariant(1e-300) << true << 0;
-    QTest::newRow("bool true") << QVariant(true) << true << 0;
-    QTest::newRow("bool false") << QVariant(false) << false << 0;
-    QTest::newRow("Empty") << QVariant() << false << 0;
-    QTest::newRow("yes") << QVariant(u"yes"_qs) << false << ErrorNumber::TypeMismatch;
-    QTest::newRow("Truely") << QVariant(u"Truely"_qs) << false << ErrorNumber::TypeMismatch;
-    QTest::newRow("empty string") << QVariant(u""_qs) << false << ErrorNumber::TypeMismatch;
-    QTest::newRow("font") << QVariant(QFont()) << false << ErrorNumber::TypeMismatch;
-}
-
-void TestConversions::cBool()
-{
-    QFETCH(QVariant, value);
-    QFETCH(bool, expected);
-    QFETCH(int, error);
-    bool result = false;
-    QCOMPARE(errorNumberOf([&] { result = CBool(value); }), error);
-    QCOMPARE(result, expected);
-}
-
-void TestConversions::percentFormat_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("0.5") << 0.5 << u"50%"_qs;
-    QTest::newRow("0.93") << 0.93 << u"93%"_qs;
-    QTest::newRow("0.125 rounds up") << 0.125 << u"13%"_qs;
-    QTest::newRow("0.135 rounds up") << 0.135 << u"14%"_qs;
-    QTest::newRow("0.005 is exactly 0.5") << 0.005 << u"1%"_qs;
-    QTest::newRow("0.285 is just below") << 0.285 << u"28%"_qs;
-    QTest::newRow("0.0049999") << 0.0049999 << u"0%"_qs;
-    QTest::newRow("1.5") << 1.5 << u"150%"_qs;
-    QTest::newRow("-0.25") << -0.25 << u"-25%"_qs;
-    QTest::newRow("-0.005 away from zero") << -0.005 << u"-1%"_qs;
-    QTest::newRow("-0.001 no negative zero") << -0.001 << u"0%"_qs;
-    QTest::newRow("0") << 0.0 << u"0%"_qs;
-    QTest::newRow("-0") << -0.0 << u"0%"_qs;
-    QTest::newRow("1") << 1.0 << u"100%"_qs;
-    QTest::newRow("no group separator") << 123456.0 << u"12345600%"_qs;
-    QTest::newRow("beyond 64 bits") << 1e20 << u"10000000000000000000000%"_qs;
-}
-
-void TestConversions::percentFormat()
-{
-    QFETCH(double, value);
-    QFETCH(QString, expected);
-    LocaleScope english(QLocale(QLocale::English, QLocale::UnitedStates));
-    QCOMPARE(formatPercent(value), expected);
-}
-
-void TestConversions::percentFormatFollowsLocale()
-{
+    void textsInTheProcessLocale()
     {
-        LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
-        QCOMPARE(formatPercent(12.3456), u"1235%"_qs);
+        LocaleScope german(QLocale::German, QLocale::Germany);
+        QCOMPARE(CDbl(u"0,5"_qs), 0.5);
+        QCOMPARE(CInt(u"2,5"_qs), qint16(2));
+        // Texts written by programs keep working in any locale.
+        QCOMPARE(CDbl(u"1.5"_qs), 1.5);
+        QCOMPARE(CDbl(u"1e3"_qs), 1000.0);
+        QCOMPARE(errorNumberOf([] { CDbl(u"0;5"_qs); }), mismatch);
     }
-    {
-        // Swedish writes the minus as U+2212.
-        LocaleScope swedish(QLocale(QLocale::Swedish, QLocale::Sweden));
-        QCOMPARE(formatPercent(-0.25), u"\u221225%"_qs);
-    }
-    {
-        LocaleScope arabic(QLocale(QLocale::Arabic, QLocale::Egypt));
-        QCOMPARE(formatPercent(0.5), u"\u0665\u0660%"_qs);
-    }
-}
 
-void TestConversions::dateTexts()
-{
-    const QDateTime afternoon(QDate(2026, 3, 14), QTime(13, 5, 9));
+    void cSngRange()
     {
-        LocaleScope british(QLocale(QLocale::English, QLocale::UnitedKingdom));
-        QCOMPARE(formatGeneralDate(afternoon), u"14/03/2026 13:05:09"_qs);
-        QCOMPARE(formatGeneralDate(QDateTime(QDate(2026, 3, 14), QTime(0, 0))), u"14/03/2026"_qs);
+        using F = std::numeric_limits<float>;
+        QCOMPARE(CSng(QVariant(0.1)), 0.1f);
+        QCOMPARE(CSng(QVariant(3.4e38)), 3.4e38f);
+        QCOMPARE(CSng(QVariant(double(F::max()))), F::max());
+        QCOMPARE(CSng(QVariant(F::lowest())), F::lowest());
+        for (const QVariant &tooBig : {QVariant(1e39), QVariant(-1e39), QVariant(u"1e39"_qs), QVariant(Infinity)})
+            QCOMPARE(errorNumberOf([&] { CSng(tooBig); }), overflow);
+        QVERIFY(std::isnan(CSng(QVariant(NaN))));
+        // Tiny values lose precision but do not overflow.
+        QCOMPARE(CSng(QVariant(1e-50)), 0.0f);
     }
-    LocaleScope american(QLocale(QLocale::English, QLocale::UnitedStates));
-    const QString us = formatGeneralDate(afternoon);
-    QVERIFY2(us.startsWith(u"3/14/26 1:05:09"_qs) && us.endsWith(u"PM"_qs), qPrintable(us)); // no time-zone name
 
-    QCOMPARE(formatSortableDateTime(afternoon), u"2026-03-14 13:05:09"_qs);
-    QCOMPARE(formatSortableDateTime(QDateTime(QDate(987, 1, 2), QTime(23, 59, 59))), u"0987-01-02 23:59:59"_qs);
-    QCOMPARE(formatSortableDateTime(QDateTime()), QString());
-    QCOMPARE(formatGeneralDate(QDateTime()), QString());
-}
+    void cBool_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<bool>("expected");
+        QTest::addColumn<int>("error");
+        for (const auto &[value, expected, error] : {std::tuple<QVariant, bool, int>{u"True"_qs, true, 0},
+                 {u"FALSE"_qs, false, 0}, {u" tRuE "_qs, true, 0}, {QByteArray("false"), false, 0}, {u"0"_qs, false, 0},
+                 {u"2"_qs, true, 0}, {u"-0.0001"_qs, true, 0}, {0, false, 0}, {-1, true, 0}, {1e-300, true, 0},
+                 {true, true, 0}, {false, false, 0}, {QVariant(), false, 0}, {u"yes"_qs, false, mismatch},
+                 {u"Truely"_qs, false, mismatch}, {u""_qs, false, mismatch}, {QFont(), false, mismatch}})
+            QTest::addRow("%s", tagOf(value).constData()) << value << expected << error;
+    }
+
+    void cBool()
+    {
+        QFETCH(QVariant, value);
+        QFETCH(bool, expected);
+        QFETCH(int, error);
+        bool result = false;
+        QCOMPARE(errorNumberOf([&] { result = CBool(value); }), error);
+        QCOMPARE(result, expected);
+    }
+
+    void percentFormat_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("expected");
+        // Halves away from zero (0.005 is exactly half a percent, 0.285 just below), no negative zero, no grouping.
+        for (const auto &[value, expected] :
+            {std::pair{0.5, "50%"}, {0.93, "93%"}, {0.125, "13%"}, {0.135, "14%"}, {0.005, "1%"}, {0.285, "28%"},
+                {0.0049999, "0%"}, {1.5, "150%"}, {-0.25, "-25%"}, {-0.005, "-1%"}, {-0.001, "0%"}, {0.0, "0%"},
+                {-0.0, "0%"}, {1.0, "100%"}, {123456.0, "12345600%"}, {1e20, "10000000000000000000000%"}})
+            QTest::addRow("%g", value) << value << QString::fromLatin1(expected);
+    }
+
+    void percentFormat()
+    {
+        QFETCH(double, value);
+        QFETCH(QString, expected);
+        LocaleScope english(QLocale::English, QLocale::UnitedStates);
+        QCOMPARE(formatPercent(value), expected);
+    }
+
+    void localeTexts()
+    {
+        {
+            LocaleScope german(QLocale::German, QLocale::Germany);
+            QCOMPARE(formatPercent(12.3456), u"1235%"_qs);
+        }
+        {
+            // Swedish writes the minus as U+2212.
+            LocaleScope swedish(QLocale::Swedish, QLocale::Sweden);
+            QCOMPARE(formatPercent(-0.25), u"\u221225%"_qs);
+        }
+        {
+            LocaleScope arabic(QLocale::Arabic, QLocale::Egypt);
+            QCOMPARE(formatPercent(0.5), u"\u0665\u0660%"_qs);
+        }
+        const QDateTime afternoon(QDate(2026, 3, 14), QTime(13, 5, 9));
+        {
+            LocaleScope british(QLocale::English, QLocale::UnitedKingdom);
+            QCOMPARE(formatGeneralDate(afternoon), u"14/03/2026 13:05:09"_qs);
+            QCOMPARE(formatGeneralDate(QDateTime(QDate(2026, 3, 14), QTime(0, 0))), u"14/03/2026"_qs);
+        }
+        LocaleScope american(QLocale::English, QLocale::UnitedStates);
+        const QString us = formatGeneralDate(afternoon);
+        QVERIFY2(us.startsWith(u"3/14/26 1:05:09"_qs) && us.endsWith(u"PM"_qs), qPrintable(us)); // no time-zone name
+        QCOMPARE(formatSortableDateTime(afternoon), u"2026-03-14 13:05:09"_qs);
+        QCOMPARE(formatSortableDateTime(QDateTime(QDate(987, 1, 2), QTime(23, 59, 59))), u"0987-01-02 23:59:59"_qs);
+        QCOMPARE(formatSortableDateTime(QDateTime()), QString());
+        QCOMPARE(formatGeneralDate(QDateTime()), QString());
+    }
+};
 
 QTEST_MAIN(TestConversions)
 #include "tst_conversions.moc"

@@ -14,6 +14,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <functional>
+#include <map>
 #include <memory>
 
 using namespace Kelocontrols;
@@ -25,26 +27,13 @@ QStringList section(const QString &description, const QString &title)
 {
     const QStringList lines = description.split(QLatin1Char('\n'));
     const qsizetype start = lines.indexOf(title);
-    if (start < 0) {
-        return {};
-    }
-    QStringList result;
-    for (qsizetype i = start + 1; i < lines.size() && !lines.at(i).isEmpty(); ++i) {
-        result << lines.at(i);
-    }
-    return result;
+    return start < 0 ? QStringList() : lines.mid(start + 1, lines.indexOf(QString(), start) - start - 1);
 }
 
 /// The member lines of a section, without the help lines under them.
 QStringList members(const QStringList &lines)
 {
-    QStringList result;
-    for (const QString &line : lines) {
-        if (!line.startsWith(QLatin1String("      "))) {
-            result << line;
-        }
-    }
-    return result;
+    return lines.filter(QRegularExpression(u"^(?!      )"_qs));
 }
 
 /// The line of member `name` in a section and the help line under it (if any).
@@ -145,236 +134,191 @@ class tst_InterfaceDescription : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void describesClass();
-    void listsEverySavedProperty();
-    void propertyDefaults_data();
-    void propertyDefaults();
-    void defaultsDoNotFollowCurrentValues();
-    void listsMethodsAndEvents();
-    void listsEnumerationsInUse();
-    void describesOtherObjects();
-    void headersDocumentDefaults_data();
-    void headersDocumentDefaults();
-};
+    void describesTheScoreCard()
+    {
+        const KeloscoreCard card;
+        const QString description = describeInterface(card);
+        QCOMPARE(description.split(u'\n').mid(0, 5),
+            QStringList({"KeloscoreCard", "  Interface: _KeloscoreCard", "  EventInterface: __KeloscoreCard",
+                "  HelpFile: Kelocontrols.hlp", ""}));
+        QVERIFY(!description.contains(QLatin1String("Help:")));
+        QVERIFY(description.endsWith(QLatin1Char('\n')));
 
-void tst_InterfaceDescription::describesClass()
-{
-    const KeloscoreCard card;
-    const QStringList lines = describeInterface(card).split(QLatin1Char('\n'));
-    QCOMPARE(lines.mid(0, 5),
-        (QStringList{u"KeloscoreCard"_qs, u"  Interface: _KeloscoreCard"_qs, u"  EventInterface: __KeloscoreCard"_qs,
-            u"  HelpFile: Kelocontrols.hlp"_qs, QString()}));
-    QVERIFY(!describeInterface(card).contains(QLatin1String("Help:")));
-    QVERIFY(describeInterface(card).endsWith(QLatin1Char('\n')));
-}
+        // Every persisted property once, plus UserMode, and none of QWidget's own.
+        const QStringList properties = section(description, u"Properties:"_qs);
+        const QStringList saved = card.propertyTable().readOrder();
+        QCOMPARE(saved.size(), 23);
+        QCOMPARE(members(properties).size(), 24);
+        for (const QString &name : saved) {
+            QVERIFY2(!memberLine(properties, name).first.isEmpty(), qPrintable(name));
+            QVERIFY2(!memberLine(properties, name).first.contains(QLatin1String("[not saved]")), qPrintable(name));
+        }
+        QCOMPARE(memberLine(properties, u"UserMode"_qs).first, u"  bool UserMode = true [not saved]"_qs);
+        for (const char *qtProperty : {"objectName", "geometry", "enabled", "font", "toolTip", "visible"}) {
+            QVERIFY2(memberLine(properties, QLatin1String(qtProperty)).first.isEmpty(), qtProperty);
+        }
 
-// Every persisted property once, plus UserMode, and none of QWidget's own.
-void tst_InterfaceDescription::listsEverySavedProperty()
-{
-    const KeloscoreCard card;
-    const QStringList properties = section(describeInterface(card), u"Properties:"_qs);
-    const QStringList saved = card.propertyTable().readOrder();
-    QCOMPARE(saved.size(), 23);
+        const QStringList methods = section(description, u"Methods:"_qs);
+        QCOMPARE(members(methods),
+            QStringList({"  void InitProperties()", "  void ReadProperties(Kelocontrols::PropertyBag PropBag)",
+                "  void WriteProperties(Kelocontrols::PropertyBag &PropBag)", "  void setUserMode(bool userMode)",
+                "  void Refresh()"}));
+        QCOMPARE(memberLine(methods, u"Refresh"_qs).second, u"Forces a complete repaint of a object."_qs);
+        QCOMPARE(members(section(description, u"Events:"_qs)),
+            QStringList({"  void PropertyChanged(QString name)", "  void Click() [DispId -600]",
+                "  void DblClick() [DispId -601]", "  void KeyDown(short &KeyCode, short &Shift) [DispId -602]",
+                "  void KeyPress(short &KeyAscii) [DispId -603]",
+                "  void KeyUp(short &KeyCode, short &Shift) [DispId -604]",
+                "  void MouseDown(short &Button, short &Shift, float &X, float &Y) [DispId -605]",
+                "  void MouseMove(short &Button, short &Shift, float &X, float &Y) [DispId -606]",
+                "  void MouseUp(short &Button, short &Shift, float &X, float &Y) [DispId -607]"}));
 
-    const QStringList lines = members(properties);
-    QCOMPARE(lines.size(), 24);
-    for (const QString &name : saved) {
-        QVERIFY2(!memberLine(properties, name).first.isEmpty(), qPrintable(name));
-        QVERIFY2(!memberLine(properties, name).first.contains(QLatin1String("[not saved]")), qPrintable(name));
+        // The enumerations the properties use, each with its members in order.
+        const QStringList enums = section(description, u"Enumerations:"_qs);
+        QCOMPARE(enums.filter(QRegularExpression(u"^  \\w"_qs)),
+            QStringList({"  keloScoreCardStyle", "  keloShowValue", "  keloToolTipStyle", "  keloMarkerStyle",
+                "  keloGaugeOrientation"}));
+        const qsizetype style = enums.indexOf(u"  keloScoreCardStyle"_qs);
+        QCOMPARE(enums.mid(style + 1, 11),
+            QStringList({"    ScoreCardSmall = 0", "    ScoreCardLarge = 1", "    SmileySmall = 2",
+                "    SmileyLarge = 3", "    TrafficLightSmall = 4", "    TrafficLightLarge = 5", "    FlashCard = 6",
+                "    Gauge = 7", "    GaugeOverrun = 8", "    GaugeRainbow = 9", "  keloShowValue"}));
+        QCOMPARE(enums.at(enums.indexOf(u"  keloToolTipStyle"_qs) + 4), u"    ShowBothAsTip = 3"_qs);
     }
-    QCOMPARE(memberLine(properties, u"UserMode"_qs).first, u"  bool UserMode = true [not saved]"_qs);
-    for (const char *qtProperty : {"objectName", "geometry", "enabled", "font", "toolTip", "visible"}) {
-        QVERIFY2(memberLine(properties, QLatin1String(qtProperty)).first.isEmpty(), qtProperty);
+
+    void propertyDefaults_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("help");
+
+        // One line of each form (uint with its hex, enumerations with key and number, text quoted) and every help text;
+        // the values themselves are the score card's defaults, checked with the control.
+        auto row = [](const char *name, const char *line, const char *help = "") {
+            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(line) << QString::fromLatin1(help);
+        };
+        row("BackColor", "  uint BackColor = 2147483663 (0x8000000F)",
+            "Returns/sets the background color used to display text and graphics in an object.");
+        row("Enabled", "  bool Enabled = true");
+        row("BorderStyle", "  int BorderStyle = 1", "Returns/sets the border style for an object.");
+        row("Value", "  double Value = 0.5", "Value for the score");
+        row("Style", "  Kelocontrols::keloScoreCardStyle Style = ScoreCardSmall (0)",
+            "Style for the control, either an image or a gauge style type.");
+        row("ScoreStar", "  double ScoreStar = 0.8", "Score above which the control shows star marks");
+        row("ScoreBad", "  double ScoreBad = 0.2", "Score above which the control shows a bad mark");
+        row("ScoreMin", "  double ScoreMin = 0", "Minimum score allowed");
+        row("ScoreMax", "  double ScoreMax = 1", "Maximum score allowed");
+        row("ShowTickLinesEvery", "  double ShowTickLinesEvery = 0",
+            "Shows tick lines every interval on the control.  0 means no tick lines.");
+        row("TickLineColor", "  uint TickLineColor = 0 (0x00000000)");
+        row("ShowValue", "  Kelocontrols::keloShowValue ShowValue = None (0)",
+            "Show the value on the control as text (eg 93%).");
+        row("ToolTipStyle", "  Kelocontrols::keloToolTipStyle ToolTipStyle = ShowBothAsTip (3)",
+            "The display style for the tooltip.");
+        row("ToolTip", "  QString ToolTip = \"\"",
+            "Returns/sets the text displayed when the mouse is paused over the control.  Overwrites ToolTipText, see "
+            "ToolTipStyle.");
+        row("GaugeOrientation", "  Kelocontrols::keloGaugeOrientation GaugeOrientation = Horizontal (0)",
+            "Changes the gauge orientation from horizontal to vertical.");
     }
-}
 
-void tst_InterfaceDescription::propertyDefaults_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("help");
+    void propertyDefaults()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, line);
+        QFETCH(QString, help);
 
-    // One line of each form (uint with its hex, enumerations with key and number, text quoted) and every help text;
-    // the values themselves are the score card's defaults, checked with the control.
-    auto row = [](const char *name, const char *line, const char *help = "") {
-        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(line) << QString::fromLatin1(help);
-    };
-    row("BackColor", "  uint BackColor = 2147483663 (0x8000000F)",
-        "Returns/sets the background color used to display text and graphics in an object.");
-    row("Enabled", "  bool Enabled = true");
-    row("BorderStyle", "  int BorderStyle = 1", "Returns/sets the border style for an object.");
-    row("Value", "  double Value = 0.5", "Value for the score");
-    row("Style", "  Kelocontrols::keloScoreCardStyle Style = ScoreCardSmall (0)",
-        "Style for the control, either an image or a gauge style type.");
-    row("ScoreStar", "  double ScoreStar = 0.8", "Score above which the control shows star marks");
-    row("ScoreBad", "  double ScoreBad = 0.2", "Score above which the control shows a bad mark");
-    row("ScoreMin", "  double ScoreMin = 0", "Minimum score allowed");
-    row("ScoreMax", "  double ScoreMax = 1", "Maximum score allowed");
-    row("ShowTickLinesEvery", "  double ShowTickLinesEvery = 0",
-        "Shows tick lines every interval on the control.  0 means no tick lines.");
-    row("TickLineColor", "  uint TickLineColor = 0 (0x00000000)");
-    row("ShowValue", "  Kelocontrols::keloShowValue ShowValue = None (0)",
-        "Show the value on the control as text (eg 93%).");
-    row("ToolTipStyle", "  Kelocontrols::keloToolTipStyle ToolTipStyle = ShowBothAsTip (3)",
-        "The display style for the tooltip.");
-    row("ToolTip", "  QString ToolTip = \"\"",
-        "Returns/sets the text displayed when the mouse is paused over the control.  Overwrites ToolTipText, see "
-        "ToolTipStyle.");
-    row("GaugeOrientation", "  Kelocontrols::keloGaugeOrientation GaugeOrientation = Horizontal (0)",
-        "Changes the gauge orientation from horizontal to vertical.");
-}
-
-void tst_InterfaceDescription::propertyDefaults()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, line);
-    QFETCH(QString, help);
-
-    const KeloscoreCard card;
-    const auto [declaration, helpLine] = memberLine(section(describeInterface(card), u"Properties:"_qs), name);
-    QCOMPARE(declaration, line);
-    if (!help.isEmpty()) {
-        QCOMPARE(helpLine, help);
-    }
-}
-
-// The default is the control's initial value whatever it holds now; the
-// font's default is the font of the control's container.
-void tst_InterfaceDescription::defaultsDoNotFollowCurrentValues()
-{
-    QWidget form;
-    QFont formFont(u"Serif"_qs);
-    formFont.setPointSizeF(13.5);
-    form.setFont(formFont);
-    KeloscoreCard card(&form);
-    const QString fresh = describeInterface(card);
-
-    card.setValue(0.9);
-    card.setStyle(keloScoreCardStyle::GaugeRainbow);
-    card.setBackColor(0x00FF00);
-    card.setToolTip(u"changed"_qs);
-    card.setShowBlocks(12);
-    QCOMPARE(describeInterface(card), fresh);
-
-    const QString fontLine = memberLine(section(fresh, u"Properties:"_qs), u"Font"_qs).first;
-    QCOMPARE(fontLine, u"  QFont Font = \"%1\", 13.5 pt"_qs.arg(form.font().family()));
-
-    // UserMode is not saved, so it shows what the control holds.
-    card.setUserMode(false);
-    QCOMPARE(memberLine(section(describeInterface(card), u"Properties:"_qs), u"UserMode"_qs).first,
-        u"  bool UserMode = false [not saved]"_qs);
-}
-
-void tst_InterfaceDescription::listsMethodsAndEvents()
-{
-    const KeloscoreCard card;
-    const QString description = describeInterface(card);
-
-    const QStringList methods = section(description, u"Methods:"_qs);
-    QCOMPARE(members(methods),
-        (QStringList{u"  void InitProperties()"_qs, u"  void ReadProperties(Kelocontrols::PropertyBag PropBag)"_qs,
-            u"  void WriteProperties(Kelocontrols::PropertyBag &PropBag)"_qs, u"  void setUserMode(bool userMode)"_qs,
-            u"  void Refresh()"_qs}));
-    QCOMPARE(memberLine(methods, u"Refresh"_qs).second, u"Forces a complete repaint of a object."_qs);
-
-    const QStringList events = section(description, u"Events:"_qs);
-    QCOMPARE(members(events),
-        (QStringList{u"  void PropertyChanged(QString name)"_qs, u"  void Click() [DispId -600]"_qs,
-            u"  void DblClick() [DispId -601]"_qs, u"  void KeyDown(short &KeyCode, short &Shift) [DispId -602]"_qs,
-            u"  void KeyPress(short &KeyAscii) [DispId -603]"_qs,
-            u"  void KeyUp(short &KeyCode, short &Shift) [DispId -604]"_qs,
-            u"  void MouseDown(short &Button, short &Shift, float &X, float &Y) [DispId -605]"_qs,
-            u"  void MouseMove(short &Button, short &Shift, float &X, float &Y) [DispId -606]"_qs,
-            u"  void MouseUp(short &Button, short &Shift, float &X, float &Y) [DispId -607]"_qs}));
-}
-
-void tst_InterfaceDescription::listsEnumerationsInUse()
-{
-    const KeloscoreCard card;
-    const QStringList enums = section(describeInterface(card), u"Enumerations:"_qs);
-    QStringList names;
-    for (const QString &line : enums) {
-        if (!line.startsWith(QLatin1String("    "))) {
-            names << line.trimmed();
+        const KeloscoreCard card;
+        const auto [declaration, helpLine] = memberLine(section(describeInterface(card), u"Properties:"_qs), name);
+        QCOMPARE(declaration, line);
+        if (!help.isEmpty()) {
+            QCOMPARE(helpLine, help);
         }
     }
-    QCOMPARE(names,
-        (QStringList{u"keloScoreCardStyle"_qs, u"keloShowValue"_qs, u"keloToolTipStyle"_qs, u"keloMarkerStyle"_qs,
-            u"keloGaugeOrientation"_qs}));
 
-    const qsizetype style = enums.indexOf(u"  keloScoreCardStyle"_qs);
-    QCOMPARE(enums.mid(style + 1, 10),
-        (QStringList{u"    ScoreCardSmall = 0"_qs, u"    ScoreCardLarge = 1"_qs, u"    SmileySmall = 2"_qs,
-            u"    SmileyLarge = 3"_qs, u"    TrafficLightSmall = 4"_qs, u"    TrafficLightLarge = 5"_qs,
-            u"    FlashCard = 6"_qs, u"    Gauge = 7"_qs, u"    GaugeOverrun = 8"_qs, u"    GaugeRainbow = 9"_qs}));
-    QCOMPARE(enums.at(style + 11), u"  keloShowValue"_qs);
-    const qsizetype tips = enums.indexOf(u"  keloToolTipStyle"_qs);
-    QCOMPARE(enums.at(tips + 4), u"    ShowBothAsTip = 3"_qs);
-}
+    // The default is the control's initial value whatever it holds now; the
+    // font's default is the font of the control's container.
+    void defaultsDoNotFollowCurrentValues()
+    {
+        QWidget form;
+        QFont formFont(u"Serif"_qs);
+        formFont.setPointSizeF(13.5);
+        form.setFont(formFont);
+        KeloscoreCard card(&form);
+        const QString fresh = describeInterface(card);
 
-void tst_InterfaceDescription::describesOtherObjects()
-{
-    const InterfaceProbe probe;
-    const QString description = describeInterface(probe);
-    QVERIFY(description.startsWith(QLatin1String("InterfaceProbe\n  Interface: _InterfaceProbe\n\n")));
-    QCOMPARE(section(description, u"Properties:"_qs), QStringList{u"  int Count = 4 [read-only]"_qs});
-    QCOMPARE(section(description, u"Methods:"_qs),
-        (QStringList{
-            u"  int Cast(Kelocontrols::keloWandStyle Style, QString Name) [DispId 7]"_qs, u"      Casts a wand."_qs}));
-    QCOMPARE(section(description, u"Events:"_qs), QStringList{u"  void Cancelled(int &Cancel)"_qs});
-    const QStringList enums = section(description, u"Enumerations:"_qs);
-    QCOMPARE(enums.value(0), u"  keloWandStyle"_qs);
-    QCOMPARE(enums.size(), 7);
+        card.setValue(0.9);
+        card.setStyle(keloScoreCardStyle::GaugeRainbow);
+        card.setBackColor(0x00FF00);
+        card.setToolTip(u"changed"_qs);
+        card.setShowBlocks(12);
+        QCOMPARE(describeInterface(card), fresh);
 
-    // A plain Qt object: its own properties, no enumerations of the library.
-    const QObject plain;
-    const QString qtDescription = describeInterface(plain);
-    QVERIFY(qtDescription.startsWith(QLatin1String("QObject\n")));
-    QCOMPARE(section(qtDescription, u"Properties:"_qs), QStringList{u"  QString objectName = \"\""_qs});
-    QVERIFY(!qtDescription.contains(QLatin1String("Enumerations:")));
-}
+        const QString fontLine = memberLine(section(fresh, u"Properties:"_qs), u"Font"_qs).first;
+        QCOMPARE(fontLine, u"  QFont Font = \"%1\", 13.5 pt"_qs.arg(form.font().family()));
 
-void tst_InterfaceDescription::headersDocumentDefaults_data()
-{
-    QTest::addColumn<QString>("header");
-    QTest::newRow("KeloscoreCard") << QStringLiteral("controls/scorecard/KeloscoreCard.h");
-    QTest::newRow("KelolistBox") << QStringLiteral("controls/listbox/KelolistBox.h");
-    QTest::newRow("KelofileView") << QStringLiteral("controls/fileview/KelofileView.h");
-    QTest::newRow("Kelochameleon") << QStringLiteral("controls/chameleon/Kelochameleon.h");
-    QTest::newRow("KelofolderView") << QStringLiteral("controls/folderview/KelofolderView.h");
-}
-
-// The property table holds each default; the public header tells it to the
-// reader. Every saved property is documented there with the table's value.
-void tst_InterfaceDescription::headersDocumentDefaults()
-{
-    QFETCH(QString, header);
-    const QByteArray className = QTest::currentDataTag();
-    std::unique_ptr<Kelocontrols::ControlBase> control;
-    if (className == "KeloscoreCard") {
-        control = std::make_unique<KeloscoreCard>();
-    } else if (className == "KelolistBox") {
-        control = std::make_unique<KelolistBox>();
-    } else if (className == "KelofileView") {
-        control = std::make_unique<KelofileView>();
-    } else if (className == "KelofolderView") {
-        control = std::make_unique<KelofolderView>();
-    } else {
-        control = std::make_unique<Kelochameleon>();
+        // UserMode is not saved, so it shows what the control holds.
+        card.setUserMode(false);
+        QCOMPARE(memberLine(section(describeInterface(card), u"Properties:"_qs), u"UserMode"_qs).first,
+            u"  bool UserMode = false [not saved]"_qs);
     }
-    const QMap<QString, QString> documented = documentedDefaults(QStringLiteral(KELO_SOURCE_DIR "/src/") + header);
-    QVERIFY2(!documented.isEmpty(), qPrintable(header));
 
-    const Kelocontrols::PropertyTableBase &table = control->propertyTable();
-    const QMetaObject *meta = control->metaObject();
-    for (const QString &name : table.writeOrder()) {
-        const QMetaProperty property = meta->property(meta->indexOfProperty(name.toLatin1().constData()));
-        QVERIFY2(property.isValid(), qPrintable(name));
-        QVERIFY2(documented.contains(name), qPrintable(name + QStringLiteral(" has no \"Default:\" in ") + header));
-        QCOMPARE(documented.value(name) + QStringLiteral("  <- ") + name,
-            documentedForm(table.defaultValue(*control, name), property) + QStringLiteral("  <- ") + name);
+    void describesOtherObjects()
+    {
+        const InterfaceProbe probe;
+        const QString description = describeInterface(probe);
+        QVERIFY(description.startsWith(QLatin1String("InterfaceProbe\n  Interface: _InterfaceProbe\n\n")));
+        QCOMPARE(section(description, u"Properties:"_qs), QStringList{u"  int Count = 4 [read-only]"_qs});
+        QCOMPARE(section(description, u"Methods:"_qs),
+            (QStringList{u"  int Cast(Kelocontrols::keloWandStyle Style, QString Name) [DispId 7]"_qs,
+                u"      Casts a wand."_qs}));
+        QCOMPARE(section(description, u"Events:"_qs), QStringList{u"  void Cancelled(int &Cancel)"_qs});
+        const QStringList enums = section(description, u"Enumerations:"_qs);
+        QCOMPARE(enums.value(0), u"  keloWandStyle"_qs);
+        QCOMPARE(enums.size(), 7);
+
+        // A plain Qt object: its own properties, no enumerations of the library.
+        const QObject plain;
+        const QString qtDescription = describeInterface(plain);
+        QVERIFY(qtDescription.startsWith(QLatin1String("QObject\n")));
+        QCOMPARE(section(qtDescription, u"Properties:"_qs), QStringList{u"  QString objectName = \"\""_qs});
+        QVERIFY(!qtDescription.contains(QLatin1String("Enumerations:")));
     }
-}
+
+    void headersDocumentDefaults_data()
+    {
+        QTest::addColumn<QString>("header");
+        QTest::newRow("KeloscoreCard") << QStringLiteral("controls/scorecard/KeloscoreCard.h");
+        QTest::newRow("KelolistBox") << QStringLiteral("controls/listbox/KelolistBox.h");
+        QTest::newRow("KelofileView") << QStringLiteral("controls/fileview/KelofileView.h");
+        QTest::newRow("Kelochameleon") << QStringLiteral("controls/chameleon/Kelochameleon.h");
+        QTest::newRow("KelofolderView") << QStringLiteral("controls/folderview/KelofolderView.h");
+    }
+
+    // The property table holds each default; the public header tells it to the
+    // reader. Every saved property is documented there with the table's value.
+    void headersDocumentDefaults()
+    {
+        QFETCH(QString, header);
+        const std::map<QByteArray, std::function<ControlBase *()>> makers{
+            {"KeloscoreCard", [] { return new KeloscoreCard; }}, {"KelolistBox", [] { return new KelolistBox; }},
+            {"KelofileView", [] { return new KelofileView; }}, {"KelofolderView", [] { return new KelofolderView; }},
+            {"Kelochameleon", [] { return new Kelochameleon; }}};
+        const std::unique_ptr<ControlBase> control(makers.at(QTest::currentDataTag())());
+        const QMap<QString, QString> documented = documentedDefaults(QStringLiteral(KELO_SOURCE_DIR "/src/") + header);
+        QVERIFY2(!documented.isEmpty(), qPrintable(header));
+
+        const Kelocontrols::PropertyTableBase &table = control->propertyTable();
+        const QMetaObject *meta = control->metaObject();
+        for (const QString &name : table.writeOrder()) {
+            const QMetaProperty property = meta->property(meta->indexOfProperty(name.toLatin1().constData()));
+            QVERIFY2(property.isValid(), qPrintable(name));
+            QVERIFY2(documented.contains(name), qPrintable(name + QStringLiteral(" has no \"Default:\" in ") + header));
+            QCOMPARE(documented.value(name) + QStringLiteral("  <- ") + name,
+                documentedForm(table.defaultValue(*control, name), property) + QStringLiteral("  <- ") + name);
+        }
+    }
+};
 
 QTEST_MAIN(tst_InterfaceDescription)
 #include "tst_interfacedescription.moc"

@@ -1,8 +1,11 @@
 #include "Like.h"
+#include "LikePattern_p.h"
 #include "RuntimeError.h"
 
 #include <QElapsedTimer>
 #include <QTest>
+
+#include <tuple>
 
 #include "KeloTestSupport.h"
 
@@ -14,149 +17,115 @@ class TestLike : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void matches_data();
-    void matches();
-    void malformedPatternsAreRejected_data();
-    void malformedPatternsAreRejected();
-    void manyStarsStayFast();
+    void matches_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<bool>("expected");
+
+        // Text, pattern and whether they match; each row is named "text Like pattern".
+        const std::initializer_list<std::tuple<const char *, const char *, bool>> rows{
+            // Plain characters, whole text only
+            {"abc", "abc", true}, {"ABC", "abc", true}, {"abcd", "abc", false}, {"ab", "abc", false}, {"", "", true},
+            {"a", "", false}, {"ÄBC", "äbc", true}, {"ΣΟΦΙΑ", "σοφια", true}, {"a!", "a!", true}, {"ab", "!b", false},
+            {"a]", "a]", true},
+            // *
+            {"anything", "*", true}, {"", "*", true}, {"abc", "***", true}, {"abc", "a*", true}, {"abc", "*c", true},
+            {"ac", "a*c", true}, {"aXbYc", "a*b*c", true}, {"aXcYb", "a*b*c", false}, {"abcb", "*b", true},
+            {"ab", "*b*b", false}, {"aaab", "*aab", true}, {"Report 2024.TXT", "*.txt", true},
+            {"Report.txt.bak", "*.txt", false},
+            // ? and #
+            {"abc", "a?c", true}, {"ac", "a?c", false}, {"", "?", false}, {"😀", "?", true}, {"😀x", "?x", true},
+            {"a1c", "a#c", true}, {"abc", "a#c", false}, {"2024", "####", true}, {"٣", "#", false},
+            // Lists and ranges
+            {"b", "[a-c]", true}, {"c", "[a-c]", true}, {"d", "[a-c]", false}, {"B", "[a-c]", true},
+            {"q", "[A-Z]", true}, {"5", "[0-9]", true}, {"m", "[a-fm-z]", true}, {"g", "[a-fm-z]", false},
+            {"y", "[xyz]", true}, {"Y", "[xyz]", true}, {"Ä", "[ä]", true}, {"xy", "[xyz]", false},
+            {"d", "[!a-c]", true}, {"b", "[!a-c]", false}, {"B", "[!a-c]", false}, {"", "[!a]", false},
+            {"*", "[*]", true}, {"a", "[*]", false}, {"?", "[?]", true}, {"x", "[?]", false}, {"#", "[#]", true},
+            {"1", "[#]", false}, {"[", "[[]", true}, {"-", "[-a]", true}, {"-", "[a-]", true}, {"b", "[a-]", false},
+            {"-", "[a-c]", false}, {"-", "[!-]", false}, {"x", "[!-]", true}, {"!", "[a!]", true}, {"!", "[!!]", false},
+            {"a", "[!!]", true}, {"-", "[a-b-c]", true}, {"k", "[k-k]", true}, {"abc", "ab[]c", true}, {"", "[]", true},
+            {"a", "[]", false}, {"a", "[!]", true}, {"", "[!]", false}, {"Xylophone", "[x-z]*e", true},
+            {"A7-b.doc", "[a-c]#[-]?.*", true}};
+        for (const auto &[text, pattern, expected] : rows)
+            QTest::addRow("'%s' Like '%s'", text, pattern)
+                << QString::fromUtf8(text) << QString::fromUtf8(pattern) << expected;
+    }
+
+    void matches()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, pattern);
+        QFETCH(bool, expected);
+        QCOMPARE(Like(text, pattern), expected);
+        QCOMPARE(LikePattern(pattern).matches(text), expected);
+    }
+
+    // One compiled pattern answers for many names in turn exactly as Like() does for each of them.
+    void compiledOnceMatchesAsLike_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QStringList>("matching");
+        QTest::addColumn<QStringList>("notMatching");
+        QTest::newRow("*7*.txt") << "*7*.txt" << QStringList{"7.txt", "File 1771.TXT", "a7b.c.txt", "77.txt.txt"}
+                                 << QStringList{"", "7.tx", "File 1.txt", "7.txt ", "7txt"};
+        QTest::newRow("? and a pair beyond the BMP")
+            << "a?b" << QStringList{"a😀b", "axb", "AXB"} << QStringList{"ab", "a😀xb"};
+        QTest::newRow("* backtracks over a pair") << "*ä?" << QStringList{"x😀Ä😀", "ääz"} << QStringList{"ä", "a"};
+        QTest::newRow("# [list] [!list]")
+            << "#[a-c][!x]" << QStringList{"1bY", "9Cz"} << QStringList{"1dY", "1bx", "abc"};
+    }
+
+    void compiledOnceMatchesAsLike()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QStringList, matching);
+        QFETCH(QStringList, notMatching);
+        const LikePattern compiled(pattern);
+        for (const QString &text : matching + notMatching) {
+            QCOMPARE(compiled.matches(text), matching.contains(text));
+            QCOMPARE(Like(text, pattern), matching.contains(text));
+        }
+    }
+
+    void malformedPatternsAreRejected_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("pattern");
+
+        QTest::newRow("lone bracket") << u"["_qs << u"["_qs;
+        QTest::newRow("unclosed list") << u"abc"_qs << u"a[bc"_qs;
+        QTest::newRow("unclosed negation") << u"a"_qs << u"[!"_qs;
+        QTest::newRow("unclosed range") << u"a"_qs << u"[a-c"_qs;
+        QTest::newRow("bracket at end") << u"abc"_qs << u"abc["_qs;
+        QTest::newRow("reversed range") << u"b"_qs << u"[z-a]"_qs;
+        QTest::newRow("reversed by case") << u"b"_qs << u"[a-Z]"_qs;
+        // The pattern is checked as a whole, even where the text fails early.
+        QTest::newRow("after a mismatch") << u"x"_qs << u"a[z-a]"_qs;
+        QTest::newRow("after a star") << u"abc"_qs << u"*[c-a"_qs;
+    }
+
+    void malformedPatternsAreRejected()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, pattern);
+        QCOMPARE(errorNumberOf([&] { Like(text, pattern); }), ErrorNumber::InvalidPatternString);
+        QCOMPARE(errorNumberOf([&] { LikePattern compiled(pattern); }), ErrorNumber::InvalidPatternString);
+    }
+
+    void manyStarsStayFast()
+    {
+        const QString text(200000, u'a');
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(Like(text, u"*a*a*a*a*a*a*a*a*b"_qs), false);
+        QCOMPARE(Like(text + u'b', u"*a*a*a*a*a*a*a*a*b"_qs), true);
+        QCOMPARE(Like(text, u"*aaaaaaaaaaaaaaaaaaaab"_qs), false);
+        QCOMPARE(Like(text, u"*?*?*?*?*?*?*?*#"_qs), false);
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+    }
 };
-
-void TestLike::matches_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<bool>("expected");
-
-    const auto row = [](const char *name, const QString &text, const QString &pattern, bool expected) {
-        QTest::newRow(name) << text << pattern << expected;
-    };
-
-    // Plain characters, whole text only
-    row("same", u"abc"_qs, u"abc"_qs, true);
-    row("case ignored", u"ABC"_qs, u"abc"_qs, true);
-    row("prefix only", u"abcd"_qs, u"abc"_qs, false);
-    row("text too short", u"ab"_qs, u"abc"_qs, false);
-    row("both empty", QString(), QString(), true);
-    row("empty pattern", u"a"_qs, QString(), false);
-    row("umlaut case", u"ÄBC"_qs, u"äbc"_qs, true);
-    row("greek case", u"ΣΟΦΙΑ"_qs, u"σοφια"_qs, true);
-    row("bang outside brackets", u"a!"_qs, u"a!"_qs, true);
-    row("bang is literal", u"ab"_qs, u"!b"_qs, false);
-    row("closing bracket alone", u"a]"_qs, u"a]"_qs, true);
-
-    // *
-    row("star alone", u"anything"_qs, u"*"_qs, true);
-    row("star on empty", QString(), u"*"_qs, true);
-    row("star run", u"abc"_qs, u"***"_qs, true);
-    row("prefix star", u"abc"_qs, u"a*"_qs, true);
-    row("suffix star", u"abc"_qs, u"*c"_qs, true);
-    row("star empty run", u"ac"_qs, u"a*c"_qs, true);
-    row("stars in order", u"aXbYc"_qs, u"a*b*c"_qs, true);
-    row("stars wrong order", u"aXcYb"_qs, u"a*b*c"_qs, false);
-    row("last b", u"abcb"_qs, u"*b"_qs, true);
-    row("needs two b", u"ab"_qs, u"*b*b"_qs, false);
-    row("backtrack", u"aaab"_qs, u"*aab"_qs, true);
-    row("file name", u"Report 2024.TXT"_qs, u"*.txt"_qs, true);
-    row("file name other", u"Report.txt.bak"_qs, u"*.txt"_qs, false);
-
-    // ? and #
-    row("question", u"abc"_qs, u"a?c"_qs, true);
-    row("question needs one", u"ac"_qs, u"a?c"_qs, false);
-    row("question on empty", QString(), u"?"_qs, false);
-    row("question astral", u"😀"_qs, u"?"_qs, true);
-    row("question astral then x", u"😀x"_qs, u"?x"_qs, true);
-    row("digit", u"a1c"_qs, u"a#c"_qs, true);
-    row("digit not letter", u"abc"_qs, u"a#c"_qs, false);
-    row("digits", u"2024"_qs, u"####"_qs, true);
-    row("arabic-indic digit is not 0-9", u"٣"_qs, u"#"_qs, false);
-
-    // Lists and ranges
-    row("range", u"b"_qs, u"[a-c]"_qs, true);
-    row("range end", u"c"_qs, u"[a-c]"_qs, true);
-    row("outside range", u"d"_qs, u"[a-c]"_qs, false);
-    row("range upper text", u"B"_qs, u"[a-c]"_qs, true);
-    row("upper range lower text", u"q"_qs, u"[A-Z]"_qs, true);
-    row("digit range", u"5"_qs, u"[0-9]"_qs, true);
-    row("two ranges", u"m"_qs, u"[a-fm-z]"_qs, true);
-    row("between two ranges", u"g"_qs, u"[a-fm-z]"_qs, false);
-    row("single list", u"y"_qs, u"[xyz]"_qs, true);
-    row("single list case", u"Y"_qs, u"[xyz]"_qs, true);
-    row("list umlaut case", u"Ä"_qs, u"[ä]"_qs, true);
-    row("list one char only", u"xy"_qs, u"[xyz]"_qs, false);
-    row("negated range", u"d"_qs, u"[!a-c]"_qs, true);
-    row("negated range hit", u"b"_qs, u"[!a-c]"_qs, false);
-    row("negated case", u"B"_qs, u"[!a-c]"_qs, false);
-    row("negated needs a char", QString(), u"[!a]"_qs, false);
-    row("star in list", u"*"_qs, u"[*]"_qs, true);
-    row("star in list literal", u"a"_qs, u"[*]"_qs, false);
-    row("question in list", u"?"_qs, u"[?]"_qs, true);
-    row("question in list literal", u"x"_qs, u"[?]"_qs, false);
-    row("hash in list", u"#"_qs, u"[#]"_qs, true);
-    row("hash in list literal", u"1"_qs, u"[#]"_qs, false);
-    row("bracket in list", u"["_qs, u"[[]"_qs, true);
-    row("dash first", u"-"_qs, u"[-a]"_qs, true);
-    row("dash last", u"-"_qs, u"[a-]"_qs, true);
-    row("dash last other", u"b"_qs, u"[a-]"_qs, false);
-    row("dash not in range", u"-"_qs, u"[a-c]"_qs, false);
-    row("dash after bang", u"-"_qs, u"[!-]"_qs, false);
-    row("dash after bang other", u"x"_qs, u"[!-]"_qs, true);
-    row("bang second is literal", u"!"_qs, u"[a!]"_qs, true);
-    row("bang bang", u"!"_qs, u"[!!]"_qs, false);
-    row("bang bang other", u"a"_qs, u"[!!]"_qs, true);
-    row("range then dash", u"-"_qs, u"[a-b-c]"_qs, true);
-    row("one char range", u"k"_qs, u"[k-k]"_qs, true);
-    row("empty list matches nothing", u"abc"_qs, u"ab[]c"_qs, true);
-    row("empty list on empty", QString(), u"[]"_qs, true);
-    row("empty list consumes nothing", u"a"_qs, u"[]"_qs, false);
-    row("negated empty list any char", u"a"_qs, u"[!]"_qs, true);
-    row("negated empty list needs one", QString(), u"[!]"_qs, false);
-    row("list then star", u"Xylophone"_qs, u"[x-z]*e"_qs, true);
-    row("mixed", u"A7-b.doc"_qs, u"[a-c]#[-]?.*"_qs, true);
-}
-
-void TestLike::matches()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, pattern);
-    QFETCH(bool, expected);
-    QCOMPARE(Like(text, pattern), expected);
-}
-
-void TestLike::malformedPatternsAreRejected_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("pattern");
-
-    QTest::newRow("lone bracket") << u"["_qs << u"["_qs;
-    QTest::newRow("unclosed list") << u"abc"_qs << u"a[bc"_qs;
-    QTest::newRow("unclosed negation") << u"a"_qs << u"[!"_qs;
-    QTest::newRow("unclosed range") << u"a"_qs << u"[a-c"_qs;
-    QTest::newRow("bracket at end") << u"abc"_qs << u"abc["_qs;
-    QTest::newRow("reversed range") << u"b"_qs << u"[z-a]"_qs;
-    QTest::newRow("reversed by case") << u"b"_qs << u"[a-Z]"_qs;
-    // The pattern is checked as a whole, even where the text fails early.
-    QTest::newRow("after a mismatch") << u"x"_qs << u"a[z-a]"_qs;
-    QTest::newRow("after a star") << u"abc"_qs << u"*[c-a"_qs;
-}
-
-void TestLike::malformedPatternsAreRejected()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, pattern);
-    QCOMPARE(errorNumberOf([&] { Like(text, pattern); }), ErrorNumber::InvalidPatternString);
-}
-
-void TestLike::manyStarsStayFast()
-{
-    const QString text(200000, u'a');
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(Like(text, u"*a*a*a*a*a*a*a*a*b"_qs), false);
-    QCOMPARE(Like(text + u'b', u"*a*a*a*a*a*a*a*a*b"_qs), true);
-    QCOMPARE(Like(text, u"*aaaaaaaaaaaaaaaaaaaab"_qs), false);
-    QCOMPARE(Like(text, u"*?*?*?*?*?*?*?*#"_qs), false);
-    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
-}
 
 QTEST_MAIN(TestLike)
 #include "tst_like.moc"
