@@ -134,7 +134,7 @@ private Q_SLOTS:
 
     void splitExec_data()
     {
-        // expected: empty: refused
+        // expected: empty when refused
         KeloTest::addColumns<QString, QStringList>({"exec", "expected"});
         QTest::newRow("plain") << u"viewer %f"_qs << QStringList{u"viewer"_qs, u"%f"_qs};
         QTest::newRow("runs of blanks") << u"  a   b\tc  "_qs << QStringList{u"a"_qs, u"b"_qs, u"c"_qs};
@@ -160,7 +160,7 @@ private Q_SLOTS:
     void commandLine_data()
     {
         const QByteArray file = "/tmp/my \xff file.txt";
-        // expected: empty: no command
+        // expected: empty when there is no command
         KeloTest::addColumns<QByteArray, ByteList>({"lines", "expected"});
         const auto row = [](const char *name, const QByteArray &lines, const ByteList &expected) {
             QTest::newRow(name) << lines << expected;
@@ -462,7 +462,7 @@ private Q_SLOTS:
 
     void spoolerOutcomes_data()
     {
-        // lpScript: empty: no lp at all
+        // lpScript: empty for no lp at all
         KeloTest::addColumns<QByteArray, bool, int, int>({"lpScript", "fileExists", "timeout", "outcome"});
         QTest::newRow("lp fails") << QByteArray("#!/bin/sh\nexit 3\n") << true << 3000 << int(Outcome::Failed);
         QTest::newRow("lp killed") << QByteArray("#!/bin/sh\nkill -9 $$\n") << true << 3000 << int(Outcome::Failed);
