@@ -264,3 +264,42 @@ inline void restartUnderXvfb(int argc, char **argv)
 }
 
 } // namespace KeloTest
+
+#include <array>
+#include <tuple>
+
+#include <QTest>
+
+namespace KeloTest {
+
+/// The value in column @p name of the current test data row (what QFETCH reads).
+template<typename T>
+T cell(const char *name)
+{
+    return *static_cast<T *>(QTest::qData(name, ::qMetaTypeId<T>()));
+}
+
+/// Declares the columns of a data table in one go: `addColumns<QString, int>({"name", "size"})`.
+template<typename... Types>
+void addColumns(const std::array<const char *, sizeof...(Types)> &names)
+{
+    [&]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        (QTest::addColumn<Types>(names[I]), ...);
+    }
+    (std::index_sequence_for<Types...>());
+}
+
+/// The current row's values of the named columns, for a structured binding:
+/// `const auto [name, size] = fetch<QString, int>({"name", "size"})`.
+template<typename... Types>
+std::tuple<Types...> fetch(const std::array<const char *, sizeof...(Types)> &names)
+{
+    return [&]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        return std::tuple<Types...>{cell<Types>(names[I])...};
+    }
+    (std::index_sequence_for<Types...>());
+}
+
+} // namespace KeloTest

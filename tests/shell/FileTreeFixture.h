@@ -2,14 +2,11 @@
 
 // Builds small trees of files, folders and links on disk from a text
 // description, and reads a tree back into the same form, so a test states
-// exactly what it expects on disk: every entry, nothing extra.
-//
-// One entry per string, paths relative to the root, sorted:
-//   "a/"            a folder
-//   "a/x.txt=text"  a file and its contents
-//   "a/ln->target"  a symbolic link and its target text
-// Names may hold any character but "=" and "->"; file names that are not
-// UTF-8 travel as FileNameCodec strings.
+// exactly what it expects on disk: every entry, nothing extra. One entry per
+// string, paths relative to the root: "a/" a folder, "a/x.txt=text" a file
+// and its contents, "a/ln->target" a symbolic link and its target. Names may
+// hold any character but "=" and "->"; names that are not UTF-8 travel as
+// FileNameCodec strings.
 
 #include <Kelocontrols/FileNameCodec.h>
 #include <Kelocontrols/FileOperations.h>
@@ -46,9 +43,8 @@ inline bool writeFileAt(const QString &path, const QByteArray &contents)
 /// Empties the folder @p root, whatever its entries are named (QDir cannot remove names that are not UTF-8).
 inline bool emptyFolder(const QString &root)
 {
-    bool ok = Kelocontrols::FileOperations::deleteFolder(root);
-    ok = ::mkdir(diskPath(root).constData(), 0755) == 0 && ok;
-    return ok;
+    const bool ok = Kelocontrols::FileOperations::deleteFolder(root);
+    return ::mkdir(diskPath(root).constData(), 0755) == 0 && ok;
 }
 
 /// Creates the entries of @p tree below @p root; false when one cannot be made.
@@ -79,12 +75,10 @@ inline void readTreeInto(const QByteArray &folder, const QString &prefix, QStrin
         return;
     while (const dirent *e = ::readdir(dir)) {
         const QByteArray name(e->d_name);
-        if (name == "." || name == "..")
-            continue;
         const QByteArray full = folder + '/' + name;
         const QString relative = prefix + Kelocontrols::FileNameCodec::decode(name);
         struct stat info;
-        if (::lstat(full.constData(), &info) != 0)
+        if (name == "." || name == ".." || ::lstat(full.constData(), &info) != 0)
             continue;
         if (S_ISDIR(info.st_mode)) {
             tree.append(relative + QLatin1Char('/'));
@@ -94,16 +88,13 @@ inline void readTreeInto(const QByteArray &folder, const QString &prefix, QStrin
             const ssize_t n = ::readlink(full.constData(), target, sizeof target);
             tree.append(relative + QStringLiteral("->") + Kelocontrols::FileNameCodec::decode(target, n > 0 ? n : 0));
         } else {
-            const int fd = ::open(full.constData(), O_RDONLY);
-            QByteArray contents;
-            if (fd >= 0) {
+            QByteArray contents = "<unreadable>";
+            if (const int fd = ::open(full.constData(), O_RDONLY); fd >= 0) {
+                contents.clear();
                 char buffer[65536];
-                ssize_t n;
-                while ((n = ::read(fd, buffer, sizeof buffer)) > 0)
+                for (ssize_t n; (n = ::read(fd, buffer, sizeof buffer)) > 0;)
                     contents.append(buffer, n);
                 ::close(fd);
-            } else {
-                contents = "<unreadable>";
             }
             tree.append(relative + QLatin1Char('=') + Kelocontrols::FileNameCodec::decode(contents));
         }
@@ -111,20 +102,19 @@ inline void readTreeInto(const QByteArray &folder, const QString &prefix, QStrin
     ::closedir(dir);
 }
 
-/// Every entry below @p root in the form makeTree() takes, sorted.
-inline QStringList readTree(const QString &root)
-{
-    QStringList tree;
-    readTreeInto(diskPath(root), QString(), tree);
-    std::sort(tree.begin(), tree.end());
-    return tree;
-}
-
 /// @p tree sorted, for comparing with readTree().
 inline QStringList sorted(QStringList tree)
 {
     std::sort(tree.begin(), tree.end());
     return tree;
+}
+
+/// Every entry below @p root in the form makeTree() takes, sorted.
+inline QStringList readTree(const QString &root)
+{
+    QStringList tree;
+    readTreeInto(diskPath(root), QString(), tree);
+    return sorted(tree);
 }
 
 } // namespace KeloTest

@@ -9,7 +9,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <cstdio>
 #include <dirent.h>
 #include <unistd.h>
 
@@ -30,10 +29,9 @@ public:
             {"XDG_DATA_DIRS", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS", "XDG_CURRENT_DESKTOP", "PATH"}) {
             m_saved.insert(name, {qEnvironmentVariableIsSet(name), qgetenv(name)});
         }
-        const QDir root(m_dir.path());
         for (const char *folder :
             {"data/applications", "datahome/applications", "config", "configdirs", "bin", "records", "files"}) {
-            root.mkpath(QString::fromLatin1(folder));
+            QDir(m_dir.path()).mkpath(QString::fromLatin1(folder));
         }
         QFile::link(u"/usr/share/mime"_qs, path("data/mime"));
         qputenv("XDG_DATA_DIRS", path("data").toUtf8());
@@ -47,11 +45,10 @@ public:
     ~XdgTestSandbox()
     {
         for (auto it = m_saved.cbegin(); it != m_saved.cend(); ++it) {
-            if (it->first) {
+            if (it->first)
                 qputenv(it.key().constData(), it->second);
-            } else {
+            else
                 qunsetenv(it.key().constData());
-            }
         }
     }
 
@@ -69,15 +66,12 @@ public:
         const QString file = path(relative);
         QDir().mkpath(QFileInfo(file).path());
         QFile out(file);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(file));
-        }
-        out.write(content);
         out.close();
-        if (executable) {
+        if (executable)
             out.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
                 | QFileDevice::ReadGroup | QFileDevice::ExeGroup);
-        }
         return file;
     }
 
@@ -90,13 +84,10 @@ public:
     QString addRecorder(const QString &name, bool withStdin = false, int exitCode = 0) const
     {
         const QByteArray record = path(u"records/"_qs + name).toUtf8();
-        QByteArray script = "#!/bin/sh\n";
-        if (withStdin) {
-            script += "/bin/cat > '" + record + ".stdin'\n";
-        }
-        script += "printf '%s\\0' \"$@\" > '" + record + ".tmp'\n";
-        script += "/bin/mv '" + record + ".tmp' '" + record + ".args'\n";
-        script += "exit " + QByteArray::number(exitCode) + "\n";
+        const QByteArray script = "#!/bin/sh\n"
+            + (withStdin ? QByteArray("/bin/cat > '" + record + ".stdin'\n") : QByteArray())
+            + "printf '%s\\0' \"$@\" > '" + record + ".tmp'\n/bin/mv '" + record + ".tmp' '" + record + ".args'\nexit "
+            + QByteArray::number(exitCode) + "\n";
         return write(u"bin/"_qs + name, script, true);
     }
 
@@ -117,16 +108,10 @@ public:
     /// The arguments a recorder got, once its record is there (empty after @p timeoutMs).
     QList<QByteArray> waitForArguments(const QString &name, int timeoutMs = 10000) const
     {
-        const QString file = recordPath(name);
-        for (int waited = 0; !QFile::exists(file) && waited < timeoutMs; waited += 20) {
+        for (int waited = 0; !QFile::exists(recordPath(name)) && waited < timeoutMs; waited += 20)
             QTest::qWait(20);
-        }
-        QFile in(file);
-        if (!in.open(QIODevice::ReadOnly)) {
-            return {};
-        }
-        QList<QByteArray> arguments = in.readAll().split('\0');
-        arguments.removeLast(); // after the last NUL
+        QList<QByteArray> arguments = readRecord(name, ".args").split('\0');
+        arguments.removeLast(); // after the last NUL, or the empty record
         return arguments;
     }
 
@@ -139,17 +124,15 @@ public:
     /// The children of this process, zombies included, from /proc: a detached start leaves none.
     static int childCount()
     {
-        int count = 0;
         DIR *proc = ::opendir("/proc");
-        if (!proc) {
+        if (!proc)
             return -1;
-        }
+        int count = 0;
         const QByteArray self = QByteArray::number(qint64(::getpid()));
         while (const dirent *entry = ::readdir(proc)) {
             QFile stat(u"/proc/"_qs + QString::fromLatin1(entry->d_name) + u"/stat"_qs);
-            if (entry->d_name[0] < '0' || entry->d_name[0] > '9' || !stat.open(QIODevice::ReadOnly)) {
+            if (entry->d_name[0] < '0' || entry->d_name[0] > '9' || !stat.open(QIODevice::ReadOnly))
                 continue;
-            }
             // "pid (comm) state ppid ...": comm may hold blanks and parentheses.
             const QByteArray line = stat.readAll();
             const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
