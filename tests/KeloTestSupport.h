@@ -13,14 +13,17 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <functional>
 #include <initializer_list>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -262,15 +265,6 @@ inline void restartUnderXvfb(int argc, char **argv)
     arguments.push_back(nullptr);
     ::execv(program.constData(), arguments.data());
 }
-
-} // namespace KeloTest
-
-#include <array>
-#include <tuple>
-
-#include <QTest>
-
-namespace KeloTest {
 
 /// The value in column @p name of the current test data row (what QFETCH reads).
 template<typename T>
