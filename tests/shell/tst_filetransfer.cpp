@@ -160,6 +160,8 @@ private Q_SLOTS:
         transferRow("folder copy, replace Cancel", folders, "item copy a/d -> b", {Cancel}, "", folderBox, folders);
         transferRow(
             "folder move, replace Yes moves nothing", folders, "item move a/d -> b", {Yes}, "b/d", folderBox, folders);
+        transferRow("folder move onto an empty folder moves nothing", {"a/", "a/d/", "a/d/f=1", "b/", "b/d/"},
+            "item move a/d -> b", {Yes}, "b/d", folderBox, {"a/", "a/d/", "a/d/f=1", "b/", "b/d/"});
         transferRow("folder copy, a file where the source has a folder",
             {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file"}, "folder copy a/d -> b", {Yes},
             "b/d", folderBox, {"a/", "a/d/", "a/d/s/", "a/d/s/t=1", "a/d/u=2", "b/", "b/d/", "b/d/s=file", "b/d/u=2"});
