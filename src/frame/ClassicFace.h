@@ -23,8 +23,13 @@
  *   MouseMove, MouseUp) under Q_SIGNALS, with the arguments a host expects
  *   (see Kelocontrols::StockEventFilter).
  *
- * Dispatch ids ("DispId:Click" ...) differ between controls and stay in each
- * control's header, as does each property's documentation with its default.
+ * - KELO_CLASSIC_STOCK_CLICK_IDS, KELO_CLASSIC_STOCK_KEY_IDS and
+ *   KELO_CLASSIC_STOCK_MOUSE_IDS among the class information: the standard
+ *   dispatch ids of those events (Click -600 to MouseUp -607). A control
+ *   that numbers its events itself (the file view) writes its ids out.
+ *
+ * Every other dispatch id stays in the control's header, as does each
+ * property's documentation with its default.
  * The accessors are implemented once, in Kelocontrols::ClassicFace
  * (ClassicFace_p.h), which each control's private data holds.
  *
@@ -119,3 +124,17 @@
     void MouseDown(short &Button, short &Shift, float &X, float &Y);                                                   \
     void MouseMove(short &Button, short &Shift, float &X, float &Y);                                                   \
     void MouseUp(short &Button, short &Shift, float &X, float &Y);
+
+// ---- the standard dispatch ids of the stock events (among Q_CLASSINFO) -------
+
+#define KELO_CLASSIC_STOCK_CLICK_IDS                                                                                   \
+    Q_CLASSINFO("DispId:Click", "-600")                                                                                \
+    Q_CLASSINFO("DispId:DblClick", "-601")
+#define KELO_CLASSIC_STOCK_KEY_IDS                                                                                     \
+    Q_CLASSINFO("DispId:KeyDown", "-602")                                                                              \
+    Q_CLASSINFO("DispId:KeyPress", "-603")                                                                             \
+    Q_CLASSINFO("DispId:KeyUp", "-604")
+#define KELO_CLASSIC_STOCK_MOUSE_IDS                                                                                   \
+    Q_CLASSINFO("DispId:MouseDown", "-605")                                                                            \
+    Q_CLASSINFO("DispId:MouseMove", "-606")                                                                            \
+    Q_CLASSINFO("DispId:MouseUp", "-607")

@@ -145,14 +145,9 @@ class KELOCONTROLS_EXPORT KelofolderView : public Kelocontrols::ControlBase
     Q_CLASSINFO("DispId:OLEGiveFeedback", "6")
     Q_CLASSINFO("DispId:OLESetData", "7")
     Q_CLASSINFO("DispId:OLEStartDrag", "8")
-    Q_CLASSINFO("DispId:Click", "-600")
-    Q_CLASSINFO("DispId:DblClick", "-601")
-    Q_CLASSINFO("DispId:KeyDown", "-602")
-    Q_CLASSINFO("DispId:KeyPress", "-603")
-    Q_CLASSINFO("DispId:KeyUp", "-604")
-    Q_CLASSINFO("DispId:MouseDown", "-605")
-    Q_CLASSINFO("DispId:MouseMove", "-606")
-    Q_CLASSINFO("DispId:MouseUp", "-607")
+    KELO_CLASSIC_STOCK_CLICK_IDS
+    KELO_CLASSIC_STOCK_KEY_IDS
+    KELO_CLASSIC_STOCK_MOUSE_IDS
     Q_CLASSINFO("DispId:Collapse", "9")
     Q_CLASSINFO("DispId:Expand", "10")
     Q_CLASSINFO("DispId:NodeClick", "11")

@@ -84,11 +84,8 @@ class KELOCONTROLS_EXPORT KelolistBox : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:DefaultText",
         "The default text returned when a user has not selected anything.  Overridden if defaults specified in "
         "Populate method.")
-    Q_CLASSINFO("DispId:Click", "-600")
-    Q_CLASSINFO("DispId:DblClick", "-601")
-    Q_CLASSINFO("DispId:KeyDown", "-602")
-    Q_CLASSINFO("DispId:KeyPress", "-603")
-    Q_CLASSINFO("DispId:KeyUp", "-604")
+    KELO_CLASSIC_STOCK_CLICK_IDS
+    KELO_CLASSIC_STOCK_KEY_IDS
 
     /// The list's background colour, an OLE colour (system colours follow the palette).
     /// Default: 0x80000005 (window background).

@@ -71,14 +71,9 @@ class KELOCONTROLS_EXPORT KeloscoreCard : public Kelocontrols::ControlBase
     Q_CLASSINFO("Help:ShowMarker", "Shows the marker for the value of the gauge.")
     Q_CLASSINFO("Help:ShowBlocks", "Sets the number of blocks the gauge is split into.  Looks like an LED display.")
     Q_CLASSINFO("Help:GaugeOrientation", "Changes the gauge orientation from horizontal to vertical.")
-    Q_CLASSINFO("DispId:Click", "-600")
-    Q_CLASSINFO("DispId:DblClick", "-601")
-    Q_CLASSINFO("DispId:KeyDown", "-602")
-    Q_CLASSINFO("DispId:KeyPress", "-603")
-    Q_CLASSINFO("DispId:KeyUp", "-604")
-    Q_CLASSINFO("DispId:MouseDown", "-605")
-    Q_CLASSINFO("DispId:MouseMove", "-606")
-    Q_CLASSINFO("DispId:MouseUp", "-607")
+    KELO_CLASSIC_STOCK_CLICK_IDS
+    KELO_CLASSIC_STOCK_KEY_IDS
+    KELO_CLASSIC_STOCK_MOUSE_IDS
 
     /// The colour behind the picture or gauge, an OLE colour (system colours follow the palette).
     /// Default: 0x8000000F (button face).
